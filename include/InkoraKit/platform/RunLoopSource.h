@@ -1,0 +1,28 @@
+#pragma once
+
+#include <InkoraKit/Export.h>
+
+#include <optional>
+
+namespace InkoraKit {
+
+/// Something besides blocks and timers that a run loop waits for: a file descriptor, a deadline, or
+/// both. The loop asks for both anew before each wait.
+class INKORA_EXPORT RunLoopSource {
+public:
+    enum class Interest { none, readable, writable, both };
+
+    virtual ~RunLoopSource() = default;
+
+    /// The descriptor to watch; it stays the same for as long as the source is added.
+    virtual int descriptor() const = 0;
+    virtual Interest interest() const { return Interest::readable; }
+
+    /// When `service` is to be called even if the descriptor stays quiet, on the loop's clock.
+    virtual std::optional<double> deadline() const { return std::nullopt; }
+
+    /// The descriptor is ready or the deadline has come.
+    virtual void service() = 0;
+};
+
+}  // namespace InkoraKit

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <InkoraKit/Export.h>
+
+#include <array>
+#include <compare>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace InkoraKit {
+
+/// A universally unique identifier (RFC 4122): 16 bytes in network order.
+class INKORA_EXPORT UUID {
+public:
+    using Bytes = std::array<std::uint8_t, 16>;
+
+    /// A new random UUID (version 4).
+    UUID();
+    constexpr explicit UUID(const Bytes& bytes) noexcept : bytes_(bytes) {}
+
+    /// Reads the 36-character form, in either case; absent when the text is malformed.
+    static std::optional<UUID> fromString(std::string_view text);
+
+    const Bytes& bytes() const noexcept { return bytes_; }
+
+    /// 36 characters, upper case: 26F927A3-C31C-D452-AEBA-FB2D5FC71825.
+    std::string uuidString() const;
+    std::string description() const { return uuidString(); }
+
+    friend auto operator<=>(const UUID&, const UUID&) = default;
+
+private:
+    Bytes bytes_;
+};
+
+}  // namespace InkoraKit
+
+template <>
+struct INKORA_EXPORT std::hash<InkoraKit::UUID> {
+    std::size_t operator()(const InkoraKit::UUID& uuid) const noexcept;
+};

@@ -1,0 +1,13 @@
+#include "platform/foundation/Fatal.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace InkoraKit {
+
+void fatalError(std::string_view message) noexcept {
+    std::fprintf(stderr, "Fatal error: %.*s\n", static_cast<int>(message.size()), message.data());
+    std::abort();
+}
+
+}  // namespace InkoraKit
