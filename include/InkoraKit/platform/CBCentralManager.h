@@ -1,0 +1,97 @@
+#pragma once
+
+#include <InkoraKit/Export.h>
+#include <InkoraKit/platform/Any.h>
+#include <InkoraKit/platform/CBManagerState.h>
+#include <InkoraKit/platform/CBPeripheral.h>
+#include <InkoraKit/platform/CBUUID.h>
+#include <InkoraKit/platform/NSError.h>
+#include <InkoraKit/platform/NSNumber.h>
+#include <InkoraKit/platform/NSObject.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace InkoraKit {
+
+class CBCentralManager;
+class CentralCore;
+
+/// Hears of the adapter, of advertisers and of links. Held weakly; called on the main run loop,
+/// never from inside the command that causes the event. Override what is of interest.
+class INKORA_EXPORT CBCentralManagerDelegate {
+public:
+    virtual ~CBCentralManagerDelegate();
+
+    /// Comes once after the manager was created, whatever the state is, then with each change.
+    virtual void centralManagerDidUpdateState([[maybe_unused]] CBCentralManager& central) {}
+
+    /// An advertiser was heard: once in a scan, and once more each time its advertised name arrives
+    /// late or changes. The keys are those of CBAdvertisementData.h; `rssi` is in dBm.
+    virtual void centralManagerDidDiscoverPeripheral(
+        [[maybe_unused]] CBCentralManager& central,
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const Dictionary& advertisementData,
+        [[maybe_unused]] const NSNumber& rssi) {}
+
+    virtual void centralManagerDidConnectPeripheral(
+        [[maybe_unused]] CBCentralManager& central,
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral) {}
+
+    virtual void centralManagerDidFailToConnectPeripheral(
+        [[maybe_unused]] CBCentralManager& central,
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+
+    /// A link, or an attempt at one, has ended: without an error when that was asked for. When the
+    /// adapter stops being powered on, its links end without this call.
+    virtual void centralManagerDidDisconnectPeripheral(
+        [[maybe_unused]] CBCentralManager& central,
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+};
+
+/// The Bluetooth LE central role of this machine, through the system's radio or through the one
+/// that was installed before the manager was created.
+///
+/// While the state is not `poweredOn` every command is ignored, with a line on standard error, and
+/// leaves no trace. Destroying the manager ends its scan and its links without callbacks. Belongs
+/// to the main run loop's thread.
+class INKORA_EXPORT CBCentralManager final : public NSObject {
+public:
+    explicit CBCentralManager(std::weak_ptr<CBCentralManagerDelegate> delegate);
+    ~CBCentralManager() override;
+    CBCentralManager(const CBCentralManager&) = delete;
+    CBCentralManager& operator=(const CBCentralManager&) = delete;
+
+    std::shared_ptr<CBCentralManagerDelegate> delegate() const;
+    void setDelegate(std::weak_ptr<CBCentralManagerDelegate> delegate);
+
+    /// `unknown` until the radio has answered.
+    CBManagerState state() const;
+
+    /// True from `scanForPeripherals` to `stopScan` or the loss of power, which ends a scan for
+    /// good.
+    bool isScanning() const;
+
+    /// Reports advertisers that announce at least one of these services, every advertiser when the
+    /// list is empty. While a scan is running only its filter is replaced.
+    void scanForPeripherals(const std::vector<CBUUID>& services = {});
+    void stopScan();
+
+    /// Connects, however long it takes: an attempt waits until the device comes into range.
+    /// Connecting a connected peripheral reports the connection again.
+    void connect(const std::shared_ptr<CBPeripheral>& peripheral);
+
+    /// Ends a link or an attempt. Silent when there is neither.
+    void cancelPeripheralConnection(const std::shared_ptr<CBPeripheral>& peripheral);
+
+    std::string description() const;
+
+private:
+    std::shared_ptr<CentralCore> core_;
+};
+
+}  // namespace InkoraKit

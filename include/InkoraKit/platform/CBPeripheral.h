@@ -1,0 +1,123 @@
+#pragma once
+
+#include <InkoraKit/Export.h>
+#include <InkoraKit/platform/CBCharacteristic.h>
+#include <InkoraKit/platform/CBService.h>
+#include <InkoraKit/platform/CBUUID.h>
+#include <InkoraKit/platform/NSError.h>
+#include <InkoraKit/platform/NSNumber.h>
+#include <InkoraKit/platform/NSObject.h>
+#include <InkoraKit/platform/UUID.h>
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace InkoraKit {
+
+class CBPeripheral;
+class CentralCore;
+
+enum class CBPeripheralState { disconnected = 0, connecting = 1, connected = 2, disconnecting = 3 };
+
+/// Hears what a connected peripheral answers. Held weakly; called on the main run loop, never from
+/// inside the command that is answered. Override what is of interest.
+class INKORA_EXPORT CBPeripheralDelegate {
+public:
+    virtual ~CBPeripheralDelegate();
+
+    virtual void peripheralDidDiscoverServices(
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+
+    virtual void peripheralDidDiscoverCharacteristicsForService(
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::shared_ptr<CBService>& service,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+
+    /// A strength that cannot be read on this system is never made up: there is no call then.
+    virtual void peripheralDidReadRSSI(
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const NSNumber& rssi,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+
+    /// The answer to a read, or a notification; nothing tells the two apart. With an error the
+    /// characteristic keeps the value it had.
+    virtual void peripheralDidUpdateValueForCharacteristic(
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::shared_ptr<CBCharacteristic>& characteristic,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+
+    virtual void peripheralDidUpdateNotificationStateForCharacteristic(
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::shared_ptr<CBCharacteristic>& characteristic,
+        [[maybe_unused]] const std::optional<NSError>& error) {}
+};
+
+/// A remote device, found by a central manager. Within one manager a device is one object for as
+/// long as anybody holds it; the manager does not, so one that is being connected must be kept.
+///
+/// Commands need a connected peripheral. Others are ignored, with a line on standard error; so are
+/// commands on services or characteristics of an earlier link. When a link ends, open commands get
+/// no answer. Belongs to the main run loop's thread.
+class INKORA_EXPORT CBPeripheral final : public NSObject {
+public:
+    ~CBPeripheral() override;
+    CBPeripheral(const CBPeripheral&) = delete;
+    CBPeripheral& operator=(const CBPeripheral&) = delete;
+
+    /// The same for one device on one machine, across scans and runs; not its radio address.
+    const UUID& identifier() const noexcept { return identifier_; }
+
+    /// The device's own name once it is known, else the last one advertised.
+    const std::optional<std::string>& name() const noexcept {
+        return ownName_ ? ownName_ : advertisedName_;
+    }
+
+    CBPeripheralState state() const noexcept { return state_; }
+
+    std::shared_ptr<CBPeripheralDelegate> delegate() const { return delegate_.lock(); }
+    void setDelegate(std::weak_ptr<CBPeripheralDelegate> delegate);
+
+    /// The services discovered on this link, in the device's order: absent before the first
+    /// successful discovery and after the link, empty when none was found.
+    const std::optional<std::vector<std::shared_ptr<CBService>>>& services() const noexcept {
+        return services_;
+    }
+
+    /// Looks for these services, for all when the list is empty.
+    void discoverServices(const std::vector<CBUUID>& services);
+    /// Looks for these characteristics of a service, for all when the list is empty.
+    void discoverCharacteristics(const std::vector<CBUUID>& characteristics,
+                                 const std::shared_ptr<CBService>& service);
+    void readValue(const std::shared_ptr<CBCharacteristic>& characteristic);
+    void setNotifyValue(bool enabled, const std::shared_ptr<CBCharacteristic>& characteristic);
+    void readRSSI();
+
+    std::string description() const;
+
+private:
+    friend class CentralCore;
+
+    CBPeripheral(const UUID& identifier, std::weak_ptr<CentralCore> core);
+    std::shared_ptr<CentralCore> coreForCommand() const;
+    std::shared_ptr<CBPeripheral> self();
+    bool owns(const std::shared_ptr<CBService>& service) const;
+    bool owns(const std::shared_ptr<CBCharacteristic>& characteristic) const;
+
+    UUID identifier_;
+    std::weak_ptr<CentralCore> core_;
+    std::optional<std::string> ownName_;
+    std::optional<std::string> advertisedName_;
+    CBPeripheralState state_ = CBPeripheralState::disconnected;
+    std::uint64_t link_ = 0;  // counts attempts to connect, to tell a late event of an earlier one
+    bool connectAgain_ = false;  // asked for while the last link was still ending
+    std::weak_ptr<CBPeripheralDelegate> delegate_;
+    std::optional<std::vector<std::shared_ptr<CBService>>> services_;
+    std::deque<std::vector<CBUUID>> discoveries_;  // what each open discovery asked for
+};
+
+}  // namespace InkoraKit

@@ -1,0 +1,19 @@
+#include "platform/bluetooth/radio.h"
+
+#if defined(INKORA_WITH_BLUEZ)
+#include "platform/radios/bluez/BluezRadio.h"
+#else
+#include "platform/radios/AbsentRadio.h"
+#endif
+
+namespace InkoraKit {
+
+std::unique_ptr<Radio> openSystemRadio() {
+#if defined(INKORA_WITH_BLUEZ)
+    return std::make_unique<BluezRadio>();
+#else
+    return std::make_unique<AbsentRadio>();
+#endif
+}
+
+}  // namespace InkoraKit
