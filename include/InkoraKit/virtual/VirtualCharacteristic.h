@@ -1,0 +1,63 @@
+#pragma once
+
+#include <InkoraKit/Export.h>
+#include <InkoraKit/platform/CBUUID.h>
+#include <InkoraKit/platform/Data.h>
+#include <InkoraKit/platform/NSError.h>
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <utility>
+
+namespace InkoraKit {
+
+/// A characteristic of a virtual peripheral: a value, and a script of what reads are answered with.
+/// Notifications are sent by the peripheral. Belongs to the run loop's thread.
+class INKORA_EXPORT VirtualCharacteristic {
+public:
+    /// Properties, as the bits of the Bluetooth Core Specification, Vol 3, Part G, 3.3.1.1.
+    static constexpr std::uint32_t readable = 0x02;
+    static constexpr std::uint32_t notifiable = 0x10;
+    static constexpr std::uint32_t indicatable = 0x20;
+
+    explicit VirtualCharacteristic(const CBUUID& uuid, std::optional<Data> value = Data(),
+                                   std::uint32_t properties = readable | notifiable);
+
+    const CBUUID& uuid() const noexcept { return uuid_; }
+
+    /// Reading one that is not readable fails, and so does subscribing to one that neither notifies
+    /// nor indicates.
+    std::uint32_t properties() const noexcept { return properties_; }
+
+    /// What reads are answered with. Where it is absent they succeed, yet bring no value.
+    const std::optional<Data>& value() const noexcept { return value_; }
+    void setValue(std::optional<Data> value) { value_ = std::move(value); }
+
+    /// Scripts the answer of one read, in place of the value. Scripted answers are used up in the
+    /// order in which they were added.
+    void answerNextRead(std::optional<Data> value);
+    void failNextRead(const NSError& error);
+
+    /// Seconds that a read takes beyond the peripheral's answer delay, 0 at first. One that
+    /// outlasts the link is a read never answered.
+    double readDelay() const noexcept { return readDelay_; }
+    void setReadDelay(double seconds) { readDelay_ = seconds; }
+
+private:
+    friend class VirtualLink;
+
+    struct ReadAnswer {
+        std::optional<Data> value;
+        std::optional<NSError> error;
+    };
+    ReadAnswer nextReadAnswer();
+
+    CBUUID uuid_;
+    std::uint32_t properties_;
+    std::optional<Data> value_;
+    std::deque<ReadAnswer> script_;
+    double readDelay_ = 0;
+};
+
+}  // namespace InkoraKit

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace InkoraKit {
+
+/// What a virtual peripheral makes of an attempt to connect.
+enum class VirtualConnectAnswer {
+    accept,
+    refuse,  ///< the attempt fails
+    none,    ///< the attempt stays pending until the answer is set to another
+};
+
+}  // namespace InkoraKit

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <InkoraKit/platform/CBUUID.h>
+#include <InkoraKit/virtual/VirtualCharacteristic.h>
+
+#include <memory>
+#include <vector>
+
+namespace InkoraKit {
+
+/// A service of a virtual peripheral. Its characteristics are shared with whoever scripts them.
+struct VirtualService {
+    CBUUID uuid;
+    std::vector<std::shared_ptr<VirtualCharacteristic>> characteristics = {};
+    bool isPrimary = true;
+};
+
+}  // namespace InkoraKit

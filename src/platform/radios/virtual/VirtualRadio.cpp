@@ -1,0 +1,85 @@
+#include <InkoraKit/virtual/VirtualRadio.h>
+
+#include "platform/radios/virtual/VirtualErrors.h"
+#include "platform/radios/virtual/VirtualLink.h"
+#include "platform/radios/virtual/VirtualRadioPort.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace InkoraKit {
+namespace {
+
+const VirtualRadio* installed = nullptr;
+
+}  // namespace
+
+std::shared_ptr<VirtualRadio> VirtualRadio::install() {
+    const std::shared_ptr<VirtualRadio> radio(new VirtualRadio);
+    installRadio([air = radio.get()] { return std::make_unique<VirtualRadioPort>(*air); });
+    installed = radio.get();
+    return radio;
+}
+
+VirtualRadio::~VirtualRadio() {
+    if (installed == this) {
+        installRadio({});
+        installed = nullptr;
+    }
+    setState(CBManagerState::unsupported);
+    for (const auto& peripheral : peripherals_) peripheral->radio_ = nullptr;
+    for (VirtualRadioPort* port : ports_) port->radioGone();
+}
+
+void VirtualRadio::setState(CBManagerState state) {
+    if (state == state_) return;
+    state_ = state;
+    if (state_ != CBManagerState::poweredOn) {
+        for (VirtualRadioPort* port : ports_) port->forgetScanAndAttempts();
+        for (const auto& peripheral : peripherals_) peripheral->link_.reset();
+    }
+    everyPeripheralChanged();
+    for (VirtualRadioPort* port : ports_) port->reportState();
+}
+
+void VirtualRadio::add(std::shared_ptr<VirtualPeripheral> peripheral) {
+    if (peripheral->radio_ || find(peripheral->identifier()))
+        throw std::invalid_argument("a virtual peripheral with identifier " +
+                                    peripheral->identifier().uuidString() + " was added already");
+    peripheral->radio_ = this;
+    peripherals_.push_back(peripheral);
+    peripheral->changed();
+}
+
+void VirtualRadio::remove(std::shared_ptr<VirtualPeripheral> peripheral) {
+    if (peripheral->radio_ != this) return;
+    std::erase(peripherals_, peripheral);
+    peripheralChanged(*peripheral);
+    peripheral->radio_ = nullptr;
+    peripheral->changed();
+    peripheral->endLink(virtualErrors::linkTimedOut());
+}
+
+bool VirtualRadio::isScanning() const {
+    return std::ranges::any_of(ports_, &VirtualRadioPort::isScanning);
+}
+
+std::shared_ptr<VirtualPeripheral> VirtualRadio::find(const UUID& identifier) const {
+    const auto found = std::ranges::find(peripherals_, identifier, &VirtualPeripheral::identifier);
+    return found == peripherals_.end() ? nullptr : *found;
+}
+
+void VirtualRadio::hear(VirtualPeripheral& peripheral, bool reportEvenIfKnown) {
+    for (VirtualRadioPort* port : ports_) port->hear(peripheral, reportEvenIfKnown);
+}
+
+void VirtualRadio::peripheralChanged(VirtualPeripheral& peripheral) {
+    for (VirtualRadioPort* port : ports_) port->pursue(peripheral.identifier());
+}
+
+void VirtualRadio::everyPeripheralChanged() {
+    for (const auto& peripheral : peripherals_) peripheral->changed();
+}
+
+}  // namespace InkoraKit
