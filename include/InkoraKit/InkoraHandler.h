@@ -1,0 +1,198 @@
+#pragma once
+
+#include <InkoraKit/Export.h>
+#include <InkoraKit/InkoraConstants.h>
+#include <InkoraKit/InkoraProtocols.h>
+#include <InkoraKit/ManagerState.h>
+#include <InkoraKit/platform/CBCentralManager.h>
+#include <InkoraKit/platform/CBPeripheral.h>
+#include <InkoraKit/platform/NSObject.h>
+#include <InkoraKit/platform/Timer.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace InkoraKit {
+
+/// The engine behind `InkoraManager`: it finds the pen, connects to it, subscribes to its values
+/// and reports them to the host's receiver.
+///
+/// Every step and every field is a virtual operation, so that a subclass can replace any one of
+/// them; a subclass that sets `isRealDevice` to false runs the simulation mode, in which timers and
+/// random draws stand in for the radio. The steps without arguments can also be run by name
+/// (`performSelector`), which is how timers call them.
+///
+/// Nothing is locked. Everything belongs on the main run loop's thread, but for `publishHandler`
+/// and `unPublishHandler`, which only queue their work there.
+class INKORA_EXPORT InkoraHandler : public NSObject,
+                                    public CBCentralManagerDelegate,
+                                    public CBPeripheralDelegate {
+public:
+    /// The process's one handler, created on first use and never destroyed. Any thread.
+    static const std::shared_ptr<InkoraHandler>& getInstance();
+
+    ~InkoraHandler() override;
+
+    /// The host's receiver, held weakly.
+    virtual std::shared_ptr<InkoraProtocols> delegate() const;
+    virtual void setDelegate(const std::shared_ptr<InkoraProtocols>& delegate);
+
+protected:
+    /// The central manager, created by the first start and kept.
+    virtual std::shared_ptr<CBCentralManager> manager() const;
+    virtual void setManager(const std::shared_ptr<CBCentralManager>& manager);
+
+public:
+    /// The pen that is being connected or is connected.
+    virtual std::shared_ptr<CBPeripheral> connectedPeripheral() const;
+    virtual void setConnectedPeripheral(const std::shared_ptr<CBPeripheral>& peripheral);
+
+    /// The battery characteristic, known from its first value on.
+    virtual std::shared_ptr<CBCharacteristic> batterLifeCharacterstic() const;
+    virtual void setBatterLifeCharacterstic(const std::shared_ptr<CBCharacteristic>& battery);
+
+    /// The one pending time-out.
+    virtual std::shared_ptr<Timer> timeoutMonitor() const;
+    virtual void setTimeoutMonitor(const std::shared_ptr<Timer>& timer);
+
+protected:
+    virtual double colorCaptureTimeout() const;
+
+    virtual ManagerState currentState() const;
+    virtual void setCurrentState(ManagerState state);
+
+public:
+    /// The pen's advertised name; empty while there is no pen.
+    virtual const std::string& deviceName() const;
+    virtual void setDeviceName(const std::string& name);
+
+    /// The connected pen's identifier; empty while there is none.
+    virtual const std::string& deviceUdid() const;
+    virtual void setDeviceUdid(const std::string& identifier);
+
+protected:
+    /// True drives the real radio, false the simulation. Publishing a receiver sets it true.
+    virtual bool isRealDevice() const;
+    virtual void setIsRealDevice(bool isRealDevice);
+
+    virtual bool isAutoPairEnabled() const;
+    virtual void setIsAutoPairEnabled(bool isEnabled);
+
+    /// Whether the next disconnection is followed by a new scan.
+    virtual bool isReScanNeeded() const;
+    virtual void setIsReScanNeeded(bool isNeeded);
+
+    /// Whether the host has asked for the battery level, or the proximity, and was not answered
+    /// yet.
+    virtual bool isBatteryInfoRequested() const;
+    virtual void setIsBatteryInfoRequested(bool isRequested);
+    virtual bool isProximityInfoRequested() const;
+    virtual void setIsProximityInfoRequested(bool isRequested);
+
+    /// The last values received. Every store is followed by a look whether the host is to be told.
+    virtual const std::optional<std::string>& capturedColorValue() const;
+    virtual void setCapturedColorValue(const std::optional<std::string>& value);
+    virtual std::optional<std::int64_t> batteryLevelValue() const;
+    virtual void setBatteryLevelValue(std::optional<std::int64_t> level);
+    virtual std::optional<std::int64_t> deviceProximityValue() const;
+    virtual void setDeviceProximityValue(std::optional<std::int64_t> proximity);
+
+    InkoraHandler();
+
+public:
+    virtual void publishHandler(const std::shared_ptr<InkoraProtocols>& receiver);
+    virtual void unPublishHandler();
+    virtual void startInkoraHandler();
+    virtual void stopInkoraHandler();
+    virtual void requestBluetoothSignalInfo();
+    virtual void requestBatteryLifeValue();
+    virtual void requestDeviceGeneralInfo();
+    virtual void StartInkoraHandlerManager();
+
+    /// Seconds until the simulation mode captures a colour (the setter of `colorCaptureTimeout`);
+    /// any value is taken as it is. A timer already running keeps its own.
+    virtual void setColorCaptureTimeout(double seconds);
+
+protected:
+    virtual void resetDeviceInfoCache();
+
+public:
+    virtual void disconnectAllPeripherals();
+    virtual void ScanPeripheralCompleted();
+    virtual void ServiceDiscoveryForPeripheralCompleted();
+    virtual void StartDiscoveringServicesForPeripheral();
+    virtual void didUpdateValueForPeripheralCharacterstic();
+    virtual void startTimeoutMonitor();
+    virtual void stopTimeoutMonitor();
+    virtual void BluetoothDeviceDiscovered();
+    virtual void BluetoothDeviceConnected();
+    virtual void BluetoothDeviceFailedToConnect();
+    virtual void BluetoothDeviceDisconnected(bool isRescanNeeded);
+    virtual void startScanPeripheral();
+    virtual void stopScanPeripheral();
+    virtual void connectTimeout();
+    virtual void initCBCentralManager();
+
+    void centralManagerDidUpdateState(CBCentralManager& central) override;
+    void centralManagerDidDiscoverPeripheral(CBCentralManager& central,
+                                             const std::shared_ptr<CBPeripheral>& peripheral,
+                                             const Dictionary& advertisementData,
+                                             const NSNumber& rssi) override;
+    void centralManagerDidConnectPeripheral(
+        CBCentralManager& central, const std::shared_ptr<CBPeripheral>& peripheral) override;
+    void centralManagerDidDisconnectPeripheral(CBCentralManager& central,
+                                               const std::shared_ptr<CBPeripheral>& peripheral,
+                                               const std::optional<NSError>& error) override;
+    void centralManagerDidFailToConnectPeripheral(CBCentralManager& central,
+                                                  const std::shared_ptr<CBPeripheral>& peripheral,
+                                                  const std::optional<NSError>& error) override;
+
+    void peripheralDidDiscoverServices(const std::shared_ptr<CBPeripheral>& peripheral,
+                                       const std::optional<NSError>& error) override;
+    void peripheralDidDiscoverCharacteristicsForService(
+        const std::shared_ptr<CBPeripheral>& peripheral, const std::shared_ptr<CBService>& service,
+        const std::optional<NSError>& error) override;
+    void peripheralDidReadRSSI(const std::shared_ptr<CBPeripheral>& peripheral,
+                               const NSNumber& rssi, const std::optional<NSError>& error) override;
+    void peripheralDidUpdateValueForCharacteristic(
+        const std::shared_ptr<CBPeripheral>& peripheral,
+        const std::shared_ptr<CBCharacteristic>& characteristic,
+        const std::optional<NSError>& error) override;
+
+protected:
+    Method methodForSelector(std::string_view selector) const override;
+
+private:
+    static const std::shared_ptr<InkoraHandler>& instance();
+    std::shared_ptr<InkoraHandler> self();
+
+    void capturedColorValueChanged();
+    void batteryLevelValueChanged();
+    void deviceProximityValueChanged();
+    void colourReceived(const CBCharacteristic& characteristic);
+    void batteryLevelReceived(const std::shared_ptr<CBCharacteristic>& characteristic);
+    void reportBluetoothDisabled();
+    bool hasHostAndPen() const;
+
+    std::weak_ptr<InkoraProtocols> delegate_;
+    std::shared_ptr<CBCentralManager> manager_;
+    std::shared_ptr<CBPeripheral> connectedPeripheral_;
+    std::shared_ptr<CBCharacteristic> batterLifeCharacterstic_;
+    std::shared_ptr<Timer> timeoutMonitor_;
+    double colorCaptureTimeout_ = InkoraConstants::CaptureColorTimeout;
+    ManagerState currentState_ = ManagerState::Unknown;
+    std::string deviceName_;
+    std::string deviceUdid_;
+    bool isRealDevice_ = true;
+    bool isAutoPairEnabled_ = true;
+    bool isReScanNeeded_ = true;
+    bool isBatteryInfoRequested_ = false;
+    bool isProximityInfoRequested_ = false;
+    std::optional<std::string> capturedColorValue_;
+    std::optional<std::int64_t> batteryLevelValue_;
+    std::optional<std::int64_t> deviceProximityValue_;
+};
+
+}  // namespace InkoraKit

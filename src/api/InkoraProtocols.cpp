@@ -1,0 +1,7 @@
+#include <InkoraKit/InkoraProtocols.h>
+
+namespace InkoraKit {
+
+InkoraProtocols::~InkoraProtocols() = default;
+
+}  // namespace InkoraKit
