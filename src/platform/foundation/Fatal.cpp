@@ -5,7 +5,7 @@
 
 namespace InkoraKit {
 
-void fatalError(std::string_view message) noexcept {
+void fatalError(std::string_view message) {
     std::fprintf(stderr, "Fatal error: %.*s\n", static_cast<int>(message.size()), message.data());
     std::abort();
 }

@@ -7,7 +7,7 @@ namespace InkoraKit {
 
 /// Writes "Fatal error: " and the message to standard error and aborts the process. For broken
 /// contracts inside the kit, where going on would mean making something up.
-[[noreturn]] void fatalError(std::string_view message) noexcept;
+[[noreturn]] void fatalError(std::string_view message);
 
 /// The optional or pointer itself, which must hold something here; an empty one is fatal.
 template <class Optional>
