@@ -35,7 +35,7 @@ std::optional<Data> bytesFromHex(const std::string& hex) {
 
 class Player {
 public:
-    Player() {
+    explicit Player(Accounting rule) : accounting(rule) {
         RunLoop::main().setClock(std::make_shared<VirtualClock>());
         ScriptedRadio::install();
     }
@@ -68,7 +68,8 @@ private:
             action();
             return true;
         } catch (const FatalStop& stop) {
-            if (accountedFor.contains(stop.message)) return false;
+            if (accounting == Accounting::byScript && accountedFor.contains(stop.message))
+                return false;
             std::fprintf(stderr, "unaccounted fatal stop: %s\n", stop.message.c_str());
             std::abort();
         }
@@ -202,7 +203,6 @@ private:
     }
     void proximity() { handler->requestBluetoothSignalInfo(); }
     void info() { handler->requestDeviceGeneralInfo(); }
-    void broken() { fatalError("broken"); }
     void wait() { drain(number() % 100 / 10.0); }
     void run() { drain(0); }
     void drain(double seconds) {
@@ -232,11 +232,11 @@ private:
         {"battery", &Player::battery},
         {"proximity", &Player::proximity},
         {"info", &Player::info},
-        {"broken", &Player::broken},
         {"wait", &Player::wait},
         {"run", &Player::run},
     };
 
+    const Accounting accounting;
     std::array<UUID, 3> devices;
     std::shared_ptr<RecordingHost> host = std::make_shared<RecordingHost>();
     std::shared_ptr<OpenHandler> handler = std::make_shared<OpenHandler>();
@@ -251,8 +251,8 @@ void fatalError(std::string_view message) {
     throw FatalStop{std::string(message)};
 }
 
-void runPenScript(std::string_view script) {
-    Player().play(script);
+void runPenScript(std::string_view script, Accounting accounting) {
+    Player(accounting).play(script);
 }
 
 }  // namespace InkoraKit

@@ -5,6 +5,9 @@
 
 namespace InkoraKit {
 
+/// Whether a script can account for a fatal stop, or none is taken, to see that it is noticed.
+enum class Accounting { byScript, none };
+
 /// Runs a script of radio events and host calls, one a line, against the engine, and aborts when
 /// the engine comes to a fatal stop that nothing in the script accounts for. Lines that make no
 /// sense are skipped. The words, with n for a small number:
@@ -23,7 +26,6 @@ namespace InkoraKit {
 ///     start  stop  publish  unpublish  battery  proximity  info   the host's calls
 ///     wait n                    n tenths of a second pass
 ///     run                       what is queued is done
-///     broken                    a fatal stop of no reason, to see that it is noticed
-void runPenScript(std::string_view script);
+void runPenScript(std::string_view script, Accounting accounting = Accounting::byScript);
 
 }  // namespace InkoraKit

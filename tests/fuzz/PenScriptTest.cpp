@@ -103,7 +103,10 @@ TEST(PenScriptTest, ThousandsOfRandomOrdersEndOnlyWhereTheyAreMeantTo) {
 }
 
 TEST(PenScriptDeathTest, AStopThatNothingAccountsForIsNoticed) {
-    EXPECT_DEATH(runPenScript("publish\nstart\nrun\nbroken\n"), "unaccounted fatal stop: broken");
+    for (const char* seed : {"short-colour", "battery-too-long", "discovery-fails"}) {
+        const std::string script = contents(std::filesystem::path(INKORA_SEEDS) / seed);
+        EXPECT_DEATH(runPenScript(script, Accounting::none), "unaccounted fatal stop") << seed;
+    }
 }
 
 }  // namespace

@@ -1,0 +1,193 @@
+#include "Allocations.h"
+
+#include "support/ScriptedRadio.h"
+
+#include <InkoraKit/InkoraKit.h>
+#include <InkoraKit/virtual/VirtualClock.h>
+#include <InkoraKit/virtual/VirtualPen.h>
+#include <InkoraKit/virtual/VirtualRadio.h>
+
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+#include <functional>
+#include <memory>
+
+namespace InkoraKit {
+namespace {
+
+struct Handler : InkoraHandler {};
+
+/// Counts colours, and whether each is the successor of the one before.
+struct CountingHost : InkoraProtocols {
+    void didConnectedToPeripheral() override { isConnected = true; }
+    void didPeripheralCaptured(const UIColor& colour) override {
+        const auto channel = [](double value) { return static_cast<int>(value * 255.0 + 0.5); };
+        const int number =
+            channel(colour.red()) << 16 | channel(colour.green()) << 8 | channel(colour.blue());
+        if (number != last + 1) ++reordered;
+        last = number;
+        ++received;
+    }
+    bool isConnected = false;
+    std::int64_t received = 0;
+    std::int64_t reordered = 0;
+    int last = 0;
+};
+
+Data numbered(std::int64_t number) {
+    return {1, static_cast<std::uint8_t>(number >> 16), static_cast<std::uint8_t>(number >> 8),
+            static_cast<std::uint8_t>(number)};
+}
+
+/// The engine, connected over a radio whose notifications the benchmark sends.
+class ConnectedEngine {
+public:
+    ConnectedEngine() {
+        ScriptedRadio::install();
+        handler->publishHandler(host);
+        handler->startInkoraHandler();
+        run();
+        events().adapterStateChanged(CBManagerState::poweredOn);
+        run();
+        Sighting seen{.identifier = pen, .name = {}, .advertisement = {}, .rssi = -50};
+        seen.advertisement.localName = "InkoraPen";
+        events().sighted(seen);
+        run();
+        events().connected(pen);
+        run();
+        events().servicesDiscovered(pen, {{1, CBUUID("1F1F")}}, {});
+        run();
+        events().characteristicsDiscovered(pen, 1, {{colour, CBUUID("1F14")}}, {});
+        run();
+    }
+    ~ConnectedEngine() { installRadio({}); }
+
+    void notify(std::int64_t number) { events().valueNotified(pen, colour, numbered(number)); }
+
+    std::shared_ptr<CountingHost> host = std::make_shared<CountingHost>();
+
+private:
+    static RadioListener& events() { return *ScriptedRadio::opened()->events; }
+    static void run() { RunLoop::main().runFor(0); }
+
+    static constexpr AttributeHandle colour = 2;
+    const UUID pen;
+    std::shared_ptr<InkoraHandler> handler = std::make_shared<Handler>();
+};
+
+/// Calls `step` from a block of its own `count` times over, as a radio that is served by the run
+/// loop would.
+void repeatOnRunLoop(std::int64_t count, const std::function<void(std::int64_t)>& step) {
+    struct Driver {
+        void operator()() const {
+            step(*done);
+            if (++*done < count)
+                RunLoop::main().post(*this);
+            else
+                RunLoop::main().post([] { RunLoop::main().stop(); });
+        }
+        std::int64_t count;
+        const std::function<void(std::int64_t)>& step;
+        std::int64_t* done;
+    };
+    std::int64_t done = 0;
+    RunLoop::main().post(Driver{count, step, &done});
+    RunLoop::main().run();
+}
+
+/// From the radio port through the central manager and the engine to the host's callback: one
+/// colour a pass of the run loop, or a burst of them.
+void ColourNotification(benchmark::State& state) {
+    RunLoop::main().setClock(std::make_shared<SystemClock>());
+    ConnectedEngine engine;
+    const std::int64_t burst = state.range(0);
+    std::int64_t sent = 0;
+    const std::function<void(std::int64_t)> send = [&](std::int64_t) {
+        for (std::int64_t i = 0; i < burst; ++i) engine.notify(++sent);
+    };
+    repeatOnRunLoop(1000, send);  // until every queue has the room it needs
+    const std::uint64_t before = allocationCount();
+    for (auto batch : state) {
+        (void)batch;
+        repeatOnRunLoop(1000, send);
+    }
+    const auto colours = static_cast<double>(state.iterations() * 1000 * burst);
+    state.counters["per_colour"] =
+        benchmark::Counter(colours, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["allocations_per_colour"] =
+        static_cast<double>(allocationCount() - before) / colours;
+}
+BENCHMARK(ColourNotification)->Arg(1)->Arg(32)->ArgName("burst");
+
+/// All in one go, as after a stall: none may be lost or overtaken.
+void MillionColours(benchmark::State& state) {
+    RunLoop::main().setClock(std::make_shared<SystemClock>());
+    constexpr std::int64_t million = 1'000'000;
+    std::int64_t lost = 0;
+    std::int64_t reordered = 0;
+    for (auto run : state) {
+        (void)run;
+        ConnectedEngine engine;
+        for (std::int64_t i = 1; i <= million; ++i) engine.notify(i);
+        RunLoop::main().runFor(0);
+        lost += million - engine.host->received;
+        reordered += engine.host->reordered;
+    }
+    state.counters["lost"] = static_cast<double>(lost);
+    state.counters["reordered"] = static_cast<double>(reordered);
+}
+BENCHMARK(MillionColours)->Unit(benchmark::kMillisecond);
+
+/// What the kit itself takes from the start to `didConnectedToPeripheral`, with a pen that
+/// advertises every 100 ms: the clock's time is the pen's interval, the rest is ours.
+void StartToConnected(benchmark::State& state) {
+    const auto clock = std::make_shared<VirtualClock>();
+    RunLoop::main().setClock(clock);
+    double seconds = 0;
+    for (auto run : state) {
+        (void)run;
+        const auto radio = VirtualRadio::install();
+        radio->add(std::make_shared<VirtualPen>());
+        const auto host = std::make_shared<CountingHost>();
+        const std::shared_ptr<InkoraHandler> handler = std::make_shared<Handler>();
+        handler->publishHandler(host);
+        const double began = clock->now();
+        handler->startInkoraHandler();
+        while (!host->isConnected) RunLoop::main().runOnce(1);
+        seconds += clock->now() - began;
+    }
+    state.counters["clock_seconds"] = seconds / static_cast<double>(state.iterations());
+}
+BENCHMARK(StartToConnected)->Unit(benchmark::kMicrosecond);
+
+/// A second of a connected and silent pen, by the real clock.
+void IdleWhileConnected(benchmark::State& state) {
+    RunLoop::main().setClock(std::make_shared<SystemClock>());
+    const auto radio = VirtualRadio::install();
+    radio->add(std::make_shared<VirtualPen>());
+    const auto host = std::make_shared<CountingHost>();
+    const std::shared_ptr<InkoraHandler> handler = std::make_shared<Handler>();
+    handler->publishHandler(host);
+    handler->startInkoraHandler();
+    while (!host->isConnected) RunLoop::main().runOnce(1);
+    RunLoop::main().runFor(0.1);
+    const auto sleeps = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_nvcsw;
+    };
+    const auto before = sleeps();
+    for (auto second : state) {
+        (void)second;
+        RunLoop::main().runFor(1);
+    }
+    // The end of each second is the benchmark's own.
+    state.counters["wake_ups"] =
+        static_cast<double>(sleeps() - before - static_cast<long>(state.iterations()));
+    state.counters["scheduled"] = RunLoop::main().timeUntilDue().has_value();
+}
+BENCHMARK(IdleWhileConnected)->Iterations(3)->Unit(benchmark::kSecond);
+
+}  // namespace
+}  // namespace InkoraKit
