@@ -43,7 +43,15 @@ public:
     ~Player() {
         installRadio({});
         handler.reset();
-        RunLoop::main().runFor(100);  // of the timers that still hold the handler
+        // What is still queued, and the timers that hold the handler, end before the next script.
+        for (bool isDone = false; !isDone;) {
+            try {
+                RunLoop::main().runFor(100);
+                isDone = true;
+            } catch (const FatalStop&) {
+                // One after the end of the script: its process would be no more.
+            }
+        }
     }
 
     void play(std::string_view script) {
