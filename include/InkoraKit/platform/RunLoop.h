@@ -51,13 +51,15 @@ public:
     void setClock(std::shared_ptr<Clock> clock);
 
     /// A descriptor that a poll, select or epoll finds readable when `runOnce` has something to do,
-    /// also when that is a block posted, or an earlier deadline set, from outside the loop.
+    /// also when that is a block posted, or an earlier deadline set, from outside the loop. -1 on
+    /// systems other than Linux, where only the deadline is to be had.
     int descriptor() const;
     /// Seconds until `runOnce` must be called even though the descriptor stays quiet: 0 when
     /// something is due, absent when nothing is scheduled. Ask right before each wait.
     std::optional<double> timeUntilDue() const;
 
     /// Watches a source, which its owner removes before it ends.
+    /// @throws std::logic_error on systems other than Linux.
     void addSource(RunLoopSource& source);
     void removeSource(RunLoopSource& source);
 
