@@ -1,0 +1,18 @@
+#pragma once
+
+#include <InkoraKit/InkoraErrorCodes.h>
+
+namespace InkoraTool {
+
+/// What the process ends with. A failure that the kit reports has the code of its error.
+enum class ExitStatus : int {
+    success = 0,
+    failure = 1,  ///< the output cannot be written, or what nobody foresaw
+    usage = 2,
+    noBluetooth = InkoraKit::InkoraErrorCodes::inSufficientResources,
+    notConnected = InkoraKit::InkoraErrorCodes::deviceFailedToConnect,
+    noPen = InkoraKit::InkoraErrorCodes::deviceConnectionTimeout,
+    interrupted = 130,  ///< before there was a result; as shells show an end by SIGINT
+};
+
+}  // namespace InkoraTool

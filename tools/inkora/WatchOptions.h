@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace InkoraTool {
+
+/// When `inkora watch` ends by itself and what else it asks for.
+struct WatchOptions {
+    std::optional<std::int64_t> count = {};  // colours
+    std::optional<double> duration = {};     // seconds
+    std::optional<double> askEvery = {};     // seconds
+};
+
+}  // namespace InkoraTool

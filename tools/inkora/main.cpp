@@ -1,0 +1,63 @@
+#include "Command.h"
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+
+using namespace InkoraTool;
+
+namespace {
+
+constexpr const char* footer = R"(Examples:
+  inkora watch                           colours of the first pen found, until Ctrl-C
+  inkora watch --count 5 --json          five colours, for a program to read
+  inkora watch --for 60 --ask-every 10   a minute, with battery and proximity every 10 s
+  inkora info                            name, identifier, battery, proximity
+  inkora watch --radio virtual           no Bluetooth and no pen needed
+
+Exit status:
+   0  done: --count or --for was reached, or ended by Ctrl-C, SIGTERM or SIGHUP
+   1  the output cannot be written
+   2  the command line is wrong
+  17  Bluetooth is off, missing or not permitted
+  18  a pen was found but could not be connected
+  19  no pen was found within 6 seconds, or the time of --for
+ 130  info was interrupted before it had an answer
+)";
+
+ExitStatus runProgram(int argc, char** argv) {
+    CLI::App program("Talks to a colour-capturing pen over Bluetooth LE.", "inkora");
+    program.set_version_flag("--version", "inkora " INKORA_VERSION);
+    program.footer(footer);
+    program.require_subcommand(0, 1);
+    program.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("inkora: ") + error.what() + "\nSee inkora --help.\n";
+    });
+    const std::array commands = {addWatchCommand(program), addInfoCommand(program)};
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? ExitStatus::success : ExitStatus::usage;
+    }
+    for (const Command& command : commands)
+        if (command.options->parsed()) return command.run();
+    std::fputs(program.help().c_str(), stderr);
+    return ExitStatus::usage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // A reader that goes away is seen by the write that fails, and the pen is let go of.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return static_cast<int>(runProgram(argc, argv));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "inkora: %s\n", error.what());
+        return static_cast<int>(ExitStatus::failure);
+    }
+}
