@@ -1,0 +1,51 @@
+// A host with a loop of its own: the kit's run loop is one more descriptor and one more deadline.
+// It echoes the lines typed between the colours, and ends with the input.
+#include <InkoraKit/InkoraKit.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+using namespace InkoraKit;
+
+struct Swatches : InkoraProtocols {
+    void didPeripheralCaptured(const UIColor& colour) override {
+        std::puts(colour.description().c_str());
+    }
+    void didFailedToInterrogate(const NSError& error) override { std::puts(error.what()); }
+    void didFailToConnectWithBlueTooth(const NSError& error) override { std::puts(error.what()); }
+};
+
+// What poll() takes: -1 waits for as long as it takes. Rounded up, or it would wake up too early.
+int milliseconds(std::optional<double> seconds) {
+    constexpr double longest = 60'000;
+    return seconds ? static_cast<int>(std::ceil(std::min(*seconds * 1000, longest))) : -1;
+}
+
+bool echoInput() {
+    std::array<char, 512> bytes;
+    const auto count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+    if (count <= 0) return false;
+    std::fwrite(bytes.data(), 1, static_cast<std::size_t>(count), stdout);
+    return true;
+}
+
+int main() {
+    const auto swatches = std::make_shared<Swatches>();
+    InkoraManager::registerInkoraManager(swatches);
+    InkoraManager::startDevicePairing();
+
+    RunLoop& loop = RunLoop::main();
+    std::array<pollfd, 2> watched = {{{STDIN_FILENO, POLLIN, 0}, {loop.descriptor(), POLLIN, 0}}};
+    bool isOpen = true;
+    while (isOpen) {
+        ::poll(watched.data(), watched.size(), milliseconds(loop.timeUntilDue()));
+        loop.runOnce(0);
+        if (watched[0].revents != 0) isOpen = echoInput();
+    }
+}
