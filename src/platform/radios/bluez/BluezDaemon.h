@@ -1,0 +1,92 @@
+#pragma once
+
+#include "platform/radios/bluez/Alarm.h"
+#include "platform/radios/bluez/Bus.h"
+#include "platform/radios/bluez/ObjectTree.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace InkoraKit {
+
+/// bluetoothd as seen from here: whether it is there, the objects it exports, kept up to date, and
+/// calls to their methods.
+class BluezDaemon {
+public:
+    enum class Presence {
+        unknown,  // not answered yet
+        absent,   // no bus, or nobody on it who would be or become org.bluez
+        denied,   // the bus does not let us talk to it
+        lost,     // was there, and may be back
+        present,
+    };
+
+    /// Told of changes after they were made.
+    class Observer {
+    public:
+        virtual void presenceChanged() = 0;
+        virtual void interfaceAdded(const std::string& path, const std::string& interface) = 0;
+        virtual void interfaceRemoved(const std::string& path, const std::string& interface) = 0;
+        /// `before` has an entry for each property concerned, with what it was until now.
+        virtual void propertiesChanged(const std::string& path, const std::string& interface,
+                                       const Properties& before) = 0;
+
+    protected:
+        ~Observer() = default;
+    };
+
+    using Completion = Bus::Completion;
+    using Options = std::map<std::string, std::string>;
+
+    explicit BluezDaemon(Observer& observer) : observer_(observer) {}
+
+    void start();
+
+    Presence presence() const { return presence_; }
+
+    /// True for a short while after bluetoothd came, or an adapter went, in which no adapter means
+    /// nothing yet: it takes its name before it exports its adapters, and when it ends, it gives up
+    /// its adapters before its name. The end of that while is told as a change of presence.
+    bool isSettling() const { return settling_.isSet(); }
+
+    const ObjectTree& objects() const { return objects_; }
+
+    /// Asks for all objects anew; `done` runs when the tree is what BlueZ exports now.
+    void refresh(std::function<void()> done);
+
+    /// Takes the signal strengths known until now for old: their devices were not heard since.
+    void forgetSignalStrengths();
+
+    /// The completion runs once, later, or never if bluetoothd is lost before.
+    void call(const std::string& path, const char* interface, const char* member,
+              Completion completion, std::optional<Options> options = std::nullopt,
+              double timeout = 25);
+    /// Sends without waiting for an answer; `flush` sees to it that it has left this process.
+    void send(const std::string& path, const char* interface, const char* member);
+    void flush();
+
+private:
+    void open();
+    void watch();
+    void askForObjects();
+    void objectsCame(Answer& answer);
+    void ownerChanged(MessageReader& signal);
+    void settle();
+    void busLost(int error);
+    void become(Presence presence);
+    void addInterfaces(MessageReader& signal);
+    void removeInterfaces(MessageReader& signal);
+    void changeProperties(const std::string& path, MessageReader& signal);
+
+    Observer& observer_;
+    Presence presence_ = Presence::unknown;
+    ObjectTree objects_;
+    Alarm settling_;
+    Alarm reopening_;
+    std::unique_ptr<Bus> bus_;
+};
+
+}  // namespace InkoraKit

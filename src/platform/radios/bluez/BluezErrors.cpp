@@ -1,0 +1,101 @@
+#include "platform/radios/bluez/BluezErrors.h"
+
+#include <InkoraKit/platform/CBError.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+namespace InkoraKit::bluezErrors {
+namespace {
+
+constexpr const char* attErrorDomain = "CBATTErrorDomain";
+constexpr int unknownCode = 0;
+constexpr int operationNotSupportedCode = 15;
+
+// How BlueZ names errors of the attribute protocol (Bluetooth Core Specification, Vol 3, Part F,
+// 3.4.1.1); the others come with their number in the text.
+struct NamedError {
+    std::string_view name;
+    std::string_view text;  // empty: any
+    int code;
+};
+constexpr std::array<NamedError, 6> namedErrors = {{
+    {"org.bluez.Error.NotPermitted", "Read not permitted", 0x02},
+    {"org.bluez.Error.NotPermitted", "Write not permitted", 0x03},
+    {"org.bluez.Error.NotPermitted", "Not paired", 0x05},
+    {"org.bluez.Error.NotSupported", "", 0x06},
+    {"org.bluez.Error.InvalidOffset", "", 0x07},
+    {"org.bluez.Error.NotAuthorized", "", 0x08},
+}};
+
+std::optional<int> attributeCode(const BusError& error) {
+    for (const NamedError& named : namedErrors) {
+        if (named.name != error.name) continue;
+        if (named.text.empty() || named.text == error.text) return named.code;
+    }
+    constexpr std::string_view marker = "ATT error: 0x";
+    const auto position = error.text.find(marker);
+    if (position == std::string::npos) return std::nullopt;
+    int code = 0;
+    const char* const digits = error.text.data() + position + marker.size();
+    const auto read = std::from_chars(digits, error.text.data() + error.text.size(), code, 16);
+    if (read.ptr == digits) return std::nullopt;
+    return code;
+}
+
+NSError make(const char* domain, int code, const std::string& text) {
+    return NSError(domain, code, {{NSLocalizedDescriptionKey, text}});
+}
+
+int codeOf(CBError error) {
+    return static_cast<int>(error);
+}
+
+}  // namespace
+
+NSError connectionFailed(const std::string& text) {
+    return make(CBErrorDomain, codeOf(CBError::connectionFailed), text);
+}
+
+// BlueZ 5.66 gives no reason on D-Bus: a link that was lost looks like one that was closed.
+NSError peripheralDisconnected() {
+    return make(CBErrorDomain, codeOf(CBError::peripheralDisconnected),
+                "The specified device has disconnected from us.");
+}
+
+NSError rssiUnavailable(const std::string& text) {
+    return make(CBErrorDomain, operationNotSupportedCode, text);
+}
+
+std::string textOf(const BusError& error) {
+    std::string text = error.text;
+    while (text.ends_with('\n')) text.pop_back();
+    return text.empty() ? error.name : text;
+}
+
+NSError attributeError(const BusError& error) {
+    if (const auto code = attributeCode(error)) return make(attErrorDomain, *code, textOf(error));
+    return make(CBErrorDomain, unknownCode, textOf(error));
+}
+
+bool isAccessDenied(const BusError& error) {
+    return error.name == "org.freedesktop.DBus.Error.AccessDenied";
+}
+
+bool isInProgress(const BusError& error) {
+    return error.name == "org.bluez.Error.InProgress" ||
+           error.text == "Operation already in progress";
+}
+
+bool isConnectAborted(const BusError& error) {
+    return error.text.starts_with("le-connection-abort-by-local");
+}
+
+bool isNotSubscribed(const BusError& error) {
+    return error.text == "No notify session started";
+}
+
+}  // namespace InkoraKit::bluezErrors

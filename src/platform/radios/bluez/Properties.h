@@ -1,0 +1,33 @@
+#pragma once
+
+#include <InkoraKit/platform/Data.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace InkoraKit {
+
+/// A property's value in one of the types that BlueZ gives to those the radio looks at; the first
+/// alternative stands for every other type.
+using Variant =
+    std::variant<std::monostate, bool, std::int16_t, std::string, std::vector<std::string>, Data,
+                 std::map<std::uint16_t, Data>, std::map<std::string, Data>>;
+
+using Properties = std::map<std::string, Variant, std::less<>>;
+using Interfaces = std::map<std::string, Properties, std::less<>>;
+using Objects = std::map<std::string, Interfaces, std::less<>>;
+
+/// The property if it is there and of that type, otherwise null: a value of another type than the
+/// documented one is as good as none.
+template <class T>
+const T* find(const Properties& properties, std::string_view name) {
+    const auto entry = properties.find(name);
+    return entry == properties.end() ? nullptr : std::get_if<T>(&entry->second);
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,191 @@
+#include <InkoraKit/platform/Timer.h>
+
+#include "FakeBluez.h"
+#include "PrivateBus.h"
+#include "contract/RadioContract.h"
+#include "platform/radios/bluez/BluezRadio.h"
+#include "platform/radios/bluez/ObjectTree.h"
+
+#include <cstdio>
+#include <map>
+#include <utility>
+
+namespace InkoraKit {
+namespace {
+
+/// bluetoothd 5.66 and a pen, as far as the contract goes: in the order in which the real one says
+/// things.
+class BluezWorld final : public RadioWorld {
+public:
+    BluezWorld() {
+        fake_.addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
+        fake_.on("StartDiscovery", [this](const std::string&) { startDiscovery(); });
+        fake_.on("StopDiscovery", [this](const std::string&) { stopDiscovery(); });
+        fake_.on("Connect", [this](const std::string&) { connect(); });
+        fake_.on("Disconnect", [this](const std::string&) { disconnect(); });
+        fake_.on("StartNotify", [this](const std::string& path) { setNotifying(path, true); });
+        fake_.on("StopNotify", [this](const std::string& path) { setNotifying(path, false); });
+        fake_.on("ReadValue", [this](const std::string& path) { read(path); });
+    }
+
+    std::unique_ptr<Radio> openRadio() override { return std::make_unique<BluezRadio>(); }
+
+    void setPowered(bool on) override {
+        if (!on && isConnected_) dropLink();
+        if (!on && isConnecting_) forgetPen();
+        isDiscovering_ = false;
+        isConnecting_ = false;
+        fake_.change(FakeBluez::hci0, ObjectTree::adapter,
+                     {{"Powered", on}, {"Discovering", false}});
+    }
+
+    void setConnectAnswer(VirtualConnectAnswer answer) override {
+        connectAnswer_ = answer;
+        if (isConnecting_) connect();
+    }
+
+    void delayName() override { nameDelay_ = 0.1; }
+
+    void setServices(std::vector<VirtualService> services) override {
+        services_ = std::move(services);
+    }
+
+    void notify(const VirtualCharacteristic& characteristic, const Data& value) override {
+        for (const auto& [path, known] : characteristics_)
+            if (known.get() == &characteristic && isConnected_ && notifying_[path])
+                fake_.change(path, ObjectTree::characteristic, {{"Value", value}});
+    }
+
+    void failNextRead(VirtualCharacteristic& characteristic) override {
+        failing_ = &characteristic;
+    }
+
+    void dropLink() override {
+        if (!isConnected_) return;
+        isConnected_ = false;
+        fake_.change(FakeBluez::pen, ObjectTree::device,
+                     {{"ServicesResolved", false}, {"Connected", false}});
+    }
+
+    double quietTime() const override { return 0.5; }
+
+private:
+    void startDiscovery() {
+        fake_.reply("StartDiscovery");
+        isDiscovering_ = true;
+        Properties heard = {{"RSSI", std::int16_t{-60}}};
+        if (nameDelay_ == 0) heard["Name"] = std::string("InkoraPen");
+        if (isKnown_) {
+            fake_.change(FakeBluez::pen, ObjectTree::device, heard);
+        } else {
+            heard["UUIDs"] = std::vector<std::string>{"00001f1f-0000-1000-8000-00805f9b34fb"};
+            fake_.addPen(heard);
+            isKnown_ = true;
+        }
+        if (nameDelay_ > 0) Timer::scheduledTimer(nameDelay_, [this] { scanResponseCame(); });
+    }
+
+    void scanResponseCame() {
+        if (isDiscovering_)
+            fake_.change(FakeBluez::pen, ObjectTree::device,
+                         {{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
+    }
+
+    void stopDiscovery() {
+        isDiscovering_ = false;
+        fake_.reply("StopDiscovery");
+        if (isKnown_) fake_.change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
+    }
+
+    void connect() {
+        isConnecting_ = connectAnswer_ == VirtualConnectAnswer::none;
+        if (isConnecting_) return;
+        if (!isKnown_)
+            return fake_.replyError("Connect", "org.freedesktop.DBus.Error.UnknownObject", "?");
+        if (connectAnswer_ == VirtualConnectAnswer::refuse)
+            return fake_.replyError("Connect", "org.bluez.Error.Failed", "le-connection-refused");
+        isConnected_ = true;
+        fake_.change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+        fake_.reply("Connect");
+        fake_.change(FakeBluez::pen, ObjectTree::device, {{"ServicesResolved", true}});
+        exportServices();
+    }
+
+    void exportServices() {
+        int handle = 0x10;
+        for (const VirtualService& service : services_) {
+            const std::string path = attributePath(FakeBluez::pen, "service", handle++);
+            fake_.add(path, ObjectTree::service,
+                      {{"UUID", service.uuid.uuid().uuidString()}, {"Primary", service.isPrimary}});
+            for (const auto& characteristic : service.characteristics) {
+                const std::string below = attributePath(path, "char", handle++);
+                characteristics_[below] = characteristic;
+                fake_.add(below, ObjectTree::characteristic,
+                          {{"UUID", characteristic->uuid().uuid().uuidString()},
+                           {"Flags", std::vector<std::string>{"read", "notify"}}});
+            }
+        }
+    }
+
+    static std::string attributePath(const std::string& parent, const char* kind, int handle) {
+        char name[24];
+        std::snprintf(name, sizeof name, "/%s%04x", kind, static_cast<unsigned>(handle));
+        return parent + name;
+    }
+
+    void disconnect() {
+        if (std::exchange(isConnecting_, false))
+            fake_.replyError("Connect", "org.bluez.Error.Failed", "br-connection-canceled");
+        fake_.reply("Disconnect");
+        dropLink();
+    }
+
+    // Also when the link is down; and the subscription outlives links.
+    void setNotifying(const std::string& path, bool on) {
+        notifying_[path] = on;
+        fake_.reply(on ? "StartNotify" : "StopNotify");
+    }
+
+    void read(const std::string& path) {
+        const auto& characteristic = characteristics_[path];
+        if (failing_ == characteristic.get()) {
+            failing_ = nullptr;
+            return fake_.replyError("ReadValue", "org.bluez.Error.Failed",
+                                    "Operation failed with ATT error: 0x0e");
+        }
+        const Data value = characteristic->value().value_or(Data());
+        fake_.change(path, ObjectTree::characteristic, {{"Value", value}});
+        fake_.replyBytes("ReadValue", value);
+    }
+
+    void forgetPen() {
+        isKnown_ = false;
+        fake_.remove(FakeBluez::pen, ObjectTree::device);
+    }
+
+    PrivateBus bus_;
+    FakeBluez fake_{bus_.address()};
+    std::vector<VirtualService> services_;
+    std::map<std::string, std::shared_ptr<VirtualCharacteristic>> characteristics_;
+    std::map<std::string, bool> notifying_;
+    const VirtualCharacteristic* failing_ = nullptr;
+    VirtualConnectAnswer connectAnswer_ = VirtualConnectAnswer::accept;
+    double nameDelay_ = 0;
+    bool isKnown_ = false;
+    bool isDiscovering_ = false;
+    bool isConnecting_ = false;
+    bool isConnected_ = false;
+};
+
+// None without dbus-daemon; the tests of BluezRadioTest say so.
+std::vector<MakeRadioWorld> worlds() {
+    if (!PrivateBus::isAvailable()) return {};
+    return {[]() -> std::unique_ptr<RadioWorld> { return std::make_unique<BluezWorld>(); }};
+}
+
+}  // namespace
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RadioContract);
+INSTANTIATE_TEST_SUITE_P(BluezRadio, RadioContract, testing::ValuesIn(worlds()));
+
+}  // namespace InkoraKit

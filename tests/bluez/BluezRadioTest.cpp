@@ -1,0 +1,395 @@
+#include "BluezRadioTest.h"
+
+#include <cstdlib>
+
+namespace InkoraKit {
+
+void BluezRadioTest::SetUp() {
+    if (!PrivateBus::isAvailable()) GTEST_SKIP() << "dbus-daemon is not installed";
+    bus = std::make_unique<PrivateBus>();
+    ASSERT_FALSE(bus->address().empty()) << "dbus-daemon did not start";
+    fake = std::make_unique<FakeBluez>(bus->address());
+    fake->addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
+}
+
+void BluezRadioTest::startRadio() {
+    radio = std::make_unique<BluezRadio>();
+    radio->start(record);
+    ASSERT_TRUE(reported("adapter state 5"));
+    record.take();
+}
+
+// Signals come in order, so that whoever has seen the last has seen all.
+void BluezRadioTest::settle() {
+    radio->startScan();
+    const std::string marker = "/org/bluez/hci0/dev_00_00_00_00_00_00";
+    fake->add(marker, ObjectTree::device,
+              {{"Address", std::string("00:00:00:00:00:00")},
+               {"AddressType", std::string("public")},
+               {"Name", std::string("marker")},
+               {"RSSI", std::int16_t{-1}}});
+    ASSERT_TRUE(reported("sighted marker"));
+    fake->remove(marker, ObjectTree::device);
+    std::erase(record.lines, "sighted marker");
+}
+
+void BluezRadioTest::addPen(const Properties& more) {
+    fake->addPen(more);
+}
+
+void BluezRadioTest::addColour() {
+    fake->addSilently(
+        service, ObjectTree::service,
+        {{"UUID", std::string("00001f1f-0000-1000-8000-00805f9b34fb")}, {"Primary", true}});
+    fake->addSilently(colour, ObjectTree::characteristic,
+                      {{"UUID", std::string("00001f14-0000-1000-8000-00805f9b34fb")},
+                       {"Flags", std::vector<std::string>{"read", "notify"}}});
+}
+
+void BluezRadioTest::resolveServices() {
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"ServicesResolved", true}});
+}
+
+void BluezRadioTest::linkPen() {
+    addPen();
+    addColour();
+    fake->on("Connect", [this](const std::string&) {
+        resolveServices();
+        fake->reply("Connect");
+    });
+    radio->connect(pen);
+    ASSERT_TRUE(reported("connected"));
+    radio->discoverServices(pen);
+    ASSERT_EQ(record.services.size(), 1u);
+    radio->discoverCharacteristics(pen, record.services.front().handle);
+    ASSERT_TRUE(record.has("characteristics 1F14"));
+    record.take();
+}
+
+namespace {
+
+const CBUUID colourUUID("1F14");
+
+// --- the adapter's state ------------------------------------------------------------------------
+
+TEST_F(BluezRadioTest, ThereIsNoBus) {
+    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+    radio = std::make_unique<BluezRadio>();
+    radio->start(record);
+    EXPECT_EQ(record.lines, Lines{"adapter state 2"});
+}
+
+TEST_F(BluezRadioTest, NobodyIsBluez) {
+    fake.reset();
+    radio = std::make_unique<BluezRadio>();
+    radio->start(record);
+    EXPECT_TRUE(reported("adapter state 2"));
+}
+
+TEST_F(BluezRadioTest, BusDeniesBluez) {
+    fake.reset();
+    bus.reset();
+    bus = std::make_unique<PrivateBus>(PrivateBus::Policy::bluezDenied);
+    fake = std::make_unique<FakeBluez>(bus->address());
+    radio = std::make_unique<BluezRadio>();
+    radio->start(record);
+    EXPECT_TRUE(reported("adapter state 3"));
+}
+
+TEST_F(BluezRadioTest, ThereIsNoAdapter) {
+    fake->remove(FakeBluez::hci0, ObjectTree::adapter);
+    radio = std::make_unique<BluezRadio>();
+    radio->start(record);
+    EXPECT_TRUE(reported("adapter state 2"));
+    fake->addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", false);
+    EXPECT_TRUE(reported("adapter state 4"));
+}
+
+TEST_F(BluezRadioTest, SecondAdapterIsTheOneSwitchedOn) {
+    fake->change(FakeBluez::hci0, ObjectTree::adapter, {{"Powered", false}});
+    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43", true);
+    startRadio();
+    // Another one does not step in for the one in use that its owner has switched off.
+    fake->change(FakeBluez::hci0, ObjectTree::adapter, {{"Powered", true}});
+    fake->change("/org/bluez/hci1", ObjectTree::adapter, {{"Powered", false}});
+    EXPECT_TRUE(reported("adapter state 4"));
+}
+
+TEST_F(BluezRadioTest, DaemonVanishesAndComesBack) {
+    startRadio();
+    linkPen();
+    fake.reset();
+    EXPECT_TRUE(reported("adapter state 1"));
+    // It takes its name before it exports its adapters; that is no reason to call them missing.
+    fake = std::make_unique<FakeBluez>(bus->address());
+    fake->addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
+    EXPECT_TRUE(reported("adapter state 5"));
+    EXPECT_EQ(record.lines, (Lines{"adapter state 1", "adapter state 5"}));
+    record.take();
+    linkPen();
+}
+
+TEST_F(BluezRadioTest, BusVanishes) {
+    startRadio();
+    bus.reset();
+    EXPECT_TRUE(reported("adapter state 1"));
+}
+
+// --- scanning -----------------------------------------------------------------------------------
+
+TEST_F(BluezRadioTest, FilterIsAnsweredBeforeDiscoveryStarts) {
+    fake->hold("SetDiscoveryFilter");
+    startRadio();
+    radio->startScan();
+    ASSERT_TRUE(called("SetDiscoveryFilter"));
+    EXPECT_EQ(fake->lastOptions, (std::map<std::string, std::string>{{"Transport", "le"}}));
+    settle();
+    EXPECT_EQ(fake->count("StartDiscovery"), 0u);
+    fake->reply("SetDiscoveryFilter");
+    EXPECT_TRUE(called("StartDiscovery"));
+}
+
+TEST_F(BluezRadioTest, ScanIsStoppedBeforeItHasStarted) {
+    fake->hold("StartDiscovery");
+    startRadio();
+    radio->startScan();
+    ASSERT_TRUE(called("StartDiscovery"));
+    radio->stopScan();
+    radio->startScan();
+    radio->stopScan();
+    fake->reply("StartDiscovery");
+    ASSERT_TRUE(called("StopDiscovery"));
+    EXPECT_EQ(fake->calls, (Lines{"SetDiscoveryFilter", "StartDiscovery", "StopDiscovery"}));
+}
+
+TEST_F(BluezRadioTest, DiscoveryIsRefusedUntilAnOldScanHasRunOut) {
+    fake->hold("StartDiscovery");
+    startRadio();
+    radio->startScan();
+    ASSERT_TRUE(called("StartDiscovery"));
+    fake->replyError("StartDiscovery", "org.bluez.Error.InProgress",
+                     "Operation already in progress");
+    EXPECT_TRUE(called("StartDiscovery", 2));
+}
+
+TEST_F(BluezRadioTest, KnownDeviceIsReportedWhenItIsHeard) {
+    addPen({{"Name", std::string("InkoraPen")}});
+    startRadio();
+    settle();
+    EXPECT_EQ(record.take(), Lines());
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
+    ASSERT_TRUE(reported("sighted InkoraPen"));
+    EXPECT_EQ(record.sightings.back().rssi, -60);
+    EXPECT_EQ(record.sightings.back().identifier, pen);
+
+    record.take();
+    fake->change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
+    settle();
+    EXPECT_EQ(record.take(), Lines());
+}
+
+TEST_F(BluezRadioTest, NameComesLaterThanTheDevice) {
+    startRadio();
+    radio->startScan();
+    addPen({{"RSSI", std::int16_t{-60}},
+            {"ManufacturerData", std::map<std::uint16_t, Data>{{0x1234, Data{0x56}}}}});
+    ASSERT_TRUE(reported("sighted without a name"));  // and not with its Alias, the address
+    EXPECT_EQ(record.sightings.back().advertisement.manufacturerData, (Data{0x34, 0x12, 0x56}));
+    fake->change(FakeBluez::pen, ObjectTree::device,
+                 {{"RSSI", std::int16_t{-61}}, {"Name", std::string("InkoraPen")}});
+    EXPECT_TRUE(reported("sighted InkoraPen"));
+}
+
+TEST_F(BluezRadioTest, OwnNameDiffersFromTheAdvertisedOne) {
+    startRadio();
+    linkPen();
+    fake->change(FakeBluez::pen, ObjectTree::device,
+                 {{"Name", std::string("Advertised")}, {"RSSI", std::int16_t{-60}}});
+    fake->change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"Name", std::string("Own")}});
+    ASSERT_TRUE(reported("name Own"));
+    fake->change(FakeBluez::pen, ObjectTree::device,
+                 {{"Connected", false}, {"ServicesResolved", false}});
+    ASSERT_TRUE(reported("disconnected with error"));
+
+    // A shortened name in the next advertisement leaves the property as the link has made it.
+    radio->startScan();
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
+    ASSERT_TRUE(reported("sighted Advertised"));
+    EXPECT_EQ(record.sightings.back().name, "Own");
+    fake->change(FakeBluez::pen, ObjectTree::device,
+                 {{"RSSI", std::int16_t{-60}}, {"Name", std::string("Renamed")}});
+    EXPECT_TRUE(reported("sighted Renamed"));
+}
+
+TEST_F(BluezRadioTest, PropertiesHaveTypesNobodyExpects) {
+    startRadio();
+    linkPen();
+    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    ASSERT_TRUE(reported("1F14 subscribed"));
+    record.take();
+    fake->change(colour, ObjectTree::characteristic, {{"Value", std::string("text")}});
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::monostate()}});
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", std::string("no")}});
+    settle();
+    EXPECT_FALSE(record.has("sighted without a name"));
+    EXPECT_FALSE(record.has("1F14 notified <>"));
+}
+
+// --- connecting ---------------------------------------------------------------------------------
+
+TEST_F(BluezRadioTest, ScanGivesWayToAConnection) {
+    fake->hold("StopDiscovery");
+    startRadio();
+    radio->startScan();
+    ASSERT_TRUE(called("StartDiscovery"));
+    addPen({{"RSSI", std::int16_t{-60}}});
+    ASSERT_TRUE(reported("sighted without a name"));
+    addColour();
+    radio->connect(pen);
+    ASSERT_TRUE(called("StopDiscovery"));
+    settle();
+    EXPECT_EQ(fake->count("Connect"), 0u);
+    fake->reply("StopDiscovery");
+    ASSERT_TRUE(called("Connect"));
+    EXPECT_EQ(fake->count("StartDiscovery"), 1u);
+    resolveServices();
+    ASSERT_TRUE(reported("connected"));
+    EXPECT_TRUE(called("StartDiscovery", 2));  // still wanted
+}
+
+TEST_F(BluezRadioTest, ServicesAreResolvedBeforeTheyAreThere) {
+    fake->hold("Connect");
+    startRadio();
+    addPen();
+    radio->connect(pen);
+    ASSERT_TRUE(called("Connect"));
+    resolveServices();
+    settle();
+    EXPECT_FALSE(record.has("connected"));
+    addColour();  // with no signal at all
+    ASSERT_TRUE(reported("connected"));
+    radio->discoverServices(pen);
+    ASSERT_EQ(record.services.size(), 1u);
+    EXPECT_EQ(record.services.front().uuid, CBUUID("1F1F"));
+}
+
+TEST_F(BluezRadioTest, ConnectIsNeverAnswered) {
+    fake->hold("Connect");
+    startRadio();
+    addPen();
+    radio->connect(pen);
+    ASSERT_TRUE(called("Connect"));
+    fake->remove(FakeBluez::pen, ObjectTree::device);
+    EXPECT_TRUE(reported("connection failed"));
+    settle();
+    EXPECT_EQ(record.lines, Lines{"connection failed"});
+}
+
+TEST_F(BluezRadioTest, DeviceIsUnknown) {
+    fake->hold("Connect");
+    startRadio();
+    radio->connect(pen);
+    ASSERT_TRUE(called("Connect"));
+    fake->replyError("Connect", "org.freedesktop.DBus.Error.UnknownObject", "no such device");
+    EXPECT_TRUE(reported("connection failed"));
+}
+
+TEST_F(BluezRadioTest, LinkIsLostAsSoonAsItIsThere) {
+    fake->hold("Connect");
+    startRadio();
+    addPen();
+    addColour();
+    radio->connect(pen);
+    for (std::size_t tries = 1; tries <= 2; ++tries) {
+        ASSERT_TRUE(called("Connect", tries));
+        fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+        fake->reply("Connect");
+        fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", false}});
+    }
+    ASSERT_TRUE(called("Connect", 3));
+    resolveServices();
+    ASSERT_TRUE(reported("connected"));
+    EXPECT_EQ(record.lines, Lines{"connected"});
+}
+
+TEST_F(BluezRadioTest, PendingAttemptIsCancelledAndTakenUpAgain) {
+    fake->hold("Connect");
+    fake->hold("Disconnect");
+    startRadio();
+    addPen();
+    addColour();
+    radio->connect(pen);
+    ASSERT_TRUE(called("Connect"));
+    radio->disconnect(pen);
+    radio->connect(pen);
+    ASSERT_TRUE(called("Disconnect"));
+    EXPECT_EQ(fake->count("Connect"), 1u);
+    fake->replyError("Connect", "org.bluez.Error.Failed", "br-connection-canceled");
+    fake->reply("Disconnect");
+    ASSERT_TRUE(called("Connect", 2));
+    resolveServices();
+    ASSERT_TRUE(reported("connected"));
+    EXPECT_EQ(record.lines, Lines{"connected"});
+}
+
+TEST_F(BluezRadioTest, RadioEndsWithALink) {
+    startRadio();
+    linkPen();
+    radio.reset();
+    EXPECT_TRUE(called("Disconnect"));
+}
+
+// --- values -------------------------------------------------------------------------------------
+
+TEST_F(BluezRadioTest, ReadIsSeenTwiceWithNotificationsAroundIt) {
+    fake->on("ReadValue", [this](const std::string& path) {
+        for (const Data& value : {Data{1}, Data{7}, Data{7}, Data{2}})
+            fake->change(path, ObjectTree::characteristic, {{"Value", value}});
+        fake->replyBytes("ReadValue", Data{7});
+        fake->change(path, ObjectTree::characteristic, {{"Value", Data{7}}});
+    });
+    startRadio();
+    linkPen();
+    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    radio->read(pen, record.handleOf(colourUUID));
+    ASSERT_TRUE(reported("1F14 notified <02>"));
+    settle();
+    EXPECT_EQ(record.take(), (Lines{"1F14 subscribed", "1F14 notified <01>", "1F14 notified <07>",
+                                    "1F14 read <07>", "1F14 notified <02>", "1F14 notified <07>"}));
+}
+
+TEST_F(BluezRadioTest, ReadFailsAmidNotifications) {
+    fake->on("ReadValue", [this](const std::string& path) {
+        fake->change(path, ObjectTree::characteristic, {{"Value", Data{1}}});
+        fake->replyError("ReadValue", "org.bluez.Error.Failed",
+                         "Operation failed with ATT error: 0x0e");
+    });
+    startRadio();
+    linkPen();
+    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    radio->read(pen, record.handleOf(colourUUID));
+    ASSERT_TRUE(reported("1F14 read nothing with error"));
+    EXPECT_EQ(record.take(),
+              (Lines{"1F14 subscribed", "1F14 notified <01>", "1F14 read nothing with error"}));
+}
+
+TEST_F(BluezRadioTest, ValuesComeBeforeTheSubscriptionIsConfirmed) {
+    fake->hold("StartNotify");
+    startRadio();
+    linkPen();
+    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});  // not subscribed
+    settle();
+    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    ASSERT_TRUE(called("StartNotify"));
+    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{2}}});
+    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{2}}});
+    fake->reply("StartNotify");
+    ASSERT_TRUE(reported("1F14 subscribed"));
+    EXPECT_EQ(record.take(),
+              (Lines{"1F14 notified <02>", "1F14 notified <02>", "1F14 subscribed"}));
+}
+
+}  // namespace
+}  // namespace InkoraKit

@@ -1,0 +1,267 @@
+#include "FakeBluez.h"
+
+#include <InkoraKit/platform/RunLoop.h>
+
+#include "platform/radios/bluez/MessageReader.h"
+#include "platform/radios/bluez/ObjectTree.h"
+
+#include <poll.h>
+#include <systemd/sd-bus.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace InkoraKit {
+namespace {
+
+constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
+
+// An alternative that stands for no type of interest goes out as a number of another type.
+void append(sd_bus_message* message, const Variant& value) {
+    const auto appendBytes = [&](const Data& data) {
+        sd_bus_message_append_array(message, 'y', data.data(), data.size());
+    };
+    if (const auto* truth = std::get_if<bool>(&value)) {
+        sd_bus_message_append(message, "v", "b", static_cast<int>(*truth));
+    } else if (const auto* number = std::get_if<std::int16_t>(&value)) {
+        sd_bus_message_append(message, "v", "n", static_cast<int>(*number));
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+        sd_bus_message_append(message, "v", "s", text->c_str());
+    } else if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
+        sd_bus_message_open_container(message, 'v', "as");
+        sd_bus_message_open_container(message, 'a', "s");
+        for (const std::string& each : *texts) sd_bus_message_append(message, "s", each.c_str());
+        sd_bus_message_close_container(message);
+        sd_bus_message_close_container(message);
+    } else if (const auto* data = std::get_if<Data>(&value)) {
+        sd_bus_message_open_container(message, 'v', "ay");
+        appendBytes(*data);
+        sd_bus_message_close_container(message);
+    } else if (const auto* byCompany = std::get_if<std::map<std::uint16_t, Data>>(&value)) {
+        sd_bus_message_open_container(message, 'v', "a{qv}");
+        sd_bus_message_open_container(message, 'a', "{qv}");
+        for (const auto& [company, bytes] : *byCompany) {
+            sd_bus_message_open_container(message, 'e', "qv");
+            sd_bus_message_append(message, "q", static_cast<int>(company));
+            append(message, bytes);
+            sd_bus_message_close_container(message);
+        }
+        sd_bus_message_close_container(message);
+        sd_bus_message_close_container(message);
+    } else {
+        sd_bus_message_append(message, "v", "i", -60);
+    }
+}
+
+void append(sd_bus_message* message, const Properties& properties) {
+    sd_bus_message_open_container(message, 'a', "{sv}");
+    for (const auto& [name, value] : properties) {
+        sd_bus_message_open_container(message, 'e', "sv");
+        sd_bus_message_append(message, "s", name.c_str());
+        append(message, value);
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+}
+
+void append(sd_bus_message* message, const Interfaces& interfaces) {
+    sd_bus_message_open_container(message, 'a', "{sa{sv}}");
+    for (const auto& [name, properties] : interfaces) {
+        sd_bus_message_open_container(message, 'e', "sa{sv}");
+        sd_bus_message_append(message, "s", name.c_str());
+        append(message, properties);
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+}
+
+std::map<std::string, std::string> readOptions(sd_bus_message* call) {
+    std::map<std::string, std::string> options;
+    for (const auto& [name, value] : MessageReader(call).readProperties())
+        if (const auto* text = std::get_if<std::string>(&value)) options[name] = *text;
+    return options;
+}
+
+}  // namespace
+
+FakeBluez::FakeBluez(const std::string& busAddress) {
+    sd_bus* made = nullptr;
+    sd_bus_new(&made);
+    bus_.reset(made, sd_bus_flush_close_unref);
+    sd_bus_set_address(made, busAddress.c_str());
+    sd_bus_set_bus_client(made, true);
+    sd_bus_start(made);
+    sd_bus_add_filter(
+        made, nullptr,
+        [](sd_bus_message* message, void* self, sd_bus_error*) {
+            return static_cast<FakeBluez*>(self)->received(message);
+        },
+        this);
+    sd_bus_request_name(made, "org.bluez", 0);
+    RunLoop::main().addSource(*this);
+}
+
+FakeBluez::~FakeBluez() {
+    RunLoop::main().removeSource(*this);
+}
+
+// --- objects ------------------------------------------------------------------------------------
+
+void FakeBluez::addSilently(const std::string& path, const std::string& interface,
+                            const Properties& properties) {
+    objects_[path][interface] = properties;
+}
+
+void FakeBluez::add(const std::string& path, const std::string& interface,
+                    const Properties& properties) {
+    addSilently(path, interface, properties);
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus_.get(), &signal, "/", objectManager, "InterfacesAdded");
+    sd_bus_message_append(signal, "o", path.c_str());
+    append(signal, Interfaces{{interface, properties}});
+    send(signal);
+}
+
+void FakeBluez::remove(const std::string& path, const std::string& interface) {
+    objects_[path].erase(interface);
+    if (objects_[path].empty()) objects_.erase(path);
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus_.get(), &signal, "/", objectManager, "InterfacesRemoved");
+    sd_bus_message_append(signal, "oas", path.c_str(), 1, interface.c_str());
+    send(signal);
+}
+
+void FakeBluez::change(const std::string& path, const std::string& interface,
+                       const Properties& changed, const std::vector<std::string>& invalidated) {
+    Properties& properties = objects_[path][interface];
+    for (const auto& [name, value] : changed) properties.insert_or_assign(name, value);
+    for (const std::string& name : invalidated) properties.erase(name);
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus_.get(), &signal, path.c_str(), "org.freedesktop.DBus.Properties",
+                              "PropertiesChanged");
+    sd_bus_message_append(signal, "s", interface.c_str());
+    append(signal, changed);
+    sd_bus_message_open_container(signal, 'a', "s");
+    for (const std::string& name : invalidated) sd_bus_message_append(signal, "s", name.c_str());
+    sd_bus_message_close_container(signal);
+    send(signal);
+}
+
+void FakeBluez::addAdapter(const std::string& path, const std::string& address, bool isPowered) {
+    add(path, ObjectTree::adapter,
+        {{"Address", address},
+         {"Powered", isPowered},
+         {"Roles", std::vector<std::string>{"central", "peripheral"}}});
+}
+
+void FakeBluez::addPen(const Properties& more) {
+    Properties properties = {{"Address", std::string(penAddress)},
+                             {"AddressType", std::string("public")},
+                             {"Alias", std::string("00-11-22-33-44-55")},
+                             {"Connected", false},
+                             {"ServicesResolved", false}};
+    for (const auto& [name, value] : more) properties.insert_or_assign(name, value);
+    add(pen, ObjectTree::device, properties);
+}
+
+// --- calls --------------------------------------------------------------------------------------
+
+int FakeBluez::received(sd_bus_message* message) {
+    if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
+    const std::string member = sd_bus_message_get_member(message);
+    if (member == "GetManagedObjects") {
+        sendObjects(message);
+        return 1;
+    }
+    calls.push_back(member);
+    if (sd_bus_message_has_signature(message, "a{sv}") > 0) lastOptions = readOptions(message);
+    held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
+    const auto method = methods_.find(member);
+    if (method == methods_.end()) {
+        reply(member);
+    } else {
+        const Method run = method->second;
+        run(sd_bus_message_get_path(message));
+    }
+    return 1;
+}
+
+void FakeBluez::sendObjects(sd_bus_message* call) {
+    sd_bus_message* answer = nullptr;
+    sd_bus_message_new_method_return(call, &answer);
+    sd_bus_message_open_container(answer, 'a', "{oa{sa{sv}}}");
+    for (const auto& [path, interfaces] : objects_) {
+        sd_bus_message_open_container(answer, 'e', "oa{sa{sv}}");
+        sd_bus_message_append(answer, "o", path.c_str());
+        append(answer, interfaces);
+        sd_bus_message_close_container(answer);
+    }
+    sd_bus_message_close_container(answer);
+    send(answer);
+}
+
+void FakeBluez::hold(const std::string& member) {
+    on(member, [](const std::string&) {});
+}
+
+void FakeBluez::on(const std::string& member, Method method) {
+    methods_.insert_or_assign(member, std::move(method));
+}
+
+FakeBluez::Message FakeBluez::takeHeld(const std::string& member) {
+    std::vector<Message>& held = held_[member];
+    if (held.empty()) return nullptr;
+    Message call = held.front();
+    held.erase(held.begin());
+    return call;
+}
+
+void FakeBluez::reply(const std::string& member) {
+    if (const Message call = takeHeld(member)) sd_bus_reply_method_return(call.get(), nullptr);
+}
+
+void FakeBluez::replyBytes(const std::string& member, const Data& value) {
+    const Message call = takeHeld(member);
+    if (!call) return;
+    sd_bus_message* answer = nullptr;
+    sd_bus_message_new_method_return(call.get(), &answer);
+    sd_bus_message_append_array(answer, 'y', value.data(), value.size());
+    send(answer);
+}
+
+void FakeBluez::replyError(const std::string& member, const char* name, const char* text) {
+    if (const Message call = takeHeld(member))
+        sd_bus_reply_method_errorf(call.get(), name, "%s", text);
+}
+
+std::size_t FakeBluez::count(const std::string& member) const {
+    return static_cast<std::size_t>(std::ranges::count(calls, member));
+}
+
+void FakeBluez::send(sd_bus_message* message) {
+    sd_bus_send(bus_.get(), message, nullptr);
+    sd_bus_message_unref(message);
+}
+
+// --- the run loop -------------------------------------------------------------------------------
+
+int FakeBluez::descriptor() const {
+    return sd_bus_get_fd(bus_.get());
+}
+
+RunLoopSource::Interest FakeBluez::interest() const {
+    const int events = sd_bus_get_events(bus_.get());
+    return events > 0 && (events & POLLOUT) != 0 ? Interest::both : Interest::readable;
+}
+
+// Whatever sd_bus has read ahead is processed within `service`.
+std::optional<double> FakeBluez::deadline() const {
+    return std::nullopt;
+}
+
+void FakeBluez::service() {
+    while (sd_bus_process(bus_.get(), nullptr) > 0) {
+    }
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <InkoraKit/platform/RunLoopSource.h>
+
+#include "platform/radios/bluez/Properties.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct sd_bus;
+struct sd_bus_message;
+
+namespace InkoraKit {
+
+/// A bluetoothd of our own on a private bus, in this process and on its run loop. It exports the
+/// objects it is given, records the calls made to it, and answers each at once, with nothing, or as
+/// it was told for that method.
+class FakeBluez final : public RunLoopSource {
+public:
+    static constexpr const char* hci0 = "/org/bluez/hci0";
+    static constexpr const char* pen = "/org/bluez/hci0/dev_00_11_22_33_44_55";
+    static constexpr const char* penAddress = "00:11:22:33:44:55";
+
+    /// What a method does besides being recorded; it answers by `reply…`, now or later.
+    using Method = std::function<void(const std::string& path)>;
+
+    explicit FakeBluez(const std::string& busAddress);
+    ~FakeBluez() override;  // bluetoothd is gone
+    FakeBluez(const FakeBluez&) = delete;
+    FakeBluez& operator=(const FakeBluez&) = delete;
+
+    // What it exports
+    void add(const std::string& path, const std::string& interface, const Properties& properties);
+    /// Known, but not signalled: BlueZ's InterfacesAdded may come later than what it leads to.
+    void addSilently(const std::string& path, const std::string& interface,
+                     const Properties& properties);
+    void remove(const std::string& path, const std::string& interface);
+    void change(const std::string& path, const std::string& interface, const Properties& changed,
+                const std::vector<std::string>& invalidated = {});
+    void addAdapter(const std::string& path, const std::string& address, bool isPowered);
+    void addPen(const Properties& more = {});
+
+    // Calls
+    std::vector<std::string> calls;  // names of methods, but for GetManagedObjects
+    std::map<std::string, std::string> lastOptions;
+    /// Calls of this method wait until `reply…`.
+    void hold(const std::string& member);
+    void on(const std::string& member, Method method);
+    void reply(const std::string& member);
+    void replyBytes(const std::string& member, const Data& value);
+    void replyError(const std::string& member, const char* name, const char* text);
+    std::size_t count(const std::string& member) const;
+
+    // RunLoopSource
+    int descriptor() const override;
+    Interest interest() const override;
+    std::optional<double> deadline() const override;
+    void service() override;
+
+private:
+    using Message = std::shared_ptr<sd_bus_message>;
+
+    int received(sd_bus_message* message);
+    void sendObjects(sd_bus_message* call);
+    Message takeHeld(const std::string& member);
+    void send(sd_bus_message* message);
+
+    std::shared_ptr<sd_bus> bus_;
+    Objects objects_;
+    std::map<std::string, Method> methods_;
+    std::map<std::string, std::vector<Message>> held_;
+};
+
+}  // namespace InkoraKit

@@ -1,0 +1,71 @@
+#include "PrivateBus.h"
+
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace InkoraKit {
+namespace {
+
+constexpr const char* program = "/usr/bin/dbus-daemon";
+
+std::string configuration(PrivateBus::Policy policy) {
+    const std::string denial =
+        policy == PrivateBus::Policy::bluezDenied ? R"(<deny send_destination="org.bluez"/>)" : "";
+    return R"(<busconfig><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth>)"
+           R"(<policy context="default"><allow user="*"/><allow own="*"/>)"
+           R"(<allow send_destination="*"/><allow receive_sender="*"/>)" +
+           denial + "</policy></busconfig>";
+}
+
+// The daemon writes its address, a line, once it accepts connections.
+std::string readLine(int descriptor) {
+    std::string line;
+    char character = 0;
+    while (::read(descriptor, &character, 1) == 1 && character != '\n') line += character;
+    return line;
+}
+
+}  // namespace
+
+bool PrivateBus::isAvailable() {
+    return ::access(program, X_OK) == 0;
+}
+
+PrivateBus::PrivateBus(Policy policy) {
+    const std::filesystem::path file = std::filesystem::temp_directory_path() /
+                                       ("bluez-test-" + std::to_string(::getpid()) + ".conf");
+    std::ofstream(file) << configuration(policy);
+    const std::string option = "--config-file=" + file.string();
+
+    std::array<int, 2> pipe{};
+    if (::pipe(pipe.data()) != 0) return;
+    daemon_ = ::fork();
+    if (daemon_ == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        ::dup2(pipe[1], STDOUT_FILENO);
+        ::close(STDERR_FILENO);  // where it complains of limits that it may not raise
+        ::execl(program, program, option.c_str(), "--nofork", "--print-address=1", nullptr);
+        ::_exit(127);
+    }
+    ::close(pipe[1]);
+    address_ = readLine(pipe[0]);
+    ::close(pipe[0]);
+    std::filesystem::remove(file);
+    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address_.c_str(), 1);
+}
+
+PrivateBus::~PrivateBus() {
+    ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    if (daemon_ <= 0) return;
+    ::kill(daemon_, SIGKILL);
+    ::waitpid(daemon_, nullptr, 0);
+}
+
+}  // namespace InkoraKit
