@@ -1,0 +1,73 @@
+#include "JsonFormat.h"
+#include "JsonLine.h"
+#include "TextFormat.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace InkoraTool {
+namespace {
+
+const std::string replaced = "\xEF\xBF\xBD";
+
+TEST(JsonString, OfANameFromTheAir) {
+    const struct {
+        std::string_view name;
+        std::string json;
+    } cases[] = {
+        {"", "\"\""},
+        {"InkoraPen", "\"InkoraPen\""},
+        {"\"quoted\" \\ back/slash", "\"\\\"quoted\\\" \\\\ back/slash\""},
+        {"line\nend\ttab\x1b", "\"line\\u000aend\\u0009tab\\u001b\""},
+        {std::string_view("zero\0byte", 9), "\"zero\\u0000byte\""},
+        {"\x7f\xC2\x9B", "\"\\u007f\\u009b\""},
+        {"H\xC3\xBCgel \xE2\x82\xAC \xF0\x9F\x96\x8A",
+         "\"H\xC3\xBCgel \xE2\x82\xAC \xF0\x9F\x96\x8A\""},
+        {"\xF4\x8F\xBF\xBF", "\"\xF4\x8F\xBF\xBF\""},
+        // Cut short, overlong, a surrogate, above the last code point, no lead byte at all.
+        {"\xE2\x82", "\"" + replaced + replaced + "\""},
+        {"\xC0\xAF", "\"" + replaced + replaced + "\""},
+        {"\xED\xA0\x80", "\"" + replaced + replaced + replaced + "\""},
+        {"\xF4\x90\x80\x80", "\"" + replaced + replaced + replaced + replaced + "\""},
+        {"\x80 \xFF", "\"" + replaced + " " + replaced + "\""},
+        {"\xC3(", "\"" + replaced + "(\""},
+    };
+    for (const auto& [name, json] : cases) EXPECT_EQ(jsonString(name), json);
+}
+
+TEST(JsonLine, HoldsNumbersThatReadBack) {
+    EXPECT_EQ(JsonLine().text(), "{}");
+    EXPECT_EQ(JsonLine().add("third", 1 / 3.0).add("one", 1.0).text(),
+              "{\"third\":0.3333333333333333,\"one\":1}");
+    EXPECT_EQ(JsonLine().add("least", std::numeric_limits<std::int64_t>::min()).text(),
+              "{\"least\":-9223372036854775808}");
+    EXPECT_EQ(JsonLine().add("none", std::numeric_limits<double>::quiet_NaN()).text(),
+              "{\"none\":null}");
+}
+
+TEST(TextFormat, DoesNotLetANameMoveTheCursor) {
+    EXPECT_EQ(TextFormat(false).connected("Inkora\x1b[2JPen\r\n", "ID"),
+              "connected   Inkora" + replaced + "[2JPen" + replaced + replaced + " ID");
+}
+
+TEST(TextFormat, ShowsTheNearestColourThatHasAHexadecimalForm) {
+    const TextFormat format(false);
+    EXPECT_EQ(format.colour({1, 0.5, 0, 1}), "colour      #FF8000  1.000  0.500  0.000");
+    EXPECT_EQ(format.colour({1.25, -0.5, 0.001, 1}), "colour      #FF0000  1.250  -0.500  0.001");
+    EXPECT_EQ(TextFormat(true).colour({0, 0, 1, 1}),
+              "colour      \x1b[48;2;0;0;255m      \x1b[0m #0000FF  0.000  0.000  1.000");
+}
+
+TEST(Formats, SayWhenThereIsNoAnswer) {
+    EXPECT_EQ(TextFormat(false).info({}),
+              "name        not available\nidentifier  not available\n"
+              "battery     not available\nproximity   not available");
+    EXPECT_EQ(JsonFormat().info({}),
+              "{\"name\":null,\"identifier\":null,\"batteryPercent\":null,\"proximityDBm\":null}");
+}
+
+}  // namespace
+}  // namespace InkoraTool
