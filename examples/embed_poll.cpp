@@ -17,8 +17,12 @@ struct Swatches : InkoraProtocols {
     void didPeripheralCaptured(const UIColor& colour) override {
         std::puts(colour.description().c_str());
     }
-    void didFailedToInterrogate(const NSError& error) override { std::puts(error.what()); }
-    void didFailToConnectWithBlueTooth(const NSError& error) override { std::puts(error.what()); }
+    void didFailedToInterrogate(const NSError& error) override {
+        std::puts(error.domain().c_str());
+    }
+    void didFailToConnectWithBlueTooth(const NSError& error) override {
+        std::puts(error.domain().c_str());
+    }
 };
 
 // What poll() takes: -1 waits for as long as it takes. Rounded up, or it would wake up too early.

@@ -173,7 +173,7 @@ private:
     void deviceProximityValueChanged();
     void colourReceived(const CBCharacteristic& characteristic);
     void batteryLevelReceived(const std::shared_ptr<CBCharacteristic>& characteristic);
-    void reportBluetoothDisabled();
+    void reportBluetoothDisabled() const;
     bool hasHostAndPen() const;
 
     std::weak_ptr<InkoraProtocols> delegate_;

@@ -251,7 +251,7 @@ void InkoraHandler::centralManagerDidUpdateState(CBCentralManager& central) {
     reportBluetoothDisabled();
 }
 
-void InkoraHandler::reportBluetoothDisabled() {
+void InkoraHandler::reportBluetoothDisabled() const {
     if (const auto host = delegate())
         host->didFailToConnectWithBlueTooth(
             NSError(std::string(InkoraErrorDomain::BlueToothNotEnabled),

@@ -55,7 +55,7 @@ public:
     /// already.
     void add(std::shared_ptr<VirtualPeripheral> peripheral);
     /// Takes a peripheral away; a link to it is lost (CBErrorDomain 6). Harmless when not there.
-    void remove(std::shared_ptr<VirtualPeripheral> peripheral);
+    void remove(const std::shared_ptr<VirtualPeripheral>& peripheral);
     const std::vector<std::shared_ptr<VirtualPeripheral>>& peripherals() const noexcept {
         return peripherals_;
     }

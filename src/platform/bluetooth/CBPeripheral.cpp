@@ -87,7 +87,7 @@ std::string CBPeripheral::description() const {
 }
 
 std::shared_ptr<CentralCore> CBPeripheral::coreForCommand() const {
-    const auto core = core_.lock();
+    auto core = core_.lock();
     if (core && core->isPoweredOn() && state_ == CBPeripheralState::connected) return core;
     reportMisuse(description() + " can only accept commands while in the connected state");
     return nullptr;

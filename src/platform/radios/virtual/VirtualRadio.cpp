@@ -16,7 +16,7 @@ const VirtualRadio* installed = nullptr;
 }  // namespace
 
 std::shared_ptr<VirtualRadio> VirtualRadio::install() {
-    const std::shared_ptr<VirtualRadio> radio(new VirtualRadio);
+    std::shared_ptr<VirtualRadio> radio(new VirtualRadio);
     installRadio([air = radio.get()] { return std::make_unique<VirtualRadioPort>(*air); });
     installed = radio.get();
     return radio;
@@ -48,17 +48,18 @@ void VirtualRadio::add(std::shared_ptr<VirtualPeripheral> peripheral) {
         throw std::invalid_argument("a virtual peripheral with identifier " +
                                     peripheral->identifier().uuidString() + " was added already");
     peripheral->radio_ = this;
-    peripherals_.push_back(peripheral);
-    peripheral->changed();
+    peripherals_.push_back(std::move(peripheral));
+    peripherals_.back()->changed();
 }
 
-void VirtualRadio::remove(std::shared_ptr<VirtualPeripheral> peripheral) {
+void VirtualRadio::remove(const std::shared_ptr<VirtualPeripheral>& peripheral) {
     if (peripheral->radio_ != this) return;
-    std::erase(peripherals_, peripheral);
-    peripheralChanged(*peripheral);
-    peripheral->radio_ = nullptr;
-    peripheral->changed();
-    peripheral->endLink(virtualErrors::linkTimedOut());
+    const auto removed = peripheral;  // the caller's may be the one in our list
+    std::erase(peripherals_, removed);
+    peripheralChanged(*removed);
+    removed->radio_ = nullptr;
+    removed->changed();
+    removed->endLink(virtualErrors::linkTimedOut());
 }
 
 bool VirtualRadio::isScanning() const {
