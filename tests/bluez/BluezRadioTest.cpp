@@ -335,10 +335,13 @@ TEST_F(BluezRadioTest, PendingAttemptIsCancelledAndTakenUpAgain) {
 }
 
 TEST_F(BluezRadioTest, RadioEndsWithALink) {
+    fake->hold("StartNotify");
     startRadio();
     linkPen();
+    radio->subscribe(pen, record.handleOf(colourUUID), true);
     radio.reset();
-    EXPECT_TRUE(called("Disconnect"));
+    ASSERT_TRUE(called("Disconnect"));
+    EXPECT_EQ(fake->calls, (Lines{"Connect", "StartNotify", "StopNotify", "Disconnect"}));
 }
 
 // --- values -------------------------------------------------------------------------------------

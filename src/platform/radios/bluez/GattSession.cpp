@@ -161,6 +161,13 @@ void GattSession::subscriptionAnswered(AttributeHandle handle, bool on,
     listener_.subscriptionChanged(peripheral_, handle, !on, bluezErrors::attributeError(*error));
 }
 
+// A StartNotify that BlueZ comes to read only after its sender has left the bus is a subscription
+// for ever (5.66): from then on every value is signalled once more, to whoever comes next.
+void GattSession::hangUp() {
+    for (const Attribute& each : attributes_)
+        if (each.isSubscribed) daemon_.send(each.path, ObjectTree::characteristic, "StopNotify");
+}
+
 void GattSession::valueSignalled(const std::string& path) {
     const auto known = std::ranges::find(attributes_, path, &Attribute::path);
     if (known == attributes_.end()) return;

@@ -26,6 +26,9 @@ public:
     void read(AttributeHandle characteristic);
     void subscribe(AttributeHandle characteristic, bool on);
 
+    /// Gives up all subscriptions, without waiting for it.
+    void hangUp();
+
     /// The property Value of a characteristic was signalled, changed or not.
     void valueSignalled(const std::string& path);
 

@@ -240,6 +240,7 @@ void Link::closed() {
 }
 
 void Link::hangUp() {
+    if (session_) session_->hangUp();
     const bool hasAsked = stage_ == Stage::connecting || stage_ == Stage::resolving;
     if (hasAsked || stage_ == Stage::up)
         daemon_.send(devicePath_, ObjectTree::device, "Disconnect");
