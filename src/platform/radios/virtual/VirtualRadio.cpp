@@ -53,9 +53,10 @@ void VirtualRadio::add(std::shared_ptr<VirtualPeripheral> peripheral) {
 }
 
 void VirtualRadio::remove(const std::shared_ptr<VirtualPeripheral>& peripheral) {
-    if (peripheral->radio_ != this) return;
-    const auto removed = peripheral;  // the caller's may be the one in our list
-    std::erase(peripherals_, removed);
+    const auto entry = std::ranges::find(peripherals_, peripheral);
+    if (entry == peripherals_.end()) return;
+    const auto removed = std::move(*entry);  // which may be what the caller's reference is to
+    peripherals_.erase(entry);
     peripheralChanged(*removed);
     removed->radio_ = nullptr;
     removed->changed();
