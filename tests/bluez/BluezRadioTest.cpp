@@ -176,6 +176,8 @@ TEST_F(BluezRadioTest, DiscoveryIsRefusedUntilAnOldScanHasRunOut) {
 TEST_F(BluezRadioTest, KnownDeviceIsReportedWhenItIsHeard) {
     addPen({{"Name", std::string("InkoraPen")}});
     startRadio();
+    radio->startScan();
+    ASSERT_TRUE(called("StartDiscovery"));  // whose answer makes the radio look at all devices
     settle();
     EXPECT_EQ(record.take(), Lines());
     fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
