@@ -6,7 +6,7 @@
 
 #include <limits>
 #include <string>
-#include <string_view>
+#include <utility>
 
 namespace InkoraTool {
 namespace {
@@ -14,38 +14,30 @@ namespace {
 const std::string replaced = "\xEF\xBF\xBD";
 
 TEST(JsonString, OfANameFromTheAir) {
-    const struct {
-        std::string_view name;
-        std::string json;
-    } cases[] = {
-        {"", "\"\""},
-        {"InkoraPen", "\"InkoraPen\""},
-        {"\"quoted\" \\ back/slash", "\"\\\"quoted\\\" \\\\ back/slash\""},
-        {"line\nend\ttab\x1b", "\"line\\u000aend\\u0009tab\\u001b\""},
-        {std::string_view("zero\0byte", 9), "\"zero\\u0000byte\""},
-        {"\x7f\xC2\x9B", "\"\\u007f\\u009b\""},
-        {"H\xC3\xBCgel \xE2\x82\xAC \xF0\x9F\x96\x8A",
-         "\"H\xC3\xBCgel \xE2\x82\xAC \xF0\x9F\x96\x8A\""},
-        {"\xF4\x8F\xBF\xBF", "\"\xF4\x8F\xBF\xBF\""},
+    // clang-format off
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},                      {"\"quoted\" \\ back/slash", R"(\"quoted\" \\ back/slash)"},
+        {"InkoraPen", "InkoraPen"},    {"line\nend\ttab\x1b", R"(line\u000aend\u0009tab\u001b)"},
+        {"Hügel € 🖊", "Hügel € 🖊"},  {std::string("zero\0byte", 9), R"(zero\u0000byte)"},
+        {"\x7f\xC2\x9B", R"(\u007f\u009b)"},       {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF"},
         // Cut short, overlong, a surrogate, above the last code point, no lead byte at all.
-        {"\xE2\x82", "\"" + replaced + replaced + "\""},
-        {"\xC0\xAF", "\"" + replaced + replaced + "\""},
-        {"\xED\xA0\x80", "\"" + replaced + replaced + replaced + "\""},
-        {"\xF4\x90\x80\x80", "\"" + replaced + replaced + replaced + replaced + "\""},
-        {"\x80 \xFF", "\"" + replaced + " " + replaced + "\""},
-        {"\xC3(", "\"" + replaced + "(\""},
-    };
-    for (const auto& [name, json] : cases) EXPECT_EQ(jsonString(name), json);
+        {"\xE2\x82", replaced + replaced},           {"\xC0\xAF", replaced + replaced},
+        {"\x80 \xFF", replaced + " " + replaced},    {"\xC3(", replaced + "("},
+        {"\xED\xA0\x80", replaced + replaced + replaced},
+        {"\xF4\x90\x80\x80", replaced + replaced + replaced + replaced}};
+    // clang-format on
+    for (const auto& [name, json] : cases) EXPECT_EQ(jsonString(name), '"' + json + '"');
 }
 
 TEST(JsonLine, HoldsNumbersThatReadBack) {
     EXPECT_EQ(JsonLine().text(), "{}");
-    EXPECT_EQ(JsonLine().add("third", 1 / 3.0).add("one", 1.0).text(),
-              "{\"third\":0.3333333333333333,\"one\":1}");
-    EXPECT_EQ(JsonLine().add("least", std::numeric_limits<std::int64_t>::min()).text(),
-              "{\"least\":-9223372036854775808}");
-    EXPECT_EQ(JsonLine().add("none", std::numeric_limits<double>::quiet_NaN()).text(),
-              "{\"none\":null}");
+    EXPECT_EQ(JsonLine()
+                  .add("third", 1 / 3.0)
+                  .add("one", 1.0)
+                  .add("least", std::numeric_limits<std::int64_t>::min())
+                  .add("none", std::numeric_limits<double>::quiet_NaN())
+                  .text(),
+              R"({"third":0.3333333333333333,"one":1,"least":-9223372036854775808,"none":null})");
 }
 
 TEST(TextFormat, DoesNotLetANameMoveTheCursor) {

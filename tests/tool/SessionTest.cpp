@@ -15,13 +15,17 @@
 #include <array>
 #include <csignal>
 #include <functional>
+#include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 
 using namespace InkoraKit;
 
 namespace InkoraTool {
 namespace {
+
+using enum ExitStatus;
 
 /// A session with a pen in the virtual world, on a clock that nobody waits for.
 class SessionTest : public testing::Test {
@@ -49,31 +53,39 @@ protected:
         Timer::scheduledTimer(seconds, std::move(action));
     }
 
-    void run(PenSession& session) {
+    ExitStatus run(PenSession& session) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        status = session.run();
+        const ExitStatus status = session.run();
         out = testing::internal::GetCapturedStdout();
         err = testing::internal::GetCapturedStderr();
+        return status;
     }
 
-    void watch(const WatchOptions& options) {
-        run(*std::make_shared<WatchSession>(options, std::make_unique<TextFormat>(false)));
+    static auto watching(const WatchOptions& options) {
+        return std::make_shared<WatchSession>(options, std::make_unique<TextFormat>(false));
     }
 
-    void info() { run(*std::make_shared<InfoSession>(std::make_unique<JsonFormat>())); }
+    ExitStatus watch(const WatchOptions& options) { return run(*watching(options)); }
 
-    /// How often a line that begins so was printed.
+    ExitStatus info() {
+        return run(*std::make_shared<InfoSession>(std::make_unique<JsonFormat>()));
+    }
+
+    /// How many lines that begin so were printed.
     int lines(const std::string& beginning) const {
         int count = 0;
-        for (auto at = out.find(beginning); at != std::string::npos;
-             at = out.find(beginning, at + 1))
-            if (at == 0 || out[at - 1] == '\n') ++count;
+        std::istringstream printed(out);
+        for (std::string line; std::getline(printed, line);) count += line.starts_with(beginning);
         return count;
     }
 
+    void expectLines(const std::map<std::string, int>& counts) const {
+        for (const auto& [beginning, count] : counts)
+            EXPECT_EQ(lines(beginning), count) << beginning;
+    }
+
     std::shared_ptr<VirtualPen> pen = std::make_shared<VirtualPen>();
-    ExitStatus status = ExitStatus::failure;
     std::string out;
     std::string err;
 };
@@ -81,14 +93,13 @@ protected:
 TEST_F(SessionTest, WatchAsksAgainOnEachConnection) {
     at(2, [this] { pen->dropLink(); });
     at(4, [this] { pen->capture(0, 255, 0); });
-    watch({.duration = 6});
-    EXPECT_EQ(status, ExitStatus::success);
-    EXPECT_EQ(lines("connected"), 2);
-    EXPECT_EQ(lines("disconnected"), 1);
-    EXPECT_EQ(lines("battery     80 %"), 2);
-    EXPECT_EQ(lines("proximity   -60 dBm"), 2);
-    EXPECT_EQ(lines("colour      #FF0000"), 2);  // of each connection's first reading
-    EXPECT_EQ(lines("colour      #00FF00"), 1);
+    EXPECT_EQ(watch({.duration = 6}), success);
+    expectLines({{"connected", 2},
+                 {"disconnected", 1},
+                 {"battery     80 %", 2},
+                 {"proximity   -60 dBm", 2},
+                 {"colour      #FF0000", 2},
+                 {"colour      #00FF00", 1}});
     EXPECT_FALSE(pen->isConnected());
     EXPECT_EQ(err, "");
 }
@@ -96,8 +107,7 @@ TEST_F(SessionTest, WatchAsksAgainOnEachConnection) {
 TEST_F(SessionTest, WatchKeepsLookingForAPenThatWasConnected) {
     at(2, [this] { pen->setProximity(VirtualProximity::outOfRange); });
     at(60, [this] { pen->setProximity(VirtualProximity::near); });
-    watch({.count = 2});
-    EXPECT_EQ(status, ExitStatus::success);
+    EXPECT_EQ(watch({.count = 2}), success);
     EXPECT_EQ(lines("connected"), 2);
     EXPECT_GE(RunLoop::main().now(), 60);
     EXPECT_EQ(err, "");
@@ -109,21 +119,16 @@ TEST_F(SessionTest, WatchTriesAgainWhenAPenThatWasConnectedRefuses) {
         pen->dropLink();
     });
     at(5, [this] { pen->setConnectAnswer(VirtualConnectAnswer::accept); });
-    watch({.duration = 10});
-    EXPECT_EQ(status, ExitStatus::success);
-    EXPECT_EQ(lines("connected"), 2);
-    EXPECT_EQ(lines("battery"), 2);
+    EXPECT_EQ(watch({.duration = 10}), success);
+    expectLines({{"connected", 2}, {"battery", 2}});
     EXPECT_NE(err.find("Device is failed to connect."), std::string::npos);
 }
 
 TEST_F(SessionTest, WatchWaitsForAnAdapterThatWasSwitchedOff) {
     at(2, [] { radio().setState(CBManagerState::poweredOff); });
     at(30, [] { radio().setState(CBManagerState::poweredOn); });
-    watch({.duration = 40});
-    EXPECT_EQ(status, ExitStatus::success);
-    EXPECT_EQ(lines("connected"), 2);
-    EXPECT_EQ(lines("disconnected"), 1);
-    EXPECT_EQ(lines("battery"), 2);
+    EXPECT_EQ(watch({.duration = 40}), success);
+    expectLines({{"connected", 2}, {"disconnected", 1}, {"battery", 2}});
     EXPECT_EQ(err, "inkora: Bluetooth setting is disabled.\n");
 }
 
@@ -131,52 +136,38 @@ TEST_F(SessionTest, WatchAsksEverySoOftenWhateverTheLinkIsDoing) {
     pen->setAnswerDelay(0.1);  // so that there is a while without a battery characteristic
     pen->setConnectDelay(0.1);
     at(3, [this] { pen->dropLink(); });
-    watch({.duration = 6, .askEvery = 0.05});
-    EXPECT_EQ(status, ExitStatus::success);
+    EXPECT_EQ(watch({.duration = 6, .askEvery = 0.05}), success);
     EXPECT_EQ(lines("connected"), 2);
     EXPECT_GT(lines("battery     80 %"), 5);
 }
 
-TEST_F(SessionTest, WithoutAPenTheStatusIsThatOfATimeOut) {
-    pen->setAdvertising(false);
-    watch({});
-    EXPECT_EQ(status, ExitStatus::noPen);
-    EXPECT_EQ(err, "inkora: Device is timed out to connect.\n");
-    info();
-    EXPECT_EQ(status, ExitStatus::noPen);
-}
-
-TEST_F(SessionTest, APenThatRefusesTheFirstConnectionEndsIt) {
+TEST_F(SessionTest, WithoutAFirstConnectionTheStatusSaysWhy) {
     pen->setConnectAnswer(VirtualConnectAnswer::refuse);
-    watch({});
-    EXPECT_EQ(status, ExitStatus::notConnected);
+    EXPECT_EQ(watch({}), notConnected);
     EXPECT_EQ(err, "inkora: Device is failed to connect.\n");
-}
+    pen->setAdvertising(false);
+    EXPECT_EQ(info(), noPen);
+    EXPECT_EQ(watch({}), noPen);
+    EXPECT_EQ(err, "inkora: Device is timed out to connect.\n");
 
-TEST_F(SessionTest, WithoutBluetoothItEndsAtOnce) {
-    for (const auto state :
-         {CBManagerState::poweredOff, CBManagerState::unsupported, CBManagerState::unauthorized}) {
+    using enum CBManagerState;
+    const double start = RunLoop::main().now();
+    for (const auto state : {poweredOff, unsupported, unauthorized}) {
         radio().setState(state);
-        watch({});
-        EXPECT_EQ(status, ExitStatus::noBluetooth);
+        EXPECT_EQ(watch({}), noBluetooth);
         EXPECT_EQ(err, "inkora: Bluetooth setting is disabled.\n");
     }
-    EXPECT_LT(RunLoop::main().now(), 1);
+    EXPECT_LT(RunLoop::main().now(), start + 1);
 }
 
-TEST_F(SessionTest, ASignalEndsWatchingAndTheLink) {
-    at(2, [] { std::raise(SIGINT); });
-    watch({});
-    EXPECT_EQ(status, ExitStatus::success);
-    EXPECT_EQ(lines("disconnected"), 0);
-    EXPECT_FALSE(pen->isConnected());
-}
-
-TEST_F(SessionTest, ASignalWhileConnectingGivesTheAttemptUp) {
-    pen->setConnectAnswer(VirtualConnectAnswer::none);
-    at(2, [] { std::raise(SIGTERM); });
-    watch({});
-    EXPECT_EQ(status, ExitStatus::success);
+TEST_F(SessionTest, ASignalEndsWatchingAndTheLinkOrTheAttempt) {
+    for (const auto answer : {VirtualConnectAnswer::accept, VirtualConnectAnswer::none}) {
+        pen->setConnectAnswer(answer);
+        at(2, [] { std::raise(SIGINT); });
+        EXPECT_EQ(watch({}), success);
+        EXPECT_EQ(lines("disconnected"), 0);
+        EXPECT_FALSE(pen->isConnected());
+    }
     pen->setConnectAnswer(VirtualConnectAnswer::accept);
     RunLoop::main().runFor(10);
     EXPECT_FALSE(pen->isConnected());
@@ -188,19 +179,15 @@ TEST_F(SessionTest, NobodyReadsAnyMoreWhileNothingIsWritten) {
     const int standardOutput = ::dup(STDOUT_FILENO);
     ::dup2(pipe[1], STDOUT_FILENO);
     at(2, [&] { ::close(pipe[0]); });
-    const auto session = std::make_shared<WatchSession>(WatchOptions{.duration = 100},
-                                                        std::make_unique<TextFormat>(false));
-    status = session->run();
+    EXPECT_EQ(watching({.duration = 100})->run(), success);
     ::dup2(standardOutput, STDOUT_FILENO);
     for (const int descriptor : {pipe[1], standardOutput}) ::close(descriptor);
-    EXPECT_EQ(status, ExitStatus::success);
     EXPECT_FALSE(pen->isConnected());
     EXPECT_LT(RunLoop::main().now(), 50);
 }
 
 TEST_F(SessionTest, InfoShowsWhatThePenAnswered) {
-    info();
-    EXPECT_EQ(status, ExitStatus::success);
+    EXPECT_EQ(info(), success);
     EXPECT_EQ(out, "{\"name\":\"InkoraPen\",\"identifier\":\"" + pen->identifier().uuidString() +
                        "\",\"batteryPercent\":80,\"proximityDBm\":-60}\n");
 }
@@ -208,24 +195,17 @@ TEST_F(SessionTest, InfoShowsWhatThePenAnswered) {
 TEST_F(SessionTest, InfoIsHonestAboutWhatIsNotAnswered) {
     pen->battery()->setReadDelay(1000);
     pen->setRSSI(127);
-    info();
-    EXPECT_EQ(status, ExitStatus::success);
+    EXPECT_EQ(info(), success);
     EXPECT_NE(out.find("\"batteryPercent\":null,\"proximityDBm\":null"), std::string::npos) << out;
     EXPECT_LT(RunLoop::main().now(), 10);
 }
 
-TEST_F(SessionTest, InfoGivesUpAPenThatNeverConnects) {
+TEST_F(SessionTest, InfoGivesUpAPenThatNeverConnectsAndSaysWhenItWasInterrupted) {
     pen->setConnectAnswer(VirtualConnectAnswer::none);
-    info();
-    EXPECT_EQ(status, ExitStatus::notConnected);
+    EXPECT_EQ(info(), notConnected);
     EXPECT_EQ(out, "");
-}
-
-TEST_F(SessionTest, InfoThatIsInterruptedSaysSoByItsStatus) {
-    pen->setConnectAnswer(VirtualConnectAnswer::none);
     at(1, [] { std::raise(SIGINT); });
-    info();
-    EXPECT_EQ(status, ExitStatus::interrupted);
+    EXPECT_EQ(info(), interrupted);
 }
 
 }  // namespace

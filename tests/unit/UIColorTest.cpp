@@ -6,15 +6,8 @@ namespace InkoraKit {
 namespace {
 
 TEST(UIColorTest, KeepsColoursOutsideSRGBAndClampsOpacity) {
-    const auto [red, green, blue, alpha] = UIColor(2, -1, 0.5, 3).components();
-    EXPECT_EQ(red, 2);
-    EXPECT_EQ(green, -1);
-    EXPECT_EQ(blue, 0.5);
-    EXPECT_EQ(alpha, 1);
+    EXPECT_EQ(UIColor(2, -1, 0.5, 3).components(), (UIColor::Components{2, -1, 0.5, 1}));
     EXPECT_EQ(UIColor(0, 0, 0, -1).alpha(), 0);
-}
-
-TEST(UIColorTest, EqualsAColourOfTheSameComponents) {
     EXPECT_EQ(UIColor(1, 0, 0, 1), UIColor(1, 0, 0, 2));
     EXPECT_NE(UIColor(1, 0, 0, 1), UIColor(1, 0, 0, 0.5));
 }
