@@ -1,5 +1,7 @@
 #include "platform/foundation/Fatal.h"
 
+#include "platform/foundation/ProcessEnd.h"
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -7,6 +9,7 @@ namespace InkoraKit {
 
 void fatalError(std::string_view message) {
     std::fprintf(stderr, "Fatal error: %.*s\n", static_cast<int>(message.size()), message.data());
+    runProcessEnd();
     std::abort();
 }
 

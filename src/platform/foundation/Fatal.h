@@ -5,8 +5,9 @@
 
 namespace InkoraKit {
 
-/// Writes "Fatal error: " and the message to standard error and aborts the process. For broken
-/// contracts inside the kit, where going on would mean making something up.
+/// Writes "Fatal error: " and the message to standard error, lets go of what must not outlive the
+/// process (see ProcessEnd.h) and aborts it. For broken contracts inside the kit, where going on
+/// would mean making something up.
 [[noreturn]] void fatalError(std::string_view message);
 
 /// The optional or pointer itself, which must hold something here; an empty one is fatal.

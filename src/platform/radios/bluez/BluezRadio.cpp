@@ -1,5 +1,6 @@
 #include "platform/radios/bluez/BluezRadio.h"
 
+#include "platform/foundation/ProcessEnd.h"
 #include "platform/radios/bluez/BluezErrors.h"
 #include "platform/radios/bluez/DeviceAddress.h"
 
@@ -7,7 +8,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <cstdlib>
+#include <mutex>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,7 +23,7 @@ constexpr std::array<std::string_view, 6> advertisedProperties = {
     "RSSI", "Name", "UUIDs", "ManufacturerData", "ServiceData", "TxPower"};
 
 // BlueZ keeps a link whose client has left the bus, and a connected pen cannot be found again. A
-// host that ends by `exit` may never destroy its manager, so the radios still alive are known here.
+// process that ends may never destroy its manager, so the radios still alive are known here.
 std::vector<BluezRadio*>& liveRadios() {
     static std::vector<BluezRadio*> radios;
     return radios;
@@ -47,8 +48,8 @@ BluezRadio::BluezRadio()
       discovery_(daemon_, [this] { discoveryMoved(); }),
       canReadRSSI_(ManagementSocket::isPermitted()) {
     liveRadios().push_back(this);
-    static const bool isRegistered = std::atexit(hangUpAll) == 0;
-    static_cast<void>(isRegistered);
+    static std::once_flag isRegistered;
+    std::call_once(isRegistered, [] { atProcessEnd(hangUpAll); });
 }
 
 BluezRadio::~BluezRadio() {
