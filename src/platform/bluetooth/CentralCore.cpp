@@ -98,6 +98,19 @@ void CentralCore::postForLink(const std::shared_ptr<CBPeripheral>& peripheral, C
     });
 }
 
+template <class Callback>
+void CentralCore::postForAttempt(const UUID& identifier, Callback callback) {
+    const auto peripheral = knownIn(State::connecting, identifier);
+    if (!peripheral) return;
+    post([held = std::weak_ptr(peripheral), link = peripheral->link_,
+          callback = std::move(callback)](CentralCore& core) {
+        const auto connecting = held.lock();
+        if (!connecting || connecting->state_ != State::connecting || connecting->link_ != link)
+            return;
+        callback(core, connecting);
+    });
+}
+
 std::shared_ptr<CBPeripheral> CentralCore::known(const UUID& identifier) const {
     const auto entry = peripherals_.find(identifier);
     return entry == peripherals_.end() ? nullptr : entry->second.lock();
@@ -237,28 +250,18 @@ void CentralCore::cancel(const std::shared_ptr<CBPeripheral>& peripheral) {
 }
 
 void CentralCore::connected(const UUID& identifier) {
-    const auto peripheral = knownIn(State::connecting, identifier);
-    if (!peripheral) return;
-    post([held = std::weak_ptr(peripheral), link = peripheral->link_](CentralCore& core) {
-        const auto connecting = held.lock();
-        if (!connecting || connecting->state_ != State::connecting || connecting->link_ != link)
-            return;
-        connecting->state_ = State::connected;
+    postForAttempt(identifier, [](CentralCore& core, const auto& peripheral) {
+        peripheral->state_ = State::connected;
         if (const auto listener = core.delegate.lock())
-            listener->centralManagerDidConnectPeripheral(*core.manager_, connecting);
+            listener->centralManagerDidConnectPeripheral(*core.manager_, peripheral);
     });
 }
 
 void CentralCore::connectionFailed(const UUID& identifier, const NSError& error) {
-    const auto peripheral = knownIn(State::connecting, identifier);
-    if (!peripheral) return;
-    post([held = std::weak_ptr(peripheral), link = peripheral->link_, error](CentralCore& core) {
-        const auto connecting = held.lock();
-        if (!connecting || connecting->state_ != State::connecting || connecting->link_ != link)
-            return;
-        core.linkEnded(connecting);
+    postForAttempt(identifier, [error](CentralCore& core, const auto& peripheral) {
+        core.linkEnded(peripheral);
         if (const auto listener = core.delegate.lock())
-            listener->centralManagerDidFailToConnectPeripheral(*core.manager_, connecting, error);
+            listener->centralManagerDidFailToConnectPeripheral(*core.manager_, peripheral, error);
     });
 }
 

@@ -79,6 +79,10 @@ private:
     /// Queues `callback(*this)`, to run if the manager still exists.
     template <class Callback>
     void post(Callback callback);
+    /// Queues `callback(*this, peripheral)`, to run if the attempt to connect that goes on now is
+    /// still the one that goes on.
+    template <class Callback>
+    void postForAttempt(const UUID& identifier, Callback callback);
     /// Queues `callback(peripheral, delegate)`, to run if the peripheral is still on the link it is
     /// on now.
     template <class Callback>
