@@ -71,7 +71,7 @@ void CBPeripheral::setNotifyValue(bool enabled,
     if (!owns(characteristic)) return reportRelic(*this);
     characteristic->wantsNotifications_ = enabled;
     if (characteristic->isNotifying_ == enabled) {
-        core->reportNotificationState(self(), characteristic);
+        core->reportNotificationState(self(), characteristic, std::nullopt);
     } else {
         core->radio().subscribe(identifier_, characteristic->handle_, enabled);
     }

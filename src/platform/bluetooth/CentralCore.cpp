@@ -384,19 +384,16 @@ void CentralCore::subscriptionChanged(const UUID& identifier, AttributeHandle ha
     if (!characteristic) return;
     characteristic->isNotifying_ = isNotifying;
     if (error) characteristic->wantsNotifications_ = isNotifying;
+    reportNotificationState(peripheral, characteristic, error);
+}
+
+void CentralCore::reportNotificationState(const std::shared_ptr<CBPeripheral>& peripheral,
+                                          const std::shared_ptr<CBCharacteristic>& characteristic,
+                                          const std::optional<NSError>& error) {
     postForLink(peripheral,
                 [characteristic, error](const auto& connected, CBPeripheralDelegate& listener) {
                     listener.peripheralDidUpdateNotificationStateForCharacteristic(
                         connected, characteristic, error);
-                });
-}
-
-void CentralCore::reportNotificationState(const std::shared_ptr<CBPeripheral>& peripheral,
-                                          const std::shared_ptr<CBCharacteristic>& characteristic) {
-    postForLink(peripheral,
-                [characteristic](const auto& connected, CBPeripheralDelegate& listener) {
-                    listener.peripheralDidUpdateNotificationStateForCharacteristic(
-                        connected, characteristic, std::nullopt);
                 });
 }
 

@@ -44,7 +44,8 @@ public:
     bool isPoweredOn() const;
     Radio& radio() { return *radio_; }
     void reportNotificationState(const std::shared_ptr<CBPeripheral>& peripheral,
-                                 const std::shared_ptr<CBCharacteristic>& characteristic);
+                                 const std::shared_ptr<CBCharacteristic>& characteristic,
+                                 const std::optional<NSError>& error);
     void released(CBPeripheral& peripheral);
 
     // RadioListener

@@ -1,6 +1,6 @@
 #include "platform/radios/bluez/BluezErrors.h"
 
-#include <InkoraKit/platform/CBError.h>
+#include "platform/bluetooth/RadioErrors.h"
 
 #include <algorithm>
 #include <array>
@@ -10,10 +10,6 @@
 
 namespace InkoraKit::bluezErrors {
 namespace {
-
-constexpr const char* attErrorDomain = "CBATTErrorDomain";
-constexpr int unknownCode = 0;
-constexpr int operationNotSupportedCode = 15;
 
 // How BlueZ names errors of the attribute protocol (Bluetooth Core Specification, Vol 3, Part F,
 // 3.4.1.1); the others come with their number in the text.
@@ -46,28 +42,19 @@ std::optional<int> attributeCode(const BusError& error) {
     return code;
 }
 
-NSError make(const char* domain, int code, const std::string& text) {
-    return NSError(domain, code, {{NSLocalizedDescriptionKey, text}});
-}
-
-int codeOf(CBError error) {
-    return static_cast<int>(error);
-}
-
 }  // namespace
 
 NSError connectionFailed(const std::string& text) {
-    return make(CBErrorDomain, codeOf(CBError::connectionFailed), text);
+    return radioErrors::error(CBError::connectionFailed, text);
 }
 
 // BlueZ 5.66 gives no reason on D-Bus: a link that was lost looks like one that was closed.
 NSError peripheralDisconnected() {
-    return make(CBErrorDomain, codeOf(CBError::peripheralDisconnected),
-                "The specified device has disconnected from us.");
+    return radioErrors::peripheralDisconnected();
 }
 
 NSError rssiUnavailable(const std::string& text) {
-    return make(CBErrorDomain, operationNotSupportedCode, text);
+    return radioErrors::error(CBError::operationNotSupported, text);
 }
 
 std::string textOf(const BusError& error) {
@@ -77,8 +64,9 @@ std::string textOf(const BusError& error) {
 }
 
 NSError attributeError(const BusError& error) {
-    if (const auto code = attributeCode(error)) return make(attErrorDomain, *code, textOf(error));
-    return make(CBErrorDomain, unknownCode, textOf(error));
+    if (const auto code = attributeCode(error))
+        return radioErrors::attributeError(*code, textOf(error));
+    return radioErrors::error(CBError::unknown, textOf(error));
 }
 
 bool isAccessDenied(const BusError& error) {

@@ -1,8 +1,8 @@
 #include <InkoraKit/virtual/VirtualPeripheral.h>
 #include <InkoraKit/virtual/VirtualRadio.h>
 
+#include "platform/bluetooth/RadioErrors.h"
 #include "platform/radios/virtual/Cancel.h"
-#include "platform/radios/virtual/VirtualErrors.h"
 #include "platform/radios/virtual/VirtualLink.h"
 
 #include <utility>
@@ -112,7 +112,7 @@ bool VirtualPeripheral::answersConnect() const {
 }
 
 void VirtualPeripheral::dropLink() {
-    endLink(virtualErrors::closedByPeripheral());
+    endLink(radioErrors::peripheralDisconnected());
 }
 
 void VirtualPeripheral::loseLink() {
