@@ -12,10 +12,6 @@ namespace {
 
 __extension__ typedef __int128 Int128;
 
-// The last values before texts change to an exponent, as with %g of the digits a type is good for.
-constexpr double largestPlainDouble = 9'999'999'999'999'998;  // 16 digits
-constexpr float largestPlainFloat = 9'999'999;                // 7 digits
-
 constexpr std::int64_t largestInt64 = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t smallestInt64 = std::numeric_limits<std::int64_t>::min();
 

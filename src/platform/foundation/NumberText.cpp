@@ -1,11 +1,13 @@
 #include "NumberText.h"
 
+#include "ShortestDecimal.h"
+
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -13,20 +15,124 @@ namespace InkoraKit {
 
 namespace {
 
-template <class Real>
-void append(std::string& text, Real value, Real largestPlain) {
-    if (std::isnan(value)) {  // without the sign that the conversion below would show
-        text += "nan";
-        return;
+constexpr auto powersOfTen64 = [] {
+    std::array<std::uint64_t, 20> powers{1};
+    for (std::size_t index = 1; index < powers.size(); ++index) {
+        powers[index] = powers[index - 1] * 10;
     }
-    const Real magnitude = std::abs(value);
-    const bool isPlain =
-        magnitude == 0 || (magnitude >= static_cast<Real>(1e-4) && magnitude <= largestPlain);
-    std::array<char, 32> buffer;
-    const auto result =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                      isPlain ? std::chars_format::fixed : std::chars_format::scientific);
-    text.append(buffer.data(), result.ptr);
+    return powers;
+}();
+
+/// "00" to "99"
+constexpr auto digitPairs = [] {
+    std::array<std::array<char, 2>, 100> pairs{};
+    for (std::size_t index = 0; index < pairs.size(); ++index) {
+        pairs[index] = {static_cast<char>('0' + index / 10), static_cast<char>('0' + index % 10)};
+    }
+    return pairs;
+}();
+
+std::size_t digitCount(std::uint64_t value) {
+    value |= 1;  // for zero to have a digit, the others have as many as before
+    // 1233 / 2^12 is a little more than log10(2), so that this is right or one short.
+    const auto count = static_cast<std::size_t>(std::bit_width(value)) * 1233 >> 12;
+    return count + (value >= powersOfTen64[count]);
+}
+
+void writePair(char* to, std::uint32_t pair) {
+    std::memcpy(to, digitPairs[pair].data(), 2);
+}
+
+/// Eight digits in the order of memory, each in the byte that becomes its character. The divisions
+/// of all lanes are done at once, by multiplying with a little more than the inverse.
+std::uint64_t eightDigits(std::uint32_t value) {
+    const std::uint64_t fours = value / 10'000 | static_cast<std::uint64_t>(value % 10'000) << 32;
+    const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F0000007F;
+    const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000F;
+    return tens | (pairs - tens * 10) << 8;
+}
+
+/// Writes eight characters, the first of which are the digits from the `skipped`th on.
+void store(char* to, std::uint64_t digits, unsigned skipped = 0) {
+    digits |= 0x3030303030303030;
+    if constexpr (std::endian::native == std::endian::little) {
+        digits >>= 8 * skipped;
+        std::memcpy(to, &digits, sizeof digits);
+    } else {
+        for (unsigned i = skipped; i < 8; ++i) to[i - skipped] = static_cast<char>(digits >> 8 * i);
+    }
+}
+
+/// @param value below 10^8
+char* writeUpToEight(char* to, std::uint32_t value) {
+    const std::uint64_t digits = eightDigits(value);
+    constexpr std::uint64_t lastDigit = std::uint64_t{1} << 56;  // is written, zero or not
+    const auto zeros = static_cast<unsigned>(std::countr_zero(digits | lastDigit)) / 8;
+    store(to, digits, zeros);
+    return to + 8 - zeros;
+}
+
+char* writeDigits(char* to, std::uint64_t value) {
+    constexpr std::uint64_t tenToThe8th = 100'000'000;
+    if (value < tenToThe8th) return writeUpToEight(to, static_cast<std::uint32_t>(value));
+    const std::uint64_t upper = value / tenToThe8th;
+    if (upper < tenToThe8th) {
+        to = writeUpToEight(to, static_cast<std::uint32_t>(upper));
+    } else {
+        to = writeUpToEight(to, static_cast<std::uint32_t>(upper / tenToThe8th));
+        store(to, eightDigits(static_cast<std::uint32_t>(upper % tenToThe8th)));
+        to += 8;
+    }
+    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)));
+    return to + 8;
+}
+
+/// Writes as many digits as told, zeros first where the value has fewer.
+char* writeFixed(char* to, std::uint64_t value, unsigned count) {
+    constexpr std::uint64_t tenToThe8th = 100'000'000;
+    if (count > 8) {
+        store(to, eightDigits(static_cast<std::uint32_t>(value / tenToThe8th)), 16 - count);
+        to += count - 8;
+        count = 8;
+    }
+    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)), 8 - count);
+    return to + count;
+}
+
+char* writeWord(char* to, std::string_view word) {
+    return std::copy(word.begin(), word.end(), to);
+}
+
+/// As in 12.5, 0.0125. The decimal is not whole.
+char* writePlain(char* to, double magnitude, ShortestDecimal decimal) {
+    const auto places = static_cast<unsigned>(-decimal.exponent);
+    if (magnitude < 1) {
+        writeWord(to, "0.000");
+        return writeDigits(to + 2 + places - digitCount(decimal.digits), decimal.digits);
+    }
+    // The decimal has the value's whole part: whole numbers are doubles, thus no decimal beyond the
+    // next of them reads back to the value. It has 17 digits at most, so 16 after the point.
+    const auto whole = static_cast<std::uint64_t>(static_cast<std::int64_t>(magnitude));
+    to = writeDigits(to, whole);
+    *to++ = '.';
+    return writeFixed(to, decimal.digits - whole * powersOfTen64[places], places);
+}
+
+/// As in 1e-05, 1.25e+300.
+char* writeScientific(char* to, ShortestDecimal decimal) {
+    const auto count = static_cast<int>(digitCount(decimal.digits));
+    const int exponent = count - 1 + decimal.exponent;
+    writeDigits(to + 1, decimal.digits);
+    to[0] = to[1];
+    to[1] = '.';
+    to += count == 1 ? 1 : count + 1;
+    *to++ = 'e';
+    *to++ = exponent < 0 ? '-' : '+';
+    const auto magnitude = static_cast<std::uint32_t>(std::abs(exponent));
+    if (magnitude >= 100) *to++ = static_cast<char>('0' + magnitude / 100);
+    writePair(to, magnitude % 100);
+    return to + 2;
 }
 
 /// The exponent written after the "e" of a numeral, 0 without one.
@@ -54,12 +160,49 @@ double limitOf(std::string_view numeral) {
 
 }  // namespace
 
+char* writeInteger(char* to, std::uint64_t value) noexcept {
+    return writeDigits(to, value);
+}
+
+char* writeInteger(char* to, std::int64_t value) noexcept {
+    const auto bits = static_cast<std::uint64_t>(value);
+    if (value >= 0) return writeInteger(to, bits);
+    *to = '-';
+    return writeInteger(to + 1, 0 - bits);
+}
+
+char* writeShortest(char* to, double value, double largestPlain) noexcept {
+    if (std::isnan(value)) return writeWord(to, "nan");
+    *to = '-';
+    to += std::signbit(value);  // without a branch, which signs at random would mislead
+    const double magnitude = std::abs(value);
+    if (magnitude <= largestPlain && magnitude < 0x1p63) {
+        const auto integer = static_cast<std::int64_t>(magnitude);
+        if (static_cast<double>(integer) == magnitude) return writeInteger(to, integer);
+    }
+    if (std::isinf(value)) return writeWord(to, "inf");
+    const ShortestDecimal decimal = shortestDecimal(magnitude);
+    const bool isPlain = magnitude >= 1e-4 && magnitude <= largestPlain;
+    return isPlain ? writePlain(to, magnitude, decimal) : writeScientific(to, decimal);
+}
+
 void appendShortest(std::string& text, double value, double largestPlain) {
-    append(text, value, largestPlain);
+    std::array<char, longestRealText> buffer;
+    text.append(buffer.data(), writeShortest(buffer.data(), value, largestPlain));
 }
 
 void appendShortest(std::string& text, float value, float largestPlain) {
-    append(text, value, largestPlain);
+    if (std::isnan(value)) {  // without the sign that the conversion below would show
+        text += "nan";
+        return;
+    }
+    const float magnitude = std::abs(value);
+    const bool isPlain = magnitude == 0 || (magnitude >= 1e-4f && magnitude <= largestPlain);
+    std::array<char, longestRealText> buffer;
+    const auto result =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                      isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+    text.append(buffer.data(), result.ptr);
 }
 
 double realFromText(std::string_view text) noexcept {

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+namespace InkoraKit {
+
+/// digits × 10^exponent. The digits are 17 at most, the last of them is not zero.
+struct ShortestDecimal {
+    std::uint64_t digits;
+    int exponent;
+};
+
+/// Of the decimals with the fewest digits that read back to the value, the nearest to it.
+/// @param magnitude finite and above 0
+ShortestDecimal shortestDecimal(double magnitude) noexcept;
+
+}  // namespace InkoraKit

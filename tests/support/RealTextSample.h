@@ -1,0 +1,124 @@
+#pragma once
+
+#include "platform/foundation/DecimalToDouble.h"
+#include "platform/foundation/NumberText.h"
+#include "platform/foundation/ShortestDecimal.h"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <random>
+#include <string>
+#include <system_error>
+
+namespace InkoraKit {
+
+/// mantissa × 10^exponent
+struct Decimal {
+    std::uint64_t mantissa;
+    std::int64_t exponent;
+
+    std::string text() const { return std::to_string(mantissa) + 'e' + std::to_string(exponent); }
+};
+
+/// As the standard library reads it, which is exact.
+inline double standardReading(const Decimal& decimal) {
+    const std::string text = decimal.text();
+    double value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc::result_out_of_range) return value;
+    return decimal.exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+}
+
+/// As the standard library writes it, in the layout of writeShortest().
+inline std::string standardWriting(double value, double largestPlain) {
+    if (std::isnan(value)) return "nan";
+    const double magnitude = std::abs(value);
+    const bool isPlain = magnitude == 0 || (magnitude >= 1e-4 && magnitude <= largestPlain);
+    std::array<char, 64> buffer;
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                      isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+    return {buffer.data(), end.ptr};
+}
+
+/// Whether the number is halfway between two doubles thanks to factors of five that its negative
+/// power takes away, the only numbers that nearestDouble() may leave open.
+inline bool isNegativePowerHalfway(const Decimal& decimal) {
+    std::uint64_t odd = decimal.mantissa;
+    for (std::int64_t power = decimal.exponent; power < 0; ++power) {
+        if (odd % 5 != 0) return false;
+        odd /= 5;
+    }
+    return decimal.exponent < 0 && std::bit_width(odd >> std::countr_zero(odd)) == 54;
+}
+
+/// What differs from the standard library, empty when nothing does.
+inline std::string differenceInReading(const Decimal& decimal) {
+    const double wanted = standardReading(decimal);
+    const std::optional<double> value = nearestDouble(decimal.mantissa, decimal.exponent);
+    if (!value && isNegativePowerHalfway(decimal)) return {};
+    if (value && std::bit_cast<std::uint64_t>(*value) == std::bit_cast<std::uint64_t>(wanted)) {
+        return {};
+    }
+    return decimal.text() + " read as " + (value ? standardWriting(*value, 0) : "undecided") +
+           " instead of " + standardWriting(wanted, 0);
+}
+
+inline std::string differenceInWriting(double value, double largestPlain) {
+    const std::string wanted = standardWriting(value, largestPlain);
+    std::array<char, longestRealText> buffer;
+    const std::string text(buffer.data(), writeShortest(buffer.data(), value, largestPlain));
+    return text == wanted ? "" : text + " written instead of " + wanted;
+}
+
+/// Draws values of all the kinds that take different ways through the reader and the writer.
+class RealTextSample {
+public:
+    explicit RealTextSample(std::uint64_t seed) : random_(seed) {}
+
+    /// Reads one value and writes one.
+    /// @return what differs from the standard library, empty when nothing does
+    std::string nextDifference() {
+        const double largestPlain = below(2) == 0 ? 9'999'999'999'999'998 : 0x1p53;
+        if (below(2) == 0)
+            return differenceInWriting(std::bit_cast<double>(random_()), largestPlain);
+        const Decimal decimal = drawDecimal();
+        const std::string difference = differenceInReading(decimal);
+        if (!difference.empty()) return difference;
+        return differenceInWriting(standardReading(decimal), largestPlain);
+    }
+
+private:
+    Decimal drawDecimal() {
+        switch (below(4)) {
+            case 0:  // any
+                return {random_() >> below(64), static_cast<std::int64_t>(below(660)) - 346};
+            case 1:  // short, as people write them
+                return {below(1'000'000), static_cast<std::int64_t>(below(31)) - 8};
+            case 2: {  // that of a double, mostly of 16 or 17 digits
+                const double value =
+                    std::bit_cast<double>((random_() | 1) & ~(std::uint64_t{1} << 63));
+                if (!std::isfinite(value)) return {1, 0};
+                const ShortestDecimal decimal = shortestDecimal(value);
+                return {decimal.digits, decimal.exponent};
+            }
+            default: {  // a double, or halfway between two, or next to these
+                constexpr std::array<std::uint64_t, 5> fives{1, 5, 25, 125, 625};
+                const std::uint64_t halfway = (std::uint64_t{1} << 53) | random_() >> 11;
+                const std::uint64_t power = below(fives.size());
+                return {halfway * fives[power] + below(3) - 1, -static_cast<std::int64_t>(power)};
+            }
+        }
+    }
+
+    std::uint64_t below(std::uint64_t limit) { return random_() % limit; }
+
+    std::mt19937_64 random_;
+};
+
+}  // namespace InkoraKit
