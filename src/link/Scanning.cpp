@@ -8,9 +8,10 @@
 namespace InkoraKit {
 namespace {
 
-const std::string* advertisedName(const Dictionary& advertisementData) {
+std::optional<std::string> advertisedName(const Dictionary& advertisementData) {
     const auto entry = advertisementData.find(CBAdvertisementDataLocalNameKey);
-    return entry == advertisementData.end() ? nullptr : entry->second.as<std::string>();
+    if (entry == advertisementData.end()) return std::nullopt;
+    return entry->second.as<std::string>();
 }
 
 bool isPenName(const std::string& name) {
@@ -45,7 +46,7 @@ void InkoraHandler::centralManagerDidDiscoverPeripheral(
     CBCentralManager&, const std::shared_ptr<CBPeripheral>& peripheral,
     const Dictionary& advertisementData, const NSNumber& rssi) {
     printThisLineToConsole("peripheral => didDiscover peripheral");
-    const std::string* const name = advertisedName(advertisementData);
+    const auto name = advertisedName(advertisementData);
     if (!name || !isPenName(*name)) return;
     setDeviceName(*name);
     printThisLineToConsole([&] { return "RSSI!:" + rssi.description(); });

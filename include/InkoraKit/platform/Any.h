@@ -1,72 +1,183 @@
 #pragma once
 
 #include <InkoraKit/Export.h>
+#include <InkoraKit/platform/AnySlot.h>
+#include <InkoraKit/platform/NSNull.h>
 #include <InkoraKit/platform/NSNumber.h>
 #include <InkoraKit/platform/Printing.h>
 
 #include <concepts>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <typeinfo>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace InkoraKit {
 
-/// A value of any type, or none: what dictionaries of the platform hold. The value is immutable
-/// and shared by copies. Arithmetic values are kept as `NSNumber`, texts as `std::string`.
-class Any {
+class Any;
+class Array;
+class Dictionary;
+
+/// Whether `Any` keeps values of a type as the platform's own: numbers, texts, null, arrays,
+/// dictionaries, and the standard containers of these. Everything else it keeps as an object.
+template <class T>
+inline constexpr bool isPlatformValue =
+    std::is_arithmetic_v<T> || std::convertible_to<const T&, std::string_view>;
+template <class T>
+requires std::same_as<T, Any> || std::same_as<T, Array> || std::same_as<T, Dictionary> ||
+    std::same_as<T, NSNull> || std::same_as<T, NSNumber> || std::same_as<T, NSDecimalNumber> ||
+    std::same_as<T, std::nullopt_t> || std::same_as<T, std::nullptr_t>
+inline constexpr bool isPlatformValue<T> = true;
+template <class T>
+inline constexpr bool isPlatformValue<std::optional<T>> = isPlatformValue<T>;
+template <class T>
+inline constexpr bool isPlatformValue<std::vector<T>> = isPlatformValue<T>;
+template <class T, class Order>
+inline constexpr bool isPlatformValue<std::map<std::string, T, Order>> = isPlatformValue<T>;
+template <class T, class Hash, class Equal>
+inline constexpr bool isPlatformValue<std::unordered_map<std::string, T, Hash, Equal>> =
+    isPlatformValue<T>;
+
+/// Whether values of a type can be compared, and what containers of it hold can be, too: containers
+/// claim that they can without asking.
+template <class T>
+inline constexpr bool isComparable = std::equality_comparable<T>;
+template <std::equality_comparable T>
+requires requires {
+    typename T::value_type;
+}
+inline constexpr bool isComparable<T> = isComparable<typename T::value_type>;
+template <class First, class Second>
+inline constexpr bool isComparable<std::pair<First, Second>> =
+    isComparable<First>&& isComparable<Second>;
+
+/// A value of any type, or none: the dynamic value of the platform, which arrays and dictionaries
+/// hold. Sixteen bytes; immutable contents are shared by copies, so that a copy costs one count
+/// whatever it holds.
+///
+/// Arithmetic values are kept as numbers of their kind, texts as UTF-8, `std::vector` and
+/// `std::map` of platform values as `Array` and `Dictionary`, an empty `std::optional` and
+/// `nullptr` as absent. Values of any other type are kept as they are, as objects.
+///
+/// Threads: one value is used by one thread at a time; copies may be used, changed and dropped on
+/// different threads.
+class INKORA_EXPORT Any {
 public:
-    Any() = default;
+    enum class Kind { absent, null, number, text, array, dictionary, object };
 
+    /// Absent.
+    Any() noexcept = default;
     template <class T>
-    requires(!std::same_as<std::decay_t<T>, Any>) Any(T&& value)
-        : box_(std::make_shared<Box<Kept<std::decay_t<T>>>>(
-              Kept<std::decay_t<T>>(std::forward<T>(value)))) {}
-
-    bool hasValue() const noexcept { return box_ != nullptr; }
-
-    /// The value if it is a `T`, otherwise null. Valid for as long as this `Any` is.
-    template <class T>
-    const T* as() const noexcept {
-        if (!box_ || box_->type() != typeid(T)) return nullptr;
-        return &static_cast<const Box<T>&>(*box_).value;
+    requires(!std::same_as<std::remove_cvref_t<T>, Any>) Any(T&& value) {
+        keep(std::forward<T>(value));
     }
 
-    /// Equal when both are absent, or both hold equal values of one type. Values of a type without
-    /// equality are equal to nothing but copies of themselves.
-    friend bool operator==(const Any& left, const Any& right) {
-        if (left.box_ == right.box_) return true;
-        return left.box_ && right.box_ && left.box_->equals(*right.box_);
+    /// Part of the contents of a value that is not needed any more, and becomes absent: where both
+    /// live in the same memory, its being a user is handed over.
+    Any(Any&& container, const Any& part) noexcept : slot_(part.slot_) {
+        if (!slot_.isShared()) return;
+        if (container.slot_.isCounted() && slot_.owner() == container.slot_.owner()) {
+            slot_.setCounted();
+            container.slot_ = {};
+        } else {
+            retain();
+        }
     }
 
-    std::string description() const { return box_ ? box_->description() : "(null)"; }
+    Any(const Any& other) noexcept : slot_(other.slot_) {
+        if (slot_.isShared()) retain();
+    }
+    Any(Any&& other) noexcept : slot_(std::exchange(other.slot_, {})) {}
+    Any& operator=(const Any& other) noexcept { return *this = Any(other); }
+    Any& operator=(Any&& other) noexcept {
+        std::swap(slot_, other.slot_);
+        return *this;
+    }
+    ~Any() {
+        if (slot_.isCounted()) release();
+    }
+
+    /// Texts that are not well-formed UTF-8 are of kind `object`, since no JSON text can hold them.
+    Kind kind() const noexcept;
+    bool hasValue() const noexcept { return slot_.tag() != AnySlot::absent; }
+    bool isObject() const noexcept {
+        return slot_.tag() == AnySlot::object || slot_.tag() == AnySlot::malformedText;
+    }
+
+    /// Becomes the other value without counting as a user of its contents: what keeps these alive
+    /// has to outlive this. Copies of this are like those of any other value.
+    void borrow(const Any& value) noexcept {
+        if (slot_.isCounted()) release();
+        slot_ = value.slot_;
+        if (slot_.isCounted()) slot_.clearCounted();
+    }
+
+    /// How the value is kept. For the kit itself.
+    const AnySlot& slot() const noexcept { return slot_; }
+
+    /// The value if it is a `T`: an optional for `NSNumber`, `std::string`, `std::string_view`
+    /// (valid for as long as this value is), `NSNull`, `Array` and `Dictionary`; for any other
+    /// type a pointer, which is valid for as long as a copy of this value is.
+    template <class T>
+    auto as() const {
+        if constexpr (std::same_as<T, NSNumber>) {
+            return slot_.isNumber() ? std::optional(number()) : std::nullopt;
+        } else if constexpr (std::same_as<T, std::string> || std::same_as<T, std::string_view>) {
+            return hasText() ? std::optional<T>(slot_.text()) : std::nullopt;
+        } else if constexpr (std::same_as<T, NSNull>) {
+            return slot_.tag() == AnySlot::null ? std::optional(NSNull()) : std::nullopt;
+        } else if constexpr (std::same_as<T, Array>) {
+            return slot_.tag() == AnySlot::array ? std::optional(T(*this)) : std::nullopt;
+        } else if constexpr (std::same_as<T, Dictionary>) {
+            return slot_.tag() == AnySlot::dictionary ? std::optional(T(*this)) : std::nullopt;
+        } else {
+            const Object* held = object();
+            const bool isOne = held && held->type() == typeid(T);
+            return isOne ? &static_cast<const ObjectOf<T>&>(*held).value : nullptr;
+        }
+    }
+
+    /// The platform's equality. Numbers of whatever kinds are equal when their values are (true
+    /// equals 1), texts when their bytes are, arrays and dictionaries when their contents are, the
+    /// latter in any order. Two absent values are equal. Objects are equal when they are of one
+    /// type and equal by `isEqual` or `==`; without these, only to copies of themselves.
+    friend INKORA_EXPORT bool operator==(const Any& left, const Any& right);
+
+    /// Equal values have equal hashes.
+    std::size_t hash() const;
+
+    /// Numbers and texts as they print, arrays and dictionaries as JSON, "(null)" when absent.
+    std::string description() const;
 
 private:
-    template <class T>
-    using Kept = std::conditional_t<
-        std::is_arithmetic_v<T> || std::is_same_v<T, NSDecimalNumber>, NSNumber,
-        std::conditional_t<std::is_convertible_v<T, std::string_view>, std::string, T>>;
+    friend class Storage;
 
-    struct Holder {
-        virtual ~Holder() = default;
+    struct Object {
+        Object() = default;
+        Object(const Object&) = delete;
+        Object& operator=(const Object&) = delete;
+        virtual ~Object() = default;
         virtual const std::type_info& type() const noexcept = 0;
-        virtual bool equals(const Holder& other) const = 0;
+        virtual bool equals(const Object& other) const = 0;
         virtual std::string description() const = 0;
     };
 
     template <class T>
-    struct Box final : Holder {
-        explicit Box(T kept) : value(std::move(kept)) {}
+    struct ObjectOf final : Object {
+        explicit ObjectOf(T kept) : value(std::move(kept)) {}
         const std::type_info& type() const noexcept override { return typeid(T); }
-        bool equals(const Holder& other) const override {
+        bool equals(const Object& other) const override {
             if constexpr (requires { value.isEqual(value); }) {
                 return other.type() == typeid(T) && value.isEqual(of(other));
-            } else if constexpr (std::equality_comparable<T>) {
+            } else if constexpr (isComparable<T>) {
                 return other.type() == typeid(T) && value == of(other);
             } else {
                 return this == &other;
@@ -79,15 +190,68 @@ private:
                 return "(object)";
             }
         }
-        static const T& of(const Holder& holder) {
-            return static_cast<const Box<T>&>(holder).value;
+        static const T& of(const Object& object) {
+            return static_cast<const ObjectOf<T>&>(object).value;
         }
         T value;
     };
 
-    std::shared_ptr<const Holder> box_;
+    template <class T>
+    void keep(T&& value) {
+        using Value = std::remove_cvref_t<T>;
+        static_assert(!std::same_as<Value, char>, "a character is neither a number nor a text");
+        if constexpr (std::same_as<Value, std::nullopt_t> || std::same_as<Value, std::nullptr_t>) {
+            // stays absent
+        } else if constexpr (std::same_as<Value, NSNull>) {
+            slot_ = AnySlot(AnySlot::null, std::uint64_t{0});
+        } else if constexpr (std::is_pointer_v<Value> &&
+                             std::convertible_to<const Value&, std::string_view>) {
+            if (value) keepText(value);
+        } else if constexpr (std::convertible_to<const Value&, std::string_view>) {
+            keepText(value);
+        } else if constexpr (std::is_arithmetic_v<Value> || std::same_as<Value, NSNumber> ||
+                             std::same_as<Value, NSDecimalNumber>) {
+            keepNumber(value);
+        } else if constexpr (std::same_as<Value, Array> || std::same_as<Value, Dictionary>) {
+            *this = value.contents_;
+        } else if constexpr (!isPlatformValue<Value>) {
+            keepObject(std::make_unique<ObjectOf<Value>>(Value(std::forward<T>(value))));
+        } else if constexpr (requires { value.has_value(); }) {
+            if (value) *this = Any(*std::forward<T>(value));
+        } else if constexpr (requires { typename Value::mapped_type; }) {
+            *this = dictionaryOf(value);
+        } else {
+            *this = arrayOf(value);
+        }
+    }
+
+    template <class Elements>
+    static Any arrayOf(const Elements& elements);
+    template <class Members>
+    static Any dictionaryOf(const Members& members);
+
+    void keepText(std::string_view text);
+    void keepNumber(const NSNumber& number);
+    void keepObject(std::unique_ptr<Object> object);
+
+    bool hasText() const noexcept {
+        return slot_.isText() || slot_.tag() == AnySlot::malformedText;
+    }
+    NSNumber number() const noexcept;
+    const Object* object() const noexcept;
+
+    void retain() noexcept;
+    void release() noexcept;
+
+    AnySlot slot_;
 };
 
-using Dictionary = std::map<std::string, Any, std::less<>>;
-
 }  // namespace InkoraKit
+
+template <>
+struct std::hash<InkoraKit::Any> {
+    std::size_t operator()(const InkoraKit::Any& value) const { return value.hash(); }
+};
+
+#include <InkoraKit/platform/Array.h>
+#include <InkoraKit/platform/Dictionary.h>

@@ -20,7 +20,7 @@ public:
     explicit Data(std::span<const std::uint8_t> bytes);
 
     /// The bytes of a text, as they stand.
-    static Data fromText(std::string_view text);
+    static Data fromText(std::string text);
 
     std::size_t size() const noexcept { return bytes_.size(); }
     bool empty() const noexcept { return bytes_.empty(); }

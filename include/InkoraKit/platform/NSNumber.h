@@ -5,6 +5,7 @@
 #include <InkoraKit/platform/Integer.h>
 #include <InkoraKit/platform/NSDecimalNumber.h>
 
+#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -82,15 +83,23 @@ public:
     bool isEqual(const NSNumber& other) const {
         return compare(other) == ComparisonResult::orderedSame;
     }
-    /// `isEqual`.
+
+    /// As `compare` finds, save that a truth value is neither equal to a number of another kind nor
+    /// in any order with it.
     friend bool operator==(const NSNumber& left, const NSNumber& right) {
-        return left.isEqual(right);
+        return left.isBool() == right.isBool() && left.isEqual(right);
+    }
+    friend std::partial_ordering operator<=>(const NSNumber& left, const NSNumber& right) {
+        if (left.isBool() != right.isBool()) return std::partial_ordering::unordered;
+        return static_cast<int>(left.compare(right)) <=> 0;
     }
 
     /// Equal numbers of whatever kinds have equal hashes.
     std::size_t hash() const;
 
 private:
+    friend class Any;
+
     enum class Kind : std::uint8_t {
         boolean,
         int8,

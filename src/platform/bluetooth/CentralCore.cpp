@@ -27,17 +27,17 @@ void merge(Advertisement& known, const Advertisement& news) {
 Dictionary dictionaryOf(const Advertisement& advertisement) {
     Dictionary entries;
     if (advertisement.localName)
-        entries[CBAdvertisementDataLocalNameKey] = *advertisement.localName;
+        entries.set(CBAdvertisementDataLocalNameKey, *advertisement.localName);
     if (!advertisement.serviceUUIDs.empty())
-        entries[CBAdvertisementDataServiceUUIDsKey] = advertisement.serviceUUIDs;
+        entries.set(CBAdvertisementDataServiceUUIDsKey, advertisement.serviceUUIDs);
     if (advertisement.manufacturerData)
-        entries[CBAdvertisementDataManufacturerDataKey] = *advertisement.manufacturerData;
+        entries.set(CBAdvertisementDataManufacturerDataKey, *advertisement.manufacturerData);
     if (!advertisement.serviceData.empty())
-        entries[CBAdvertisementDataServiceDataKey] = advertisement.serviceData;
+        entries.set(CBAdvertisementDataServiceDataKey, advertisement.serviceData);
     if (advertisement.txPowerLevel)
-        entries[CBAdvertisementDataTxPowerLevelKey] = *advertisement.txPowerLevel;
+        entries.set(CBAdvertisementDataTxPowerLevelKey, *advertisement.txPowerLevel);
     if (advertisement.isConnectable)
-        entries[CBAdvertisementDataIsConnectable] = *advertisement.isConnectable ? 1 : 0;
+        entries.set(CBAdvertisementDataIsConnectable, *advertisement.isConnectable ? 1 : 0);
     return entries;
 }
 

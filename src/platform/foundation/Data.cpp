@@ -1,12 +1,14 @@
 #include <InkoraKit/platform/Data.h>
 
+#include <utility>
+
 namespace InkoraKit {
 
 Data::Data(std::span<const std::uint8_t> bytes) : bytes_(bytes.begin(), bytes.end()) {}
 
-Data Data::fromText(std::string_view text) {
+Data Data::fromText(std::string text) {
     Data data;
-    data.bytes_ = text;
+    data.bytes_ = std::move(text);
     return data;
 }
 

@@ -11,8 +11,7 @@ constexpr std::int64_t propertyListReadCorruptError = 3840;
 std::optional<std::string> textFor(const Dictionary& userInfo, const char* key) {
     const auto entry = userInfo.find(key);
     if (entry == userInfo.end()) return std::nullopt;
-    const auto* text = entry->second.as<std::string>();
-    return text ? std::optional(*text) : std::nullopt;
+    return entry->second.as<std::string>();
 }
 
 // What the error says of itself beyond its domain and code.
@@ -76,7 +75,7 @@ std::string NSError::description() const {
     if (userInfo().empty()) return text;
     const char* separator = " UserInfo={";
     for (const auto& [key, value] : userInfo()) {
-        text += separator + key + "=" + value.description();
+        text += separator + std::string(key) + "=" + value.description();
         separator = ", ";
     }
     return text + "}";

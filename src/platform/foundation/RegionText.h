@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Owner.h"
+#include "Region.h"
+
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+namespace InkoraKit {
+
+/// A text that is written to a region while nobody knows yet how long it will be.
+class RegionText {
+public:
+    /// @param mostAtOnce how many characters are written at most until makeRoom() is called again
+    RegionText(Region& region, std::size_t mostAtOnce) : region_(region), mostAtOnce_(mostAtOnce) {
+        if (!region_.hasRoom(sizeof(Owner*) + mostAtOnce_)) addPiece(0);
+        begin();
+    }
+
+    char* start() const noexcept { return start_; }
+    std::size_t size() const noexcept { return static_cast<std::size_t>(to - start_); }
+
+    void makeRoom() {
+        if (to <= last_) [[likely]]
+            return;
+        const std::size_t written = size();
+        const char* const before = start_;
+        addPiece(written);
+        begin();
+        std::memcpy(start_, before, written);
+        to = start_ + written;
+    }
+
+    /// Leaves the text in the region. Without that the room is used for something else.
+    char* keep() {
+        new (region_.take(sizeof(Owner*) + size())) Owner*(&region_);
+        return start_;
+    }
+
+    char* to;  ///< Where to write on.
+
+private:
+    void addPiece(std::size_t written) {
+        constexpr std::size_t usual = 1024;
+        region_.addPiece(2 * written + mostAtOnce_ + usual, 0);
+    }
+    void begin() noexcept {
+        start_ = reinterpret_cast<char*>(region_.next()) + sizeof(Owner*);
+        to = start_;
+        last_ = reinterpret_cast<char*>(region_.end()) - mostAtOnce_;
+    }
+
+    Region& region_;
+    std::size_t mostAtOnce_;
+    char* start_;
+    char* last_;  // the last place from which there is room enough
+};
+
+}  // namespace InkoraKit
