@@ -1,0 +1,159 @@
+#include <InkoraKit/JSON.h>
+
+#include "platform/foundation/PercentEncoding.h"
+#include "platform/foundation/Storage.h"
+
+#include <algorithm>
+
+namespace InkoraKit {
+
+std::optional<std::vector<JSON>> JSON::array() const {
+    if (type() != Type::array) return std::nullopt;
+    const auto elements = Storage::elements(value_);
+    return std::vector<JSON>(elements.begin(), elements.end());
+}
+
+std::vector<JSON> JSON::arrayValue() const {
+    return array().value_or(std::vector<JSON>());
+}
+
+std::optional<Array> JSON::arrayObject() const {
+    return value_.as<Array>();
+}
+
+void JSON::setArrayObject(const std::optional<Array>& value) & {
+    setObject(value);
+}
+
+std::optional<std::map<std::string, JSON, std::less<>>> JSON::dictionary() const {
+    if (type() != Type::dictionary) return std::nullopt;
+    std::map<std::string, JSON, std::less<>> result;
+    for (const MemberSlots& member : Storage::members(value_))
+        result.emplace(member.key.text(), JSON(Storage::asAny(member.value)));
+    return result;
+}
+
+std::map<std::string, JSON, std::less<>> JSON::dictionaryValue() const {
+    return dictionary().value_or(std::map<std::string, JSON, std::less<>>());
+}
+
+std::optional<Dictionary> JSON::dictionaryObject() const {
+    return value_.as<Dictionary>();
+}
+
+void JSON::setDictionaryObject(const std::optional<Dictionary>& value) & {
+    setObject(value);
+}
+
+std::optional<bool> JSON::bool_() const noexcept {
+    if (type() != Type::bool_) return std::nullopt;
+    return Storage::slot(value_).truth();
+}
+
+void JSON::setBool(std::optional<bool> value) & {
+    setObject(value);
+}
+
+namespace {
+
+/// Whether the text is the word, which is in lower case, in any case.
+bool isWord(std::string_view text, std::string_view word) {
+    return std::ranges::equal(text, word, [](char character, char letter) {
+        const bool isUpper = character >= 'A' && character <= 'Z';
+        return (isUpper ? character - 'A' + 'a' : character) == letter;
+    });
+}
+
+}  // namespace
+
+bool JSON::boolValue() const {
+    switch (type()) {
+        case Type::bool_:
+            return Storage::slot(value_).truth();
+        case Type::number:
+            return Storage::number(value_).boolValue();
+        case Type::string: {
+            const std::string_view text = Storage::text(value_);
+            return isWord(text, "true") || isWord(text, "y") || isWord(text, "t");
+        }
+        default:
+            return false;
+    }
+}
+
+void JSON::setBoolValue(bool value) & {
+    setObject(value);
+}
+
+std::optional<std::string> JSON::string() const {
+    if (type() != Type::string) return std::nullopt;
+    return std::string(Storage::text(value_));
+}
+
+void JSON::setString(const std::optional<std::string>& value) & {
+    setObject(value);
+}
+
+std::string JSON::stringValue() const {
+    switch (type()) {
+        case Type::string:
+            return std::string(Storage::text(value_));
+        case Type::number:
+            return Storage::number(value_).stringValue();
+        case Type::bool_:
+            return Storage::slot(value_).truth() ? "true" : "false";
+        default:
+            return {};
+    }
+}
+
+void JSON::setStringValue(std::string_view value) & {
+    setObject(value);
+}
+
+std::optional<NSNumber> JSON::number() const {
+    const Type type = this->type();
+    if (type == Type::number || type == Type::bool_) return numberValue();
+    return std::nullopt;
+}
+
+void JSON::setNumber(const std::optional<NSNumber>& value) & {
+    setObject(value);
+}
+
+NSNumber JSON::numberValue() const {
+    switch (type()) {
+        case Type::string: {
+            const NSDecimalNumber decimal(Storage::text(value_));
+            return decimal.isNaN() ? NSDecimalNumber::zero() : decimal;
+        }
+        case Type::number:
+            return Storage::number(value_);
+        case Type::bool_:
+            return std::int64_t{Storage::slot(value_).truth()};
+        default:
+            return 0.0;
+    }
+}
+
+void JSON::setNumberValue(const NSNumber& value) & {
+    setObject(value);
+}
+
+std::optional<NSNull> JSON::null() const noexcept {
+    return type() == Type::null ? std::optional(NSNull()) : std::nullopt;
+}
+
+std::optional<URL> JSON::url() const {
+    if (type() != Type::string) return std::nullopt;
+    const std::string_view text = Storage::text(value_);
+    if (hasPercentEscape(text)) return URL::fromString(text);  // and escaping twice would spoil it
+    const auto escaped = addingPercentEncodingForQuery(text);
+    return escaped ? URL::fromString(*escaped) : std::nullopt;
+}
+
+void JSON::setUrl(const std::optional<URL>& value) & {
+    setString(value ? std::optional(value->absoluteString()) : std::nullopt);
+}
+
+}  // namespace InkoraKit

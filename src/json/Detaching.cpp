@@ -1,0 +1,73 @@
+#include <InkoraKit/JSON.h>
+
+#include "platform/foundation/Storage.h"
+
+namespace InkoraKit {
+
+namespace {
+
+/// A place for a copy of a container.
+struct Pending {
+    Any* place;
+    const Any* original;
+};
+
+/// A copy of a value that is neither array nor dictionary.
+Any detachedLeaf(const Any& leaf) {
+    if (const auto text = leaf.as<std::string_view>()) return *text;
+    if (const auto number = leaf.as<NSNumber>()) return *number;
+    return leaf;
+}
+
+/// Puts a copy into the place, except for the contents of a container, which it puts off.
+void detach(Any& place, const Any& original, std::vector<Pending>& rest) {
+    const bool isContainer =
+        original.kind() == Any::Kind::array || original.kind() == Any::Kind::dictionary;
+    if (isContainer) {
+        rest.push_back({&place, &original});
+    } else {
+        place = detachedLeaf(original);
+    }
+}
+
+void detachContents(const Pending& pending, std::vector<Pending>& rest) {
+    const std::size_t count = Storage::count(*pending.original);
+    const bool isArray = Storage::tag(*pending.original) == AnySlot::array;
+    Any& copy = *pending.place;
+    copy = isArray ? Storage::emptyArray() : Storage::emptyDictionary();
+    Storage::reserve(copy, count);  // so that the places stay where they are
+    for (std::size_t i = 0; i < count; ++i) {
+        if (isArray) {
+            Storage::append(copy, Any());
+            detach(Storage::writableElement(copy, i), Storage::elements(*pending.original)[i],
+                   rest);
+        } else {
+            const MemberSlots& member = Storage::members(*pending.original)[i];
+            detach(Storage::writableMember(copy, member.key.text()), Storage::asAny(member.value),
+                   rest);
+        }
+    }
+}
+
+Any detachedCopy(const Any& original) {
+    Any result;
+    std::vector<Pending> rest;
+    detach(result, original, rest);
+    while (!rest.empty()) {
+        const Pending pending = rest.back();
+        rest.pop_back();
+        detachContents(pending, rest);
+    }
+    return result;
+}
+
+}  // namespace
+
+JSON JSON::detached() const {
+    JSON result = *this;
+    result.value_ = detachedCopy(value_);
+    if (aside_) result.aside_->formerArray = detachedCopy(aside_->formerArray);
+    return result;
+}
+
+}  // namespace InkoraKit

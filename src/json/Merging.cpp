@@ -1,0 +1,87 @@
+#include <InkoraKit/JSON.h>
+
+#include "Conversion.h"
+#include "JSONError.h"
+#include "platform/foundation/Storage.h"
+
+namespace InkoraKit {
+
+namespace {
+
+bool areBoth(AnySlot::Tag tag, const Any& left, const Any& right) {
+    return Storage::tag(left) == tag && Storage::tag(right) == tag;
+}
+
+/// Appends in place. Elements that no JSON can hold become null, and bytes what they are read as.
+void appendElements(Any& array, const Any& others) {
+    const std::size_t count = Storage::count(array);
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!Storage::elements(array)[i].isObject()) continue;
+        Any& element = Storage::writableElement(array, i);
+        element = JSON(element).object();
+    }
+    Storage::reserve(array, count + Storage::count(others));
+    for (const Any& element : Storage::elements(others))
+        Storage::append(array, JSON(element).object());
+}
+
+/// A dictionary, and the other one whose members are to be merged into it.
+struct Pending {
+    Any* members;
+    Any others;
+};
+
+/// Merges members, except for the contents of two dictionaries, which it puts off.
+void mergeMembers(const Pending& pending, std::vector<Pending>& rest) {
+    std::vector<std::pair<std::string_view, Any>> nested;
+    for (const MemberSlots& other : Storage::members(pending.others)) {
+        const std::string_view key = other.key.text();
+        Any value = JSON(Storage::asAny(other.value)).object();
+        Any& member = Storage::writableMember(*pending.members, key);
+        if (mayBeConverted(member)) member = JSON(member).object();
+        if (areBoth(AnySlot::dictionary, member, value)) {
+            nested.emplace_back(key, std::move(value));
+        } else if (areBoth(AnySlot::array, member, value)) {
+            appendElements(member, value);
+        } else {
+            member = std::move(value);
+        }
+    }
+    // Only now, with all members added, do their places stay where they are.
+    for (auto& [key, value] : nested)
+        rest.push_back({&Storage::writableMember(*pending.members, key), std::move(value)});
+}
+
+void mergeDictionaries(Any& members, const Any& others) {
+    std::vector<Pending> rest{{&members, others}};
+    while (!rest.empty()) {
+        const Pending pending = std::move(rest.back());
+        rest.pop_back();
+        mergeMembers(pending, rest);
+    }
+}
+
+}  // namespace
+
+void JSON::merge(const JSON& other) & {
+    if (type() != other.type())
+        throw jsonError(ErrorWrongType,
+                        "Couldn't merge, because the JSONs differ in type on top level.");
+    const Any others = other.value_;  // which may be what changes
+    switch (type()) {
+        case Type::dictionary:
+            return mergeDictionaries(value_, others);
+        case Type::array:
+            return appendElements(value_, others);
+        default:
+            *this = other;
+    }
+}
+
+JSON JSON::merged(const JSON& other) const {
+    JSON result = *this;
+    result.merge(other);
+    return result;
+}
+
+}  // namespace InkoraKit

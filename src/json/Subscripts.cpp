@@ -1,0 +1,122 @@
+#include <InkoraKit/JSON.h>
+
+#include "Conversion.h"
+#include "platform/foundation/Fatal.h"
+#include "platform/foundation/Storage.h"
+
+#include <algorithm>
+#include <memory_resource>
+
+namespace InkoraKit {
+
+const Any* JSON::element(const Any& container, std::string_view key) noexcept {
+    return container.slot().tag() == AnySlot::dictionary ? Storage::member(container, key)
+                                                         : nullptr;
+}
+
+const Any* JSON::element(const Any& container, const Step& step, JSON& converted) {
+    const Any* const found = element(container, step);
+    if (!found || isPlain(found)) return found;
+    converted = JSON(*found);
+    return &converted.value_;
+}
+
+JSON JSON::unusual(const Any* found, const Step& step) const {
+    return found ? JSON(*found) : missing(step);
+}
+
+JSON JSON::atPath(const JSONPath& path) const {
+    if (path.empty()) return *this;
+    const Any* place = &value_;
+    JSON converted;
+    for (const JSONKey& key : path) {
+        const Any* const next = element(*place, stepFrom(key), converted);
+        if (!next) {
+            if (place == &value_) return missing(stepFrom(key));
+            JSON container;
+            container.value_ = *place;
+            return container.missing(stepFrom(key));
+        }
+        place = next;
+    }
+    JSON result;
+    result.value_ = *place;
+    return result;
+}
+
+/// Null, with the error that this value has already, or else the one of the step.
+JSON JSON::missing(const Step& step) const {
+    JSON result;
+    if (aside_ && aside_->code != 0) {
+        result.aside_.reset(new Aside{aside_->code, aside_->step, {}});
+        return result;
+    }
+    const bool isIndex = step.kind == Step::Kind::index;
+    std::int64_t code = ErrorWrongType;
+    if (type() == Type::unknown) code = ErrorUnsupportedType;
+    if (type() == Type::array && isIndex) code = ErrorIndexOutOfBounds;
+    if (type() == Type::dictionary && !isIndex) code = ErrorNotExist;
+    result.aside_.reset(new Aside{code, isIndex ? JSONKey(step.index) : JSONKey(step.key), {}});
+    return result;
+}
+
+JSON JSON::operator[](const JSONPath& path) const& {
+    return atPath(path);
+}
+
+JSONPlace JSON::operator[](const JSONPath& path) & {
+    return JSONPlace(*this, path);
+}
+
+/// Writes where the steps lead to, or does nothing: everything before the last step has to be
+/// there, and the last step has to be one that can be taken.
+void JSON::write(std::span<const Step> steps, Any object) {
+    const Any* place = &value_;
+    JSON converted;
+    for (const Step& step : steps.first(steps.size() - 1)) {
+        place = element(*place, step, converted);
+        if (!place) return;
+    }
+    const Step& last = steps.back();
+    if (last.kind == Step::Kind::key) {
+        if (Storage::tag(*place) != AnySlot::dictionary) return;
+    } else {
+        if (Storage::tag(*place) != AnySlot::array) return;
+        if (last.index >= static_cast<std::int64_t>(Storage::count(*place))) return;
+        if (last.index < 0) fatalError("Index out of range");
+    }
+    converted = JSON();  // or else what is to change would be shared, and so copied
+
+    const auto placeIn = [](Any& container, const Step& step) -> Any& {
+        if (step.kind == Step::Kind::key) return Storage::writableMember(container, step.key);
+        return Storage::writableElement(container, static_cast<std::size_t>(step.index));
+    };
+    Any* target = &value_;
+    for (const Step& step : steps.first(steps.size() - 1)) {
+        target = &placeIn(*target, step);
+        if (!isPlain(target)) *target = JSON(*target).value_;
+    }
+    placeIn(*target, last) = std::move(object);
+}
+
+void JSONPlace::write(JSON value) {
+    Any object = value.object();
+    value = {};
+    std::array<std::byte, 512> room;
+    std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+    std::pmr::vector<Step> steps(&memory);  // the last one first
+    for (JSONPlace* place = this; place; place = place->parent_) {
+        place->value_ = {};  // or else what is to change would be shared, and so copied
+        if (place->step_.kind != Step::Kind::path) {
+            steps.push_back(place->step_);
+            continue;
+        }
+        for (auto key = place->step_.path->end(); key != place->step_.path->begin();)
+            steps.push_back(stepFrom(*--key));
+    }
+    if (steps.empty()) return;
+    std::ranges::reverse(steps);
+    root_->JSON::write(steps, std::move(object));
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,228 @@
+#include <InkoraKit/JSON.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace InkoraKit {
+namespace {
+
+std::string compact(const JSON& json) {
+    using enum JSONSerialization::WritingOptions;
+    return json.rawString(StringEncoding::utf8, none).value_or("none");
+}
+
+TEST(JSONAccessTest, PlainFormsFitAndValueFormsConvert) {
+    // clang-format off
+    const struct { JSON json; bool boolean; std::string string; std::string number; } cases[] = {
+        {true, true, "true", "1"},        {false, false, "false", "0"}, {2.5, true, "2.5", "2.5"},
+        {0, false, "0", "0"},             {"TrUe", true, "TrUe", "0"},  {"t", true, "t", "0"},
+        {"Y", true, "Y", "0"},            {"Yes", false, "Yes", "0"},   {"", false, "", "0"},
+        {" true", false, " true", "0"},   {"1", false, "1", "1"},       {"x1", false, "x1", "0"},
+        {"1e3", false, "1e3", "1000"},    {"12a", false, "12a", "12"},  {JSON(), false, "", "0"},
+        {JSON::arrayOf(1), false, "", "0"}, {JSON{{"a", 1}}, false, "", "0"}};
+    // clang-format on
+    for (const auto& [json, boolean, string, number] : cases) {
+        SCOPED_TRACE(json.description());
+        const bool hasNumber = json.type() == Type::number || json.type() == Type::bool_;
+        EXPECT_EQ(json.boolValue(), boolean);
+        EXPECT_EQ(json.bool_().has_value(), json.type() == Type::bool_);
+        EXPECT_EQ(json.stringValue(), string);
+        EXPECT_EQ(json.string().has_value(), json.type() == Type::string);
+        EXPECT_EQ(json.numberValue().stringValue(), number);
+        EXPECT_FALSE(json.numberValue().isBool());
+        EXPECT_EQ(json.number().has_value(), hasNumber);
+        EXPECT_EQ(json.intValue(), json.numberValue().integerValue());
+        EXPECT_EQ(json.null().has_value(), json.type() == Type::null);
+        EXPECT_EQ(json.arrayValue().size() + json.dictionaryValue().size(), json.count());
+        EXPECT_EQ(json.array().has_value() && json.arrayObject(), json.type() == Type::array);
+        EXPECT_EQ(json.dictionary().has_value() && json.dictionaryObject(),
+                  json.type() == Type::dictionary);
+    }
+}
+
+TEST(JSONAccessTest, NumbersAreReadAndKeptInEveryWidth) {
+    const JSON json = UINT64_MAX - 1;  // of which every width keeps the low bits
+    EXPECT_EQ(json.uInt(), UINT64_MAX - 1);
+    EXPECT_EQ(json.uInt64Value(), UINT64_MAX - 1);
+    EXPECT_TRUE(json.int_() == -2 && json.int8() == -2 && json.int16() == -2 &&
+                json.int32() == -2 && json.int64() == -2);
+    EXPECT_TRUE(json.uInt8Value() == 254 && json.uInt16Value() == 65534 &&
+                json.uInt32Value() == 4294967294);
+    EXPECT_TRUE(JSON(0.1f).doubleValue() == 0.1f && JSON(1e300).floatValue() > 1e38f);
+
+    const auto kept = [](auto set) {
+        JSON result = JSON()["missing"];
+        set(result);
+        EXPECT_FALSE(result.error());
+        return std::string(result.numberValue().objCType()) + compact(result);
+    };
+    const std::pair<std::string, std::string> cases[] = {
+        {kept([](JSON& value) { value.setInt8(-1); }), "q-1"},  // widened
+        {kept([](JSON& value) { value.setUInt8Value(255); }), "s255"},
+        {kept([](JSON& value) { value.setInt16(-1); }), "s-1"},
+        {kept([](JSON& value) { value.setUInt16(1); }), "i1"},
+        {kept([](JSON& value) { value.setUInt32(1); }), "q1"},
+        {kept([](JSON& value) { value.setUIntValue(UINT64_MAX); }), "Q18446744073709551615"},
+        {kept([](JSON& value) { value.setFloat(1.5f); }), "f1.5"},
+        {kept([](JSON& value) { value.setBool(true); }), "qtrue"},
+        {kept([](JSON& value) { value.setNumber(NSNumber(true)); }), "qtrue"},
+        {kept([](JSON& value) { value.setString(std::nullopt); }), "dnull"},
+        {kept([](JSON& value) { value.setUrl(URL::fromString("a%20b")); }), "da%20b"}};
+    for (const auto& [found, wanted] : cases) EXPECT_EQ(found, wanted);
+}
+
+TEST(JSONAccessTest, UrlsAreEscapedUnlessTheyAreAlready) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"a b", "a%20b"},       {"a%20b", "a%20b"}, {"100%", "100%25"},
+        {"a%2", "a%252"},       {"a%zz", "a%25zz"}, {"http://x/é", "http://x/%C3%A9"},
+        {"q?x=1&y", "q?x=1&y"}, {"#", "%23"},       {"http://[::1]/", "http://%5B::1%5D/"},
+        {"a%20b#c", "a%20b#c"}, {"", nullptr},      {"a%20b c", nullptr},
+        {"a%20b#c#d", nullptr}, {"é%20", nullptr},  {"😀", "%F0%9F%98%80"}};
+    for (const auto& [text, url] : cases) {
+        const auto found = JSON(text).url();
+        EXPECT_EQ(found ? found->absoluteString() : "", url ? url : "");
+    }
+    EXPECT_FALSE(JSON(5).url());
+}
+
+TEST(JSONAccessTest, TheFirstFailedStepOfAPathIsReported) {
+    const JSON list = JSON::arrayOf(1, 2, 3);
+    const JSON members = JSON{{"a", 1}, {"n", JSON()}};
+    const JSON unknown(NSError("", 0));
+    // clang-format off
+    const struct { JSON json; std::int64_t code; std::string text; } cases[] = {
+        {list[3], 900, "Array[3] is out of bounds"},
+        {list[-1], 900, "Array[-1] is out of bounds"},
+        {list[UINT64_MAX], 900, "Array[9223372036854775807] is out of bounds"},
+        {list["k"], 901, "Dictionary[\"k\"] failure, It is not an dictionary"},
+        {JSON("x")[0], 901, "Array[0] failure, It is not an array"},
+        {members[0], 901, "Array[0] failure, It is not an array"},
+        {members["b"], 500, "Dictionary[\"b\"] does not exist"},
+        {members["b"]["c"][2], 500, "Dictionary[\"b\"] does not exist"},
+        {members[{"b", "c", 2}], 500, "Dictionary[\"b\"] does not exist"},
+        {members[{"a", "c", 2}], 901, "Dictionary[\"c\"] failure, It is not an dictionary"},
+        {members["n"][0][0], 901, "Array[0] failure, It is not an array"},
+        {unknown["k"][0], 999, "It is a unsupported type"},
+        {unknown[{0, "k"}], 999, "It is a unsupported type"}};
+    // clang-format on
+    for (const auto& [json, code, text] : cases) {
+        ASSERT_TRUE(json.error()) << text;
+        EXPECT_EQ(*json.error(), NSError(ErrorDomain, code, {{NSLocalizedDescriptionKey, text}}));
+        EXPECT_EQ(json.type(), Type::null);
+        EXPECT_EQ(json.exists(), code == 999);
+    }
+    EXPECT_TRUE(members["n"].exists() && !members["n"].error());
+    EXPECT_EQ(compact(list[JSONPath{}]), "[1,2,3]");
+    EXPECT_EQ(members["b"][JSONPath{}].error()->code(), 500);
+}
+
+TEST(JSONAccessTest, WritesDoWhatTheTypesAllowAndNothingElse) {
+    const JSON failed = JSON("x")[0];
+    // clang-format off
+    const struct { const char* before; JSONPath path; JSON value; const char* after; } cases[] = {
+        {R"({"a":{}})", {"a", "b"}, 5, R"({"a":{"b":5}})"}, {"{}", {"a", "b"}, 5, "{}"},
+        {R"({"a":1,"b":2})", {"a"}, "x", R"({"a":"x","b":2})"}, {"{}", {"a"}, 5, R"({"a":5})"},
+        {R"({"a":1})", {"a", "b"}, 5, R"({"a":1})"}, {R"({"a":1})", {0}, 5, R"({"a":1})"},
+        {"[0]", {1}, "q", "[0]"},        {"[0]", {0}, "q", R"(["q"])"}, {"[0]", {"k"}, "q", "[0]"},
+        {"[0]", {}, 5, "[0]"},           {"5", {"k"}, 6, "5"},
+        {"[[0,[1]]]", {0, 1, 0}, JSON{{"k", 2}}, R"([[0,[{"k":2}]]])"},
+        {"[[0]]", {-1, 0}, 5, "[[0]]"},  // a negative step before the last one leads nowhere
+        {"{}", {"k"}, failed, R"({"k":null})"},  // the error is not written
+        {"[1]", {0}, JSON(NSError("", 0)), "[null]"}};
+    // clang-format on
+    for (const auto& [before, path, value, after] : cases) {
+        JSON json = JSON::parse(before);
+        const JSON copy = json;
+        json[path] = value;
+        EXPECT_EQ(compact(json), after);
+        JSON own = copy.detached();
+        own[path] = value;
+        EXPECT_EQ(compact(own), after);
+        EXPECT_EQ(compact(copy), before);
+    }
+    JSON list = JSON::arrayOf(1);
+    EXPECT_DEATH(list[-1] = 5, "Fatal error: Index out of range");
+}
+
+TEST(JSONAccessTest, ADocumentCanBeWrittenIntoItself) {
+    JSON json = JSON::parse(R"({"a":{"b":[1]},"c":2})");
+    json["c"] = json["a"]["b"];
+    json["a"]["b"][0] = json;
+    EXPECT_EQ(compact(json), R"({"a":{"b":[{"a":{"b":[1]},"c":[1]}]},"c":[1]})");
+    json["a"] = json["a"]["b"][0]["a"];
+    EXPECT_EQ(compact(json), R"({"a":{"b":[1]},"c":[1]})");
+    json["a"]["b"].merge(json["c"]);
+    json["c"].setObject("long enough to need memory of its own");
+    EXPECT_EQ(compact(json["a"]), R"({"b":[1,1]})");
+    EXPECT_THROW(json["a"].merge(json["c"]), NSError);
+
+    JSON holder(Array{Data::fromText(R"({"k":[1]})"), Any(std::vector<JSON>{1, 2})});
+    holder[0]["k"][0] = holder[1][1];  // bytes and arrays of JSON are converted on the way
+    holder[{1, 0}] = "x";
+    EXPECT_EQ(compact(holder), R"([{"k":[2]},["x",2]])");
+}
+
+TEST(JSONAccessTest, APlaceKeptIsAValueOfItsOwn) {
+    JSON json = JSON::parse(R"({"pen":{"name":"desk"},"list":[1]})");
+    auto pen = json["pen"];
+    pen["name"] = "other";
+    pen["new"] = 1;
+    EXPECT_EQ(compact(pen), R"({"name":"other","new":1})");
+    pen = json["list"];
+    pen[0] = 2;
+    const JSON moved = std::move(pen);
+    EXPECT_EQ(compact(moved), "[2]");
+    EXPECT_EQ(compact(json), R"({"pen":{"name":"desk"},"list":[1]})");
+    json["pen"] = moved;
+    json["list"].setObject(std::vector<JSON>{9});  // as for any value, keeps the elements
+    EXPECT_EQ(compact(json), R"({"pen":[2],"list":[1]})");
+    EXPECT_EQ(JSON(json)["list"][0].intValue() + std::as_const(json)["pen"][0].intValue(), 3);
+}
+
+TEST(JSONAccessTest, IterationShowsTheContentsAtItsStart) {
+    std::ostringstream shown;
+    JSON json = JSON::parse(R"(["x",{"a long, long key":[null]},-1])");
+    for (const auto& [key, value] : json) {
+        json[0] = "changed";
+        json = json[key == "0" ? 1 : 0];
+        shown << key << '=' << compact(value) << ' ';
+    }
+    for (const auto& [key, value] : JSON::parse(R"({"a long, long key":[null],"b":1})"))
+        shown << std::string(key) << '=' << compact(value) << ' ';
+    EXPECT_EQ(shown.str(),
+              "0=x 1={\"a long, long key\":[null]} 2=-1 "
+              "a long, long key=[null] b=1 ");
+    std::vector<JSONMember> kept;
+    {
+        const JSON gone = JSON::parse(R"({"a long, long key":"a long, long text"})");
+        for (auto member = gone.begin(); member != gone.end(); member++) kept.push_back(*member);
+    }
+    EXPECT_EQ(kept[0].key, "a long, long key");
+    EXPECT_EQ(kept[0].value, "a long, long text");
+    for (const JSON& none : {JSON(5), JSON(), JSON("x"), JSON(NSError("", 0)), JSON::arrayOf()})
+        EXPECT_TRUE(none.begin() == none.end() && none.startIndex() == none.endIndex());
+}
+
+TEST(JSONAccessTest, PositionsLeadThroughTheContents) {
+    for (const char* text : {R"(["x","y"])", R"({"0":"x","1":"y"})"}) {
+        const JSON json = JSON::parse(text);
+        std::string shown;
+        for (auto i = json.startIndex(); i < json.endIndex(); i = json.indexAfter(i))
+            shown += json[i].first + json[i].second.stringValue();
+        EXPECT_EQ(shown, "0x1y");
+        EXPECT_EQ(json[json.endIndex()].first, "");
+    }
+    using Position = JSON::Index;
+    EXPECT_EQ(JSON(5).indexAfter(JSON(5).startIndex()), Position::null());
+    EXPECT_EQ(JSON(5)[Position::null()], std::pair(std::string(), JSON()));
+    EXPECT_FALSE(Position::null() < Position::null() ||
+                 Position::array(0) < Position::dictionary(1));
+}
+
+}  // namespace
+}  // namespace InkoraKit

@@ -1,0 +1,218 @@
+#include <InkoraKit/InkoraGlobalData.h>
+#include <InkoraKit/JSON.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace InkoraKit {
+namespace {
+
+using enum writtingOptionsKeys;
+using Options = std::map<writtingOptionsKeys, Any>;
+using WritingOptions = JSONSerialization::WritingOptions;
+
+std::string compact(const JSON& json) {
+    return json.rawString(StringEncoding::utf8, WritingOptions::none).value_or("none");
+}
+
+NSError errorOf(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const NSError& error) {
+        return error;
+    }
+    return NSError("no error", 0);
+}
+
+NSError jsonError(std::int64_t code, const char* text) {
+    return NSError("LitheJSONErrorDomain", code, {{NSLocalizedDescriptionKey, text}});
+}
+
+JSON nested(int depth, const JSON& innermost) {
+    JSON json = innermost;
+    for (int i = 0; i < depth; ++i) json = JSON::arrayOf(json);
+    return json;
+}
+
+TEST(JSONTextTest, OnlyContainersHaveData) {
+    EXPECT_EQ(JSON::parse("[1, {}]").rawData(), Data::fromText("[1,{}]"));
+    JSON nan = JSON::arrayOf(std::nan(""));
+    JSON holdsJSON;
+    holdsJSON.setObject(std::map<std::string, JSON>{{"k", 1}});
+    for (const JSON& json : {JSON("x"), JSON(1), JSON(true), JSON(), JSON(NSError("", 0)), nan,
+                             holdsJSON, JSON(Array{NSError("", 0)}), nested(513, JSON())})
+        for (const auto options : {WritingOptions::none, WritingOptions::allowFragments})
+            EXPECT_EQ(errorOf([&] { (void)json.rawData(options); }),
+                      jsonError(490, "JSON is invalid"));
+    EXPECT_EQ(nan.rawString(), std::nullopt);
+    EXPECT_EQ(nan.description() + JSON(NSError("", 0)).description(), "unknownunknown");
+    std::ostringstream stream;
+    stream << JSON{{"a", JSON::arrayOf(1)}} << JSON("a\"b") << JSON(true) << JSON();
+    EXPECT_EQ(stream.str(), "{\n  \"a\" : [\n    1\n  ]\n}a\"btruenull");
+}
+
+TEST(JSONTextTest, OptionsOfAnotherKindCountAsLeftOut) {
+    const JSON json = JSON::arrayOf("é/");
+    const std::string pretty = "[\n  \"é\\/\"\n]";
+    // clang-format off
+    const std::pair<Options, std::optional<std::string>> cases[] = {
+        {{}, pretty},                             {{{encoding, StringEncoding::ascii}}, std::nullopt},
+        {{{jsonSerialization, 8}}, R"(["é/"])"},  {{{encoding, 77}}, std::nullopt},
+        {{{jsonSerialization, WritingOptions::none}}, R"(["é\/"])"},
+        {{{encoding, 5}, {jsonSerialization, 0}}, "[\"Ã©\\/\"]"},
+        {{{jsonSerialization, true}, {maxObjextDepth, 0.5}, {encoding, "x"}}, pretty},
+        {{{castNilToNSNull, 1}, {maxObjextDepth, true}}, pretty}};
+    // clang-format on
+    for (const auto& [options, text] : cases) EXPECT_EQ(json.rawString(options), text);
+    EXPECT_EQ(JSON("é").rawString(StringEncoding::ascii), "é");
+}
+
+TEST(JSONTextTest, AbsentValuesCanBeCastToNull) {
+    const std::pair<JSON, std::optional<std::string>> cases[] = {
+        {Array{"x", Any(), 3}, R"(["x",null,3])"},
+        {Dictionary{{"k", "a\"b\\/\n"}}, "{\"k\": \"a\\\"b\\\\/\n\"}"},
+        {Dictionary{{"k\"", Any()}, {"n", NSNull()}}, R"({"k"": null,"n": null})"},
+        {Array{true, 1.5, Array{}, Dictionary{}}, "[true,1.5,[],{}]"},
+        {Array{Data::fromText(R"({"a":[1,2]})"), Data::fromText("?")}, R"([{"a": [1,2]},null])"},
+        {Array{Array{NSError("", 0)}}, std::nullopt},
+        {JSON("a\"b"), "a\"b"},
+        {JSON(), "null"}};
+    for (const auto& [json, text] : cases)
+        EXPECT_EQ(json.rawString({{castNilToNSNull, true}}), text);
+}
+
+TEST(JSONTextTest, CastingNilIsLimitedInDepth) {
+    const auto written = [](const JSON& json, Any depth) {
+        testing::internal::CaptureStdout();
+        const auto text = json.rawString({{castNilToNSNull, true}, {maxObjextDepth, depth}});
+        return text.value_or("none") + testing::internal::GetCapturedStdout();
+    };
+    // clang-format off
+    const struct { JSON json; Any depth; std::string text; } cases[] = {
+        {nested(10, 1), {}, "[[[[[[[[[[1]]]]]]]]]]"}, {nested(11, 1), {}, "none"},
+        {nested(11, 1), 20, "[[[[[[[[[[[1]]]]]]]]]]]"}, {nested(1, 1), 0, "none"},
+        {nested(1, NSNull()), 0, "none"},             {Array{Any()}, 0, "[null]"},  // absent
+        {nested(1, Array{}), 1, "[[]]"},              {"x", 0, "x"}};
+    // clang-format on
+    for (const auto& [json, depth, text] : cases) EXPECT_EQ(written(json, depth), text);
+    for (const JSON& json : {JSON("x"), nested(1, 1)})
+        EXPECT_EQ(written(json, -1),
+                  "noneCould not serialize object to JSON because: Element too deep. Increase "
+                  "maxObjectDepth and make sure there is no reference loop\n");
+}
+
+TEST(JSONTextTest, MergingIsDeepAndTheOtherSideWins) {
+    // clang-format off
+    const char* cases[][3] = {
+        {R"({"a":1,"b":[1]})", R"({"b":[2],"c":{"d":0}})", R"({"a":1,"b":[1,2],"c":{"d":0}})"},
+        {R"({"a":1})", R"({"a":"s"})", R"({"a":"s"})"},     {"1", "2.5", "2.5"},
+        {R"({"a":{"x":1,"y":{"z":[1]}},"b":1})", R"({"a":{"y":{"z":[2],"n":null}},"b":{"c":1}})",
+         R"({"a":{"x":1,"y":{"z":[1,2],"n":null}},"b":{"c":1}})"},
+        {R"({"a":[[1]]})", R"({"a":[[2]],"b":null})", R"({"a":[[1],[2]],"b":null})"},
+        {"[1]", "[[2],3]", "[1,[2],3]"},                    {"null", "null", "null"},
+        {R"({"a":{"b":1}})", R"({"a":{}})", R"({"a":{"b":1}})"}};
+    // clang-format on
+    for (const auto& [mine, other, merged] : cases) {
+        const JSON before = JSON::parse(mine);
+        EXPECT_EQ(compact(before.merged(JSON::parse(other))), merged);
+        EXPECT_EQ(compact(before.detached().merged(JSON::parse(other).detached())), merged);
+        EXPECT_EQ(compact(before), mine);
+    }
+    JSON json = 1;
+    for (const JSON& other : {JSON("x"), JSON(true), JSON()})
+        EXPECT_EQ(errorOf([&] { json.merge(other); }),
+                  jsonError(901, "Couldn't merge, because the JSONs differ in type on top level."));
+    EXPECT_EQ(compact(json), "1");
+
+    JSON twice = JSON::parse(R"({"a":{"b":[1,{"c":2}]},"d":3})");
+    twice.merge(twice);
+    twice.merge(twice["a"]);
+    EXPECT_EQ(compact(twice),
+              R"({"a":{"b":[1,{"c":2},1,{"c":2}]},"d":3,"b":[1,{"c":2},1,{"c":2}]})");
+    JSON objects(Dictionary{{"a", Array{NSError("", 0)}}, {"o", 1}});
+    objects.merge(Dictionary{{"a", Array{Data::fromText("[2]")}}, {"o", NSError("", 0)}});
+    EXPECT_EQ(compact(objects), R"({"a":[null,[2]],"o":null})");
+}
+
+TEST(JSONTextTest, ComparesWithinOneType) {
+    const JSON unknown(NSError("", 0));
+    // clang-format off
+    const struct { JSON left; const char* signs; JSON right; } cases[] = {
+        {1, "< <=", 2},           {1, "== <= >=", 1.0},      {UINT64_MAX, "> >=", -1},
+        {"a", "< <=", "b"},       {"10", "< <=", "9"},       {"Z", "< <=", "a"},
+        {"a", "< <=", "aa"},      {"é", "> >=", "z"},        {"x", "== <= >=", "x"},
+        {false, "", true},        {true, "== <= >=", true},  {JSON(), "== <= >=", Any()},
+        {JSON::arrayOf(1), "", JSON::arrayOf(2)},
+        {JSON::arrayOf(1, true), "== <= >=", JSON::arrayOf(1.0, 1)},
+        {JSON::parse(R"({"a":1,"b":[2]})"), "== <= >=", JSON::parse(R"({"b":[2],"a":1})")},
+        {JSON{{"a", 1}}, "", JSON{{"a", 2}}},                {unknown, "", unknown},
+        {true, "", 1},            {1, "", "1"},              {JSON(), "", false}};
+    // clang-format on
+    for (const auto& [left, signs, right] : cases) {
+        SCOPED_TRACE(left.description() + " and " + right.description());
+        std::istringstream list(signs);
+        const std::set<std::string> wanted{std::istream_iterator<std::string>(list), {}};
+        const auto has = [&](const char* sign) { return wanted.contains(sign); };
+        EXPECT_EQ(left == right, has("=="));
+        EXPECT_EQ(left != right, !has("=="));
+        EXPECT_EQ(left < right, has("<"));
+        EXPECT_EQ(left <= right, has("<="));
+        EXPECT_EQ(left > right, has(">"));
+        EXPECT_EQ(left >= right, has(">="));
+        EXPECT_TRUE(left != right || left.hash() == right.hash());
+    }
+    const NSNumber yes = true;
+    EXPECT_TRUE(yes != 1 && yes == NSNumber(true) && yes > NSNumber(false) && NSNumber(1) >= 0.5);
+    EXPECT_FALSE(yes == 1 || yes < 2 || yes > 0 || yes <= 1 || yes >= 1);
+}
+
+TEST(JSONTextTest, DepthCostsNoDepthOfCalls) {
+    constexpr int depth = 200000;
+    const auto built = [](const JSON& innermost) {
+        JSON json = innermost;
+        for (int i = 0; i < depth; ++i)
+            json = i % 2 ? JSON{{"k", json}} : JSON{{"k", json}, {"n", 1}};
+        return json;
+    };
+    JSON json = built(JSON::arrayOf("a text that needs memory"));
+    JSON copy = json.detached();
+    EXPECT_TRUE(json == copy && copy.hash() == json.hash());
+    json.merge(built(JSON::arrayOf(2)));
+    EXPECT_FALSE(json == copy);
+    EXPECT_THROW((void)json.rawData(), NSError);
+    EXPECT_FALSE(json.rawString());
+    const auto text = json.rawString({{castNilToNSNull, true}, {maxObjextDepth, INT64_MAX}});
+    ASSERT_TRUE(text);
+    EXPECT_NE(text->find(R"({"k": ["a text that needs memory",2],"n": 1})"), std::string::npos);
+
+    JSONPath path;
+    for (int i = 0; i < depth; ++i) path.append("k");
+    json[path] = "innermost";
+    EXPECT_EQ(json[path], "innermost");
+    EXPECT_EQ(copy[path][0], "a text that needs memory");
+}
+
+TEST(JSONTextTest, GlobalDataTakesDictionariesOnly) {
+    EXPECT_EQ(InkoraGlobalData::convertToDictionary(R"({"a":1})"), (Dictionary{{"a", 1}}));
+    testing::internal::CaptureStdout();
+    for (const char* text : {"[1]", "{\"\xFF\":1}"})
+        EXPECT_FALSE(InkoraGlobalData::convertToDictionary(text));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    testing::internal::CaptureStdout();
+    for (const char* text : {"", "5", "{"})
+        EXPECT_FALSE(InkoraGlobalData::convertToDictionary(text));
+    const std::string reasons = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(std::count(reasons.begin(), reasons.end(), '\n'), 3);
+}
+
+}  // namespace
+}  // namespace InkoraKit
