@@ -85,8 +85,7 @@ class INKORA_EXPORT JSON {
 public:
     /// Null.
     JSON() noexcept = default;
-    JSON(const JSON& other)
-        : value_(other.value_), aside_(other.aside_ ? copyOf(*other.aside_) : nullptr) {}
+    JSON(const JSON& other) noexcept = default;
     JSON(JSON&& other) noexcept = default;
     ~JSON() = default;
 
@@ -137,7 +136,7 @@ public:
     bool exists() const noexcept;
 
     /// Assigning replaces the whole value. For the result of a subscript see `JSONPlace`.
-    JSON& operator=(const JSON& other) & { return *this = JSON(other); }
+    JSON& operator=(const JSON& other) & noexcept = default;
     JSON& operator=(JSON&& other) & noexcept = default;
 
     // Reading and writing by type. The plain forms are empty when the type does not fit. The forms
@@ -246,12 +245,12 @@ public:
     /// The element or member. On a value that may change, assigning to the result writes it.
     template <JSONSubscriptType Step>
     JSON operator[](const Step& step) const& {
-        const Any* const found = element(value_, simple(step));
+        const Any* const found = element(contents(), simple(step));
         return isPlain(found) ? JSON(Plain(), *found) : unusual(found, stepOf(simple(step)));
     }
     template <JSONSubscriptType Step>
     JSON operator[](const Step& step) && {
-        const Any* const found = element(value_, simple(step));
+        const Any* const found = element(contents(), simple(step));
         return isPlain(found) ? JSON(Plain(), std::move(value_), *found)
                               : unusual(found, stepOf(simple(step)));
     }
@@ -344,17 +343,19 @@ private:
     friend class JSONPlace;
     friend class JSONMemberIterator;
 
-    /// What only few values have: why a subscript gave this null, and the array that the value was
-    /// last.
-    struct INKORA_EXPORT Aside {
-        std::int64_t code = 0;  // of the error; 0 without one
-        JSONKey step = 0;       // that failed
-        Any formerArray;        // an array, or absent
-    };
-    struct INKORA_EXPORT AsideDeleter {
-        void operator()(Aside* aside) const noexcept;
-    };
-    static std::unique_ptr<Aside, AsideDeleter> copyOf(const Aside& aside);
+    /// What only few values have, kept as an object in place of the value: why a subscript gave a
+    /// null, and the array that the value was last.
+    struct Aside;
+
+    /// What the value is.
+    const Any& contents() const noexcept {
+        return value_.slot().tag() == AnySlot::object ? contentsOfObject() : value_;
+    }
+    const Any& contentsOfObject() const noexcept;
+    const Aside* aside() const noexcept;
+    /// Takes out what stands aside for as long as the contents change.
+    Any takeFormerArray();
+    void putFormerArray(Any formerArray);
 
     /// A step as the one or the other of two types.
     template <JSONSubscriptType T>
@@ -390,9 +391,13 @@ private:
     /// The same as a `JSON` shows it, which `converted` keeps alive if it is not in the container.
     static const Any* element(const Any& container, const Step& step, JSON& converted);
 
-    /// Whether a `JSON` made of what was found holds just that.
+    /// Whether a `JSON` made of what was found in a container holds just that. What is not counted
+    /// there comes from a text, and therefore does.
     static bool isPlain(const Any* found) noexcept {
-        return found && found->slot().tag() != AnySlot::object && !found->slot().startsWithObject();
+        if (!found) return false;
+        const AnySlot& slot = found->slot();
+        if (slot.tag() < AnySlot::array) return true;
+        return slot.isContainer() && (!slot.isCounted() || !slot.startsWithObject());
     }
     struct Plain {};
     JSON(Plain, const Any& value) noexcept : value_(value) {}
@@ -433,8 +438,9 @@ private:
     }
 
     Any value_;  // absent means null
-    std::unique_ptr<Aside, AsideDeleter> aside_;
 };
+
+static_assert(sizeof(JSON) == sizeof(Any));  // so that elements can be shown where they are
 
 /// What a subscript gives on a `JSON` that may change: the value, and within the same expression
 /// the place that it came from. Assigning to it there writes to that place; kept in a variable it
@@ -465,7 +471,7 @@ public:
     using JSON::operator[];
     template <JSONSubscriptType NextStep>
     JSONPlace operator[](const NextStep& step) && {
-        return JSONPlace(std::move(*this), element(value_, simple(step)), stepOf(simple(step)));
+        return JSONPlace(std::move(*this), element(contents(), simple(step)), stepOf(simple(step)));
     }
 
     void setObject(Any object) && {
@@ -508,7 +514,7 @@ private:
 
 template <JSONSubscriptType StepType>
 JSONPlace JSON::operator[](const StepType& step) & {
-    return JSONPlace(*this, element(value_, simple(step)), stepOf(simple(step)));
+    return JSONPlace(*this, element(contents(), simple(step)), stepOf(simple(step)));
 }
 
 /// The key of an element or member that iteration shows: of an array the position in decimal.
@@ -529,6 +535,8 @@ public:
 
 private:
     friend class JSONMemberIterator;
+    explicit JSONMemberKey(const Any& text) noexcept { text_.borrow(text); }
+    explicit JSONMemberKey(std::int64_t position) noexcept : position_(position) {}
     std::string_view positionText() const noexcept;
 
     Any text_;                    // of a member; absent for an element
@@ -537,10 +545,19 @@ private:
     mutable std::array<char, 20> digits_;  // of the position, once somebody asks for them
 };
 
-/// An element or member as iteration shows it.
+/// An element or member, which it keeps.
 struct JSONMember {
     JSONMemberKey key;
     JSON value;
+};
+
+/// An element or member as iteration shows it: where it is, until the iterator moves on. Copies of
+/// its value live on their own.
+struct JSONMemberReference {
+    JSONMemberKey key;
+    const JSON& value;
+
+    operator JSONMember() const { return {key, value}; }
 };
 
 /// Goes through the contents that a value has when the iterator is made. An iterator of a value
@@ -550,17 +567,26 @@ public:
     using iterator_category = std::input_iterator_tag;
     using value_type = JSONMember;
     using difference_type = std::ptrdiff_t;
-    using reference = const JSONMember&;
-    using pointer = const JSONMember*;
+    using reference = JSONMemberReference;
+    struct pointer {
+        const JSONMemberReference* operator->() const noexcept { return &member; }
+        JSONMemberReference member;
+    };
 
     JSONMemberIterator() = default;
 
-    /// What is shown lives until the iterator moves on; a copy lives on its own.
-    const JSONMember& operator*() const noexcept { return current_; }
-    const JSONMember* operator->() const noexcept { return &current_; }
-    JSONMemberIterator& operator++() {
+    JSONMemberReference operator*() const {
+        const Any& value = next_[hasKeys_ ? 1 : 0];
+        const JSON& shown =
+            JSON::isPlain(&value) ? reinterpret_cast<const JSON&>(value) : converted(value);
+        return hasKeys_ ? JSONMemberReference{JSONMemberKey(*next_), shown}
+                        : JSONMemberReference{JSONMemberKey(position_), shown};
+    }
+    pointer operator->() const { return {**this}; }
+    JSONMemberIterator& operator++() noexcept {
         --remaining_;
-        show();
+        ++position_;
+        next_ += hasKeys_ ? 2 : 1;
         return *this;
     }
     JSONMemberIterator operator++(int) {
@@ -588,36 +614,21 @@ private:
         next_ = reinterpret_cast<const Any*>(slot.pointer());
         remaining_ = slot.header().count;
         hasKeys_ = slot.tag() == AnySlot::dictionary;
-        show();
     }
 
-    /// Shows the next element or member, borrowed from `container_`.
-    void show() {
-        if (remaining_ == 0) return;
-        if (hasKeys_) {
-            current_.key.text_.borrow(*next_++);
-        } else {
-            ++current_.key.position_;
-            current_.key.digitCount_ = 0;
-        }
-        const Any& value = *next_++;
-        if (value.slot().tag() < AnySlot::array) {
-            current_.value.value_.borrow(value);
-        } else {
-            showNested(value);
-        }
-    }
-    void showNested(const Any& value);
+    /// What is shown of something that has to be converted.
+    const JSON& converted(const Any& value) const;
 
     Any container_;
     const Any* next_ = nullptr;
     std::size_t remaining_ = 0;
+    std::int64_t position_ = 0;
     bool hasKeys_ = false;
-    JSONMember current_;
+    mutable JSON converted_;
 };
 
 inline JSON::const_iterator JSON::begin() const {
-    return JSONMemberIterator(value_);
+    return JSONMemberIterator(contents());
 }
 
 inline JSON::const_iterator JSON::end() const noexcept {
@@ -625,20 +636,22 @@ inline JSON::const_iterator JSON::end() const noexcept {
 }
 
 inline std::size_t JSON::count() const noexcept {
-    return value_.slot().isContainer() ? value_.slot().header().count : 0;
+    const AnySlot& slot = contents().slot();
+    return slot.isContainer() ? slot.header().count : 0;
 }
 
 inline Type JSON::type() const noexcept {
-    constexpr std::array types{
+    static constexpr std::array types{
         Type::null,    Type::null,   Type::bool_,  Type::number,     Type::number, Type::number,
         Type::number,  Type::number, Type::number, Type::number,     Type::string, Type::string,
         Type::unknown, Type::number, Type::array,  Type::dictionary, Type::unknown};
     static_assert(types.size() == AnySlot::object + 1);
-    return types[value_.slot().tag()];
+    return types[contents().slot().tag()];
 }
 
 inline std::string_view JSON::stringView() const& noexcept {
-    return value_.slot().isText() ? value_.slot().text() : std::string_view();
+    const AnySlot& slot = contents().slot();
+    return slot.isText() ? slot.text() : std::string_view();
 }
 
 inline std::int64_t JSON::intValue() const {

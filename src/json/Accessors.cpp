@@ -9,7 +9,7 @@ namespace InkoraKit {
 
 std::optional<std::vector<JSON>> JSON::array() const {
     if (type() != Type::array) return std::nullopt;
-    const auto elements = Storage::elements(value_);
+    const auto elements = Storage::elements(contents());
     return std::vector<JSON>(elements.begin(), elements.end());
 }
 
@@ -18,7 +18,7 @@ std::vector<JSON> JSON::arrayValue() const {
 }
 
 std::optional<Array> JSON::arrayObject() const {
-    return value_.as<Array>();
+    return contents().as<Array>();
 }
 
 void JSON::setArrayObject(const std::optional<Array>& value) & {
@@ -28,7 +28,7 @@ void JSON::setArrayObject(const std::optional<Array>& value) & {
 std::optional<std::map<std::string, JSON, std::less<>>> JSON::dictionary() const {
     if (type() != Type::dictionary) return std::nullopt;
     std::map<std::string, JSON, std::less<>> result;
-    for (const MemberSlots& member : Storage::members(value_))
+    for (const MemberSlots& member : Storage::members(contents()))
         result.emplace(member.key.text(), JSON(Storage::asAny(member.value)));
     return result;
 }
@@ -38,7 +38,7 @@ std::map<std::string, JSON, std::less<>> JSON::dictionaryValue() const {
 }
 
 std::optional<Dictionary> JSON::dictionaryObject() const {
-    return value_.as<Dictionary>();
+    return contents().as<Dictionary>();
 }
 
 void JSON::setDictionaryObject(const std::optional<Dictionary>& value) & {
@@ -47,7 +47,7 @@ void JSON::setDictionaryObject(const std::optional<Dictionary>& value) & {
 
 std::optional<bool> JSON::bool_() const noexcept {
     if (type() != Type::bool_) return std::nullopt;
-    return Storage::slot(value_).truth();
+    return Storage::slot(contents()).truth();
 }
 
 void JSON::setBool(std::optional<bool> value) & {
@@ -69,11 +69,11 @@ bool isWord(std::string_view text, std::string_view word) {
 bool JSON::boolValue() const {
     switch (type()) {
         case Type::bool_:
-            return Storage::slot(value_).truth();
+            return Storage::slot(contents()).truth();
         case Type::number:
-            return Storage::number(value_).boolValue();
+            return Storage::number(contents()).boolValue();
         case Type::string: {
-            const std::string_view text = Storage::text(value_);
+            const std::string_view text = Storage::text(contents());
             return isWord(text, "true") || isWord(text, "y") || isWord(text, "t");
         }
         default:
@@ -87,7 +87,7 @@ void JSON::setBoolValue(bool value) & {
 
 std::optional<std::string> JSON::string() const {
     if (type() != Type::string) return std::nullopt;
-    return std::string(Storage::text(value_));
+    return std::string(Storage::text(contents()));
 }
 
 void JSON::setString(const std::optional<std::string>& value) & {
@@ -97,11 +97,11 @@ void JSON::setString(const std::optional<std::string>& value) & {
 std::string JSON::stringValue() const {
     switch (type()) {
         case Type::string:
-            return std::string(Storage::text(value_));
+            return std::string(Storage::text(contents()));
         case Type::number:
-            return Storage::number(value_).stringValue();
+            return Storage::number(contents()).stringValue();
         case Type::bool_:
-            return Storage::slot(value_).truth() ? "true" : "false";
+            return Storage::slot(contents()).truth() ? "true" : "false";
         default:
             return {};
     }
@@ -124,13 +124,13 @@ void JSON::setNumber(const std::optional<NSNumber>& value) & {
 NSNumber JSON::numberValue() const {
     switch (type()) {
         case Type::string: {
-            const NSDecimalNumber decimal(Storage::text(value_));
+            const NSDecimalNumber decimal(Storage::text(contents()));
             return decimal.isNaN() ? NSDecimalNumber::zero() : decimal;
         }
         case Type::number:
-            return Storage::number(value_);
+            return Storage::number(contents());
         case Type::bool_:
-            return std::int64_t{Storage::slot(value_).truth()};
+            return std::int64_t{Storage::slot(contents()).truth()};
         default:
             return 0.0;
     }
@@ -146,7 +146,7 @@ std::optional<NSNull> JSON::null() const noexcept {
 
 std::optional<URL> JSON::url() const {
     if (type() != Type::string) return std::nullopt;
-    const std::string_view text = Storage::text(value_);
+    const std::string_view text = Storage::text(contents());
     if (hasPercentEscape(text)) return URL::fromString(text);  // and escaping twice would spoil it
     const auto escaped = addingPercentEncodingForQuery(text);
     return escaped ? URL::fromString(*escaped) : std::nullopt;

@@ -42,22 +42,19 @@ std::pair<std::string, JSON> JSON::operator[](const Index& position) const {
         return index && type() == container && static_cast<std::uint64_t>(*index) < count();
     };
     if (const auto index = position.arrayPosition(); isWithin(index, Type::array)) {
-        const Any& element = Storage::elements(value_)[static_cast<std::size_t>(*index)];
+        const Any& element = Storage::elements(contents())[static_cast<std::size_t>(*index)];
         return {std::to_string(*index), JSON(element)};
     }
     if (const auto index = position.dictionaryPosition(); isWithin(index, Type::dictionary)) {
-        const MemberSlots& member = Storage::members(value_)[static_cast<std::size_t>(*index)];
+        const MemberSlots& member = Storage::members(contents())[static_cast<std::size_t>(*index)];
         return {std::string(member.key.text()), JSON(Storage::asAny(member.value))};
     }
     return {};
 }
 
-void JSONMemberIterator::showNested(const Any& value) {
-    if (mayBeConverted(value)) {
-        current_.value = JSON(value);
-    } else {
-        current_.value.value_.borrow(value);
-    }
+const JSON& JSONMemberIterator::converted(const Any& value) const {
+    converted_ = JSON(value);
+    return converted_;
 }
 
 std::string_view JSONMemberKey::positionText() const noexcept {

@@ -12,7 +12,7 @@ bool operator==(const JSON& left, const JSON& right) {
         case Type::unknown:
             return false;
         default:
-            return left.value_ == right.value_;
+            return left.contents() == right.contents();
     }
 }
 
@@ -20,9 +20,9 @@ bool operator<(const JSON& left, const JSON& right) {
     if (left.type() != right.type()) return false;
     switch (left.type()) {
         case Type::number:
-            return Storage::number(left.value_) < Storage::number(right.value_);
+            return Storage::number(left.contents()) < Storage::number(right.contents());
         case Type::string:
-            return Storage::text(left.value_) < Storage::text(right.value_);
+            return Storage::text(left.contents()) < Storage::text(right.contents());
         default:
             return false;
     }
@@ -33,7 +33,7 @@ bool operator<=(const JSON& left, const JSON& right) {
 }
 
 std::size_t JSON::hash() const {
-    return type() == Type::null ? Any(NSNull()).hash() : value_.hash();
+    return type() == Type::null ? Any(NSNull()).hash() : contents().hash();
 }
 
 }  // namespace InkoraKit

@@ -1,5 +1,6 @@
 #include <InkoraKit/JSON.h>
 
+#include "Aside.h"
 #include "platform/foundation/Storage.h"
 
 namespace InkoraKit {
@@ -64,9 +65,12 @@ Any detachedCopy(const Any& original) {
 }  // namespace
 
 JSON JSON::detached() const {
-    JSON result = *this;
-    result.value_ = detachedCopy(value_);
-    if (aside_) result.aside_->formerArray = detachedCopy(aside_->formerArray);
+    JSON result;
+    result.value_ = detachedCopy(contents());
+    const Aside* const aside = this->aside();
+    if (!aside) return result;
+    result.value_ =
+        Aside{result.value_, aside->code, aside->step, detachedCopy(aside->formerArray)};
     return result;
 }
 

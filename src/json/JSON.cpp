@@ -1,5 +1,6 @@
 #include <InkoraKit/JSON.h>
 
+#include "Aside.h"
 #include "Conversion.h"
 #include "JSONError.h"
 #include "platform/foundation/Storage.h"
@@ -45,17 +46,33 @@ std::optional<JSON> JSON::fromRawValue(const Any& object) {
 
 Any JSON::object() const {
     const Type type = this->type();
-    return type == Type::null || type == Type::unknown ? Any(NSNull()) : value_;
+    return type == Type::null || type == Type::unknown ? Any(NSNull()) : contents();
+}
+
+const JSON::Aside* JSON::aside() const noexcept {
+    return value_.slot().tag() == AnySlot::object ? value_.as<Aside>() : nullptr;
+}
+
+const Any& JSON::contentsOfObject() const noexcept {
+    const Aside* const aside = this->aside();
+    return aside ? aside->contents : value_;
+}
+
+Any JSON::takeFormerArray() {
+    const Aside* const aside = this->aside();
+    if (!aside) return {};
+    Any formerArray = aside->formerArray;
+    value_ = Any(aside->contents);
+    return formerArray;
+}
+
+void JSON::putFormerArray(Any formerArray) {
+    if (formerArray.hasValue()) value_ = Aside{std::move(value_), 0, 0, std::move(formerArray)};
 }
 
 void JSON::setObject(Any object) & {
-    Any formerArray;
-    if (Storage::tag(value_) == AnySlot::array) {
-        formerArray = std::move(value_);
-    } else if (aside_) {
-        formerArray = std::move(aside_->formerArray);
-    }
-    aside_.reset();
+    Any formerArray = takeFormerArray();
+    if (Storage::tag(value_) == AnySlot::array) formerArray = std::move(value_);
 
     if (isArrayOfJSON(object)) {
         value_ = formerArray.hasValue() ? formerArray : Storage::emptyArray();
@@ -64,8 +81,7 @@ void JSON::setObject(Any object) & {
     } else {
         value_ = std::move(object);
     }
-    if (formerArray.hasValue() && Storage::tag(value_) != AnySlot::array)
-        aside_.reset(new Aside{.formerArray = std::move(formerArray)});
+    if (Storage::tag(value_) != AnySlot::array) putFormerArray(std::move(formerArray));
 }
 
 namespace {
@@ -94,20 +110,14 @@ std::string errorText(std::int64_t code, const JSONKey& step) {
 std::optional<NSError> JSON::error() const {
     if (type() == Type::unknown)
         return jsonError(ErrorUnsupportedType, errorText(ErrorUnsupportedType, 0));
-    if (!aside_ || aside_->code == 0) return std::nullopt;
-    return jsonError(aside_->code, errorText(aside_->code, aside_->step));
+    const Aside* const aside = this->aside();
+    if (!aside || aside->code == 0) return std::nullopt;
+    return jsonError(aside->code, errorText(aside->code, aside->step));
 }
 
 bool JSON::exists() const noexcept {
-    return !aside_ || aside_->code == 0 || aside_->code == ErrorUnsupportedType;
-}
-
-void JSON::AsideDeleter::operator()(Aside* aside) const noexcept {
-    delete aside;
-}
-
-std::unique_ptr<JSON::Aside, JSON::AsideDeleter> JSON::copyOf(const Aside& aside) {
-    return std::unique_ptr<Aside, AsideDeleter>(new Aside(aside));
+    const Aside* const aside = this->aside();
+    return !aside || aside->code == 0 || aside->code == ErrorUnsupportedType;
 }
 
 }  // namespace InkoraKit

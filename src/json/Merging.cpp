@@ -67,15 +67,18 @@ void JSON::merge(const JSON& other) & {
     if (type() != other.type())
         throw jsonError(ErrorWrongType,
                         "Couldn't merge, because the JSONs differ in type on top level.");
-    const Any others = other.value_;  // which may be what changes
-    switch (type()) {
-        case Type::dictionary:
-            return mergeDictionaries(value_, others);
-        case Type::array:
-            return appendElements(value_, others);
-        default:
-            *this = other;
+    const Any others = other.contents();  // which may be what changes
+    if (type() != Type::dictionary && type() != Type::array) {
+        *this = other;
+        return;
     }
+    Any formerArray = takeFormerArray();
+    if (type() == Type::dictionary) {
+        mergeDictionaries(value_, others);
+    } else {
+        appendElements(value_, others);
+    }
+    putFormerArray(std::move(formerArray));
 }
 
 JSON JSON::merged(const JSON& other) const {

@@ -1,5 +1,6 @@
 #include <InkoraKit/JSON.h>
 
+#include "Aside.h"
 #include "Conversion.h"
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Storage.h"
@@ -18,7 +19,7 @@ const Any* JSON::element(const Any& container, const Step& step, JSON& converted
     const Any* const found = element(container, step);
     if (!found || isPlain(found)) return found;
     converted = JSON(*found);
-    return &converted.value_;
+    return &converted.contents();
 }
 
 JSON JSON::unusual(const Any* found, const Step& step) const {
@@ -27,12 +28,12 @@ JSON JSON::unusual(const Any* found, const Step& step) const {
 
 JSON JSON::atPath(const JSONPath& path) const {
     if (path.empty()) return *this;
-    const Any* place = &value_;
+    const Any* place = &contents();
     JSON converted;
     for (const JSONKey& key : path) {
         const Any* const next = element(*place, stepFrom(key), converted);
         if (!next) {
-            if (place == &value_) return missing(stepFrom(key));
+            if (place == &contents()) return missing(stepFrom(key));
             JSON container;
             container.value_ = *place;
             return container.missing(stepFrom(key));
@@ -47,8 +48,9 @@ JSON JSON::atPath(const JSONPath& path) const {
 /// Null, with the error that this value has already, or else the one of the step.
 JSON JSON::missing(const Step& step) const {
     JSON result;
-    if (aside_ && aside_->code != 0) {
-        result.aside_.reset(new Aside{aside_->code, aside_->step, {}});
+    if (const Aside* const aside = this->aside(); aside && aside->code != 0) {
+        result.value_ = Aside{
+            .contents = NSNull(), .code = aside->code, .step = aside->step, .formerArray = {}};
         return result;
     }
     const bool isIndex = step.kind == Step::Kind::index;
@@ -56,7 +58,10 @@ JSON JSON::missing(const Step& step) const {
     if (type() == Type::unknown) code = ErrorUnsupportedType;
     if (type() == Type::array && isIndex) code = ErrorIndexOutOfBounds;
     if (type() == Type::dictionary && !isIndex) code = ErrorNotExist;
-    result.aside_.reset(new Aside{code, isIndex ? JSONKey(step.index) : JSONKey(step.key), {}});
+    result.value_ = Aside{.contents = NSNull(),
+                          .code = code,
+                          .step = isIndex ? JSONKey(step.index) : JSONKey(step.key),
+                          .formerArray = {}};
     return result;
 }
 
@@ -71,7 +76,7 @@ JSONPlace JSON::operator[](const JSONPath& path) & {
 /// Writes where the steps lead to, or does nothing: everything before the last step has to be
 /// there, and the last step has to be one that can be taken.
 void JSON::write(std::span<const Step> steps, Any object) {
-    const Any* place = &value_;
+    const Any* place = &contents();
     JSON converted;
     for (const Step& step : steps.first(steps.size() - 1)) {
         place = element(*place, step, converted);
@@ -91,12 +96,14 @@ void JSON::write(std::span<const Step> steps, Any object) {
         if (step.kind == Step::Kind::key) return Storage::writableMember(container, step.key);
         return Storage::writableElement(container, static_cast<std::size_t>(step.index));
     };
+    Any formerArray = takeFormerArray();
     Any* target = &value_;
     for (const Step& step : steps.first(steps.size() - 1)) {
         target = &placeIn(*target, step);
         if (!isPlain(target)) *target = JSON(*target).value_;
     }
     placeIn(*target, last) = std::move(object);
+    putFormerArray(std::move(formerArray));
 }
 
 void JSONPlace::write(JSON value) {

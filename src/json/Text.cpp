@@ -67,14 +67,14 @@ Data JSON::rawData(WritingOptions options) const {
     const auto invalid = [] { return jsonError(ErrorInvalidJSON, "JSON is invalid"); };
     if (!isContainer(*this)) throw invalid();
     try {
-        return JSONSerialization::data(value_, options);
+        return JSONSerialization::data(contents(), options);
     } catch (const NSError&) {
         throw invalid();
     }
 }
 
 std::optional<std::string> JSON::rawString(StringEncoding encoding, WritingOptions options) const {
-    return isContainer(*this) ? containerText(value_, encoding, options) : leafText(*this);
+    return isContainer(*this) ? containerText(contents(), encoding, options) : leafText(*this);
 }
 
 std::optional<std::string> JSON::rawString(
@@ -88,7 +88,7 @@ std::optional<std::string> JSON::rawString(
         return std::nullopt;
     }
     if (isContainer(*this) && JSON(option(options, castNilToNSNull)).bool_() == true)
-        return textCastingNilToNull(value_, mostNested);
+        return textCastingNilToNull(contents(), mostNested);
     return rawString(enumerator(option(options, encoding), StringEncoding::utf8),
                      enumerator(option(options, jsonSerialization), WritingOptions::prettyPrinted));
 }

@@ -15,7 +15,7 @@ namespace InkoraKit {
 /// have a hash table of their positions besides, so that the time does not grow with their number.
 namespace DictionaryIndex {
 
-constexpr std::uint32_t mostWithoutFingerprints = 8;
+constexpr std::uint32_t mostWithoutFingerprints = 16;
 constexpr std::uint32_t mostWithoutTable = 64;
 
 /// The bytes that the members and their index take together.

@@ -174,6 +174,13 @@ void removeRepeatedKeys(std::byte* node) {
     DictionaryIndex::build(members, header);
 }
 
+/// Whether that is how many members the dictionary has, and also how many it has room for: one that
+/// had repeated keys has more, and its index is laid out for them.
+bool isFull(const MemberSlots* members, std::size_t count) {
+    const NodeHeader& header = reinterpret_cast<const NodeHeader*>(members)[-1];
+    return header.count == count && header.capacity == count;
+}
+
 std::byte* newNode(std::byte* room, std::size_t count, Region* region) {
     const auto number = static_cast<std::uint32_t>(count);
     new (room) NodeHeader{number, number, region};
@@ -416,11 +423,14 @@ const char* JSONReader::readDocument(const char* text) {
     opened.isAsHinted = opened.hint != nullptr;
 }
 
-/// @param text how far the document has been read, from which the region tells how much is to come
+/// How much is left to read, as a multiple of what has been read.
+double JSONReader::toCome(const char* text) const noexcept {
+    return static_cast<double>(end_ - text) / static_cast<double>(offsetOf(text) + 1);
+}
+
 [[gnu::always_inline]] inline std::byte* JSONReader::allocate(const char* text, std::size_t size) {
     if (!region_->hasRoom(size)) [[unlikely]]
-        region_->addPiece(
-            size, static_cast<double>(end_ - text) / static_cast<double>(offsetOf(text) + 1));
+        region_->addPiece(size, toCome(text));
     return region_->take(size);
 }
 
@@ -451,7 +461,7 @@ const char* JSONReader::readDocument(const char* text) {
     bool isRepeating = false;
     if (!hasIndex) {
         isRepeating = !frame.isAsHinted && count > 1 && haveRepeatedKey(members, count);
-    } else if (frame.isAsHinted && count == frame.hintCount) {
+    } else if (frame.isAsHinted && isFull(frame.hint, count)) {
         // The same keys in the same order have the same index.
         std::memcpy(node + memberSize, reinterpret_cast<const std::byte*>(frame.hint) + memberSize,
                     size - memberSize);
@@ -476,8 +486,14 @@ const char* JSONReader::readDocument(const char* text) {
         return static_cast<std::uint32_t>(std::countr_one(equal)) >= size && text[1 + size] == '"';
     }
     const std::uint32_t size = key.size();
-    return static_cast<std::size_t>(end_ - text) > size + 1 && text[1 + size] == '"' &&
-           std::memcmp(text + 1, key.pointer(), size) == 0;
+    if (static_cast<std::size_t>(end_ - text) <= size + 1 || text[1 + size] != '"') return false;
+    // Two looks at sixteen bytes, which may overlap, are enough for nearly every key.
+    const std::byte* const expected = key.pointer();
+    if (size < 16 || size > 32) return std::memcmp(text + 1, expected, size) == 0;
+    const auto isSame = [&](std::size_t offset) {
+        return Bytes16::load(text + 1 + offset).equalTo(Bytes16::load(expected + offset)) == 0xFFFF;
+    };
+    return isSame(0) && isSame(size - 16);
 }
 
 /// @return the value after the key
@@ -529,6 +545,8 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
     constexpr std::size_t step = 16;
     constexpr std::size_t mostAtOnce = 3 * step;
     RegionText result(*region_, mostAtOnce);
+    if (!result.hasRoom()) [[unlikely]]
+        result.grow(toCome(text));
     const char* from = text;
     std::uint32_t nonASCII = 0;
     for (;;) {
@@ -541,7 +559,8 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
             result.to += step;
             if (from >= limit_) [[unlikely]]
                 return nullptr;
-            result.makeRoom();
+            if (!result.hasRoom()) [[unlikely]]
+                result.grow(toCome(from));
             continue;
         }
         const int plain = std::countr_zero(specials);
@@ -561,7 +580,8 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
         }
         if (from >= limit_) [[unlikely]]
             return nullptr;
-        result.makeRoom();
+        if (!result.hasRoom()) [[unlikely]]
+            result.grow(toCome(from));
     }
     if (nonASCII != 0) {
         const std::string_view raw(text, static_cast<std::size_t>(from - text));

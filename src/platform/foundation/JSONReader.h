@@ -84,6 +84,7 @@ private:
 
     bool isExpectedKey(const char* text, const AnySlot& key) const;
     bool putDecimal(std::string_view numeral, AnySlot& slot);
+    double toCome(const char* text) const noexcept;
     std::byte* allocate(const char* text, std::size_t size);
 
     std::size_t offsetOf(const char* place) const noexcept {

@@ -12,10 +12,6 @@ namespace InkoraKit {
 
 namespace {
 
-bool isContainer(const AnySlot& slot) {
-    return slot.tag() == AnySlot::array || slot.tag() == AnySlot::dictionary;
-}
-
 bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
@@ -100,108 +96,138 @@ char* JSONWriter::fail(std::string_view reason) {
 
 bool JSONWriter::write(const Any& value, std::string& result) {
     const AnySlot& root = Storage::slot(value);
-    if (!isContainer(root) && !has(JSONSerialization::WritingOptions::allowFragments)) {
+    if (!root.isContainer() && !has(JSONSerialization::WritingOptions::allowFragments)) {
         fail("Invalid top-level type in JSON write");
         return false;
     }
     result_ = &result;
+    root_ = &root;
     char* const end = has(JSONSerialization::WritingOptions::prettyPrinted)
                           ? writeDocument<true>(root, buffer_.data())
                           : writeDocument<false>(root, buffer_.data());
-    if (end) flush(end);
+    if (end) result.append(buffer_.data(), static_cast<std::size_t>(end - buffer_.data()));
     return end != nullptr;
 }
 
 char* JSONWriter::flush(char* to) {
+    // A result that grows again and again is copied as often. Where indentation makes the most of
+    // it, counting beforehand takes less time.
+    if (result_->empty() && has(JSONSerialization::WritingOptions::prettyPrinted))
+        result_->reserve(expectedSize(*root_));
     result_->append(buffer_.data(), static_cast<std::size_t>(to - buffer_.data()));
     return buffer_.data();
 }
 
 template <bool isPretty>
 char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
-    const AnySlot* value = &root;
+    if (!root.isContainer()) return writeLeaf(root, to);
+    Frame frame = begun(root);
+    *to++ = frame.hasKeys ? '{' : '[';
+    bool isFirst = true;
     for (;;) {
-        if (frames_.size() == mostNested) return fail("Too many nested arrays or dictionaries");
-        to = isContainer(*value) ? open(*value, to) : writeLeaf(*value, to);
+        to = ensure(to, mostAtOnce);
+        if (frame.remaining == 0) {
+            if constexpr (isPretty) {
+                if (isFirst) *to++ = '\n';  // an empty one has a line of its own
+                to = breakLine(to, frames_.size());
+            }
+            *to++ = frame.hasKeys ? '}' : ']';
+            if (frames_.empty()) return to;
+            frame = frames_.back();
+            frames_.pop_back();
+            isFirst = false;
+            continue;
+        }
+        --frame.remaining;
+        *to = ',';
+        to += isFirst ? 0 : 1;
+        isFirst = false;
+        if constexpr (isPretty) to = breakLine(to, frames_.size() + 1);
+        const AnySlot* value = frame.next++;
+        if (frame.hasKeys) {
+            ++frame.next;
+            if (frame.isSorted) value = nextSorted();
+            if (!value->isText()) return writeLeaf(*value, to);  // which finds it at fault
+            to = writeText(*value++, to);
+            if constexpr (isPretty) {
+                std::memcpy(to, " : ", 3);
+                to += 3;
+            } else {
+                *to++ = ':';
+            }
+        }
+        if (frames_.size() + 1 == mostNested) return fail("Too many nested arrays or dictionaries");
+        if (value->isContainer()) {
+            frames_.push_back(frame);
+            frame = begun(*value);
+            *to++ = frame.hasKeys ? '{' : '[';
+            isFirst = true;
+            continue;
+        }
+        to = writeLeaf(*value, to);
         if (!to) return nullptr;
-        while (!frames_.empty() && frames_.back().remaining == 0) to = close<isPretty>(to);
-        if (frames_.empty()) return to;
-        to = lead<isPretty>(to, value);
     }
 }
 
-[[gnu::always_inline]] inline char* JSONWriter::open(const AnySlot& container, char* to) {
-    const std::uint32_t count = Storage::header(container).count;
+[[gnu::always_inline]] inline JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
     const bool hasKeys = container.tag() == AnySlot::dictionary;
     const bool isSorted = hasKeys && has(JSONSerialization::WritingOptions::sortedKeys);
-    frames_.push_back({reinterpret_cast<AnySlot*>(container.pointer()), count, hasKeys, isSorted});
     if (isSorted) sortMembers(container);
-    isFirst_ = true;
-    to = ensure(to, 1);
-    *to++ = hasKeys ? '{' : '[';
-    return to;
+    return {reinterpret_cast<AnySlot*>(container.pointer()), container.header().count, hasKeys,
+            isSorted};
 }
 
 void JSONWriter::sortMembers(const AnySlot& dictionary) {
     const auto* const members = reinterpret_cast<MemberSlots*>(dictionary.pointer());
     const std::size_t start = sorted_.size();
-    for (std::uint32_t i = Storage::header(dictionary).count; i-- > 0;)
-        sorted_.push_back(members + i);
+    for (std::uint32_t i = dictionary.header().count; i-- > 0;) sorted_.push_back(members + i);
     std::sort(sorted_.begin() + static_cast<std::ptrdiff_t>(start), sorted_.end(),
               [](const MemberSlots* l, const MemberSlots* r) { return isBefore(r, l); });
 }
 
-template <bool isPretty>
-[[gnu::always_inline]] inline char* JSONWriter::close(char* to) {
-    const char closing = frames_.back().hasKeys ? '}' : ']';
-    frames_.pop_back();
-    to = ensure(to, mostAtOnce);
-    if constexpr (isPretty) {
-        if (isFirst_) *to++ = '\n';  // an empty one has a line of its own
-        to = breakLine(to);
-    }
-    *to++ = closing;
-    isFirst_ = false;
-    return to;
+const AnySlot* JSONWriter::nextSorted() {
+    const MemberSlots* const member = sorted_.back();
+    sorted_.pop_back();
+    return &member->key;
 }
 
-/// Writes what leads to the next value of the innermost array or dictionary: comma and key.
-template <bool isPretty>
-[[gnu::always_inline]] inline char* JSONWriter::lead(char* to, const AnySlot*& value) {
-    Frame& frame = frames_.back();
-    to = ensure(to, mostAtOnce);
-    *to = ',';
-    to += isFirst_ ? 0 : 1;
-    isFirst_ = false;
-    if constexpr (isPretty) to = breakLine(to);
-    --frame.remaining;
-    if (!frame.hasKeys) {
-        value = frame.next++;
-        return to;
+/// About how long a pretty text will be. Escapes make it longer, short numbers shorter.
+std::size_t JSONWriter::expectedSize(const AnySlot& root) const {
+    const auto sizeOfLeaf = [](const AnySlot& leaf) -> std::size_t {
+        if (leaf.isText()) return leaf.text().size() + 2;
+        if (leaf.isInteger()) {
+            const auto magnitude = static_cast<std::uint64_t>(std::abs(leaf.integer() | 1));
+            return static_cast<std::size_t>(std::bit_width(magnitude)) * 3 / 10 + 2;
+        }
+        return leaf.tag() >= AnySlot::uint64 ? longestRealText / 2 + 1 : 5;
+    };
+    std::size_t size = 0;
+    std::vector<std::pair<const AnySlot*, std::size_t>> pending{{&root, 1}};  // with their depths
+    while (!pending.empty()) {
+        const auto [container, depth] = pending.back();
+        pending.pop_back();
+        const bool hasKeys = container->tag() == AnySlot::dictionary;
+        const auto* next = reinterpret_cast<const AnySlot*>(container->pointer());
+        const std::size_t count = container->header().count;
+        const std::size_t around = 2 + 2 * depth + (hasKeys ? 3 : 0);
+        size += 2 + (count + 1) * around;
+        if (depth > mostNested) break;
+        for (std::size_t i = 0; i < count; ++i) {
+            if (hasKeys) size += sizeOfLeaf(*next++);
+            if (next->isContainer()) {
+                pending.emplace_back(next, depth + 1);
+            } else {
+                size += sizeOfLeaf(*next);
+            }
+            ++next;
+        }
     }
-    const AnySlot* member = frame.next;
-    if (frame.isSorted) {
-        member = &sorted_.back()->key;
-        sorted_.pop_back();
-    } else {
-        frame.next += 2;
-    }
-    value = member;
-    if (!member->isText()) return to;  // which is then found at fault
-    ++value;
-    to = writeText(*member, to);
-    if constexpr (isPretty) {
-        std::memcpy(to, " : ", 3);
-        return to + 3;
-    } else {
-        *to++ = ':';
-        return to;
-    }
+    return size;
 }
 
-[[gnu::always_inline]] inline char* JSONWriter::breakLine(char* to) const {
+[[gnu::always_inline]] inline char* JSONWriter::breakLine(char* to, std::size_t depth) {
     *to++ = '\n';
-    const std::size_t indentation = 2 * frames_.size();
+    const std::size_t indentation = 2 * depth;
     constexpr std::size_t step = 16;
     const Bytes16 blanks = Bytes16::of(0x2020202020202020, 0x2020202020202020);
     for (std::size_t written = 0; written < indentation; written += step)
@@ -251,8 +277,26 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
     return std::ranges::copy(text, to).out;
 }
 
-/// There is room for four steps afterwards, too.
+/// Afterwards there is room for another two steps.
 [[gnu::always_inline]] inline char* JSONWriter::writeText(const AnySlot& slot, char* to) {
+    if (slot.tag() != AnySlot::shortText) return writeAnyText(slot, to);
+    to = ensure(to, 64);
+    const std::uint32_t size = slot.bytes[14];
+    const Bytes16 bytes = Bytes16::load(&slot);
+    if ((specialsOf(bytes) & ((1u << size) - 1)) != 0) return writeAnyText(slot, to);
+    *to = '"';
+    bytes.store(to + 1);
+    to[size + 1] = '"';
+    return to + size + 2;
+}
+
+/// The characters that have to be escaped.
+[[gnu::always_inline]] inline std::uint32_t JSONWriter::specialsOf(Bytes16 bytes) const {
+    return bytes.equalTo('"') | bytes.equalTo('\\') | bytes.atMost('\x1f') |
+           (bytes.equalTo('/') & slashes_);
+}
+
+char* JSONWriter::writeAnyText(const AnySlot& slot, char* to) {
     constexpr std::size_t step = 16;
     const bool isShort = slot.tag() == AnySlot::shortText;
     const char* from = reinterpret_cast<const char*>(isShort ? slot.bytes.data() : nullptr);
@@ -267,8 +311,7 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
     for (;;) {
         const Bytes16 bytes = Bytes16::load(from);
         bytes.store(to);
-        std::uint32_t specials = bytes.equalTo('"') | bytes.equalTo('\\') | bytes.atMost('\x1f') |
-                                 (bytes.equalTo('/') & slashes_);
+        std::uint32_t specials = specialsOf(bytes);
         if (rest < step) specials &= (1u << rest) - 1;
         if (specials != 0) {
             const int plain = std::countr_zero(specials);

@@ -3,6 +3,7 @@
 #include <InkoraKit/platform/Any.h>
 #include <InkoraKit/platform/JSONSerialization.h>
 
+#include "Bytes16.h"
 #include "Storage.h"
 
 #include <array>
@@ -38,18 +39,18 @@ private:
 
     template <bool isPretty>
     char* writeDocument(const AnySlot& root, char* to);
-    char* open(const AnySlot& container, char* to);
-    template <bool isPretty>
-    char* close(char* to);
-    template <bool isPretty>
-    char* lead(char* to, const AnySlot*& value);
     char* writeLeaf(const AnySlot& leaf, char* to);
     char* writeNumber(const AnySlot& number, char* to);
     char* writeText(const AnySlot& text, char* to);
-    char* breakLine(char* to) const;
+    char* writeAnyText(const AnySlot& text, char* to);
+    static char* breakLine(char* to, std::size_t depth);
     char* fail(std::string_view reason);
 
+    Frame begun(const AnySlot& container);
     void sortMembers(const AnySlot& dictionary);
+    const AnySlot* nextSorted();
+    std::size_t expectedSize(const AnySlot& root) const;
+    std::uint32_t specialsOf(Bytes16 bytes) const;
     bool has(JSONSerialization::WritingOptions option) const noexcept;
 
     /// Makes room for so many more bytes, of at most `mostAtOnce`.
@@ -64,9 +65,10 @@ private:
     JSONSerialization::WritingOptions options_;
     std::uint32_t slashes_;  // of the bytes that are slashes, those to escape
     bool isFirst_ = true;    // whether the next value is the first of what it stands in
+    const AnySlot* root_ = nullptr;
     std::string* result_ = nullptr;
     std::string fault_;
-    std::vector<Frame> frames_;
+    std::vector<Frame> frames_;  // around the innermost
     std::vector<const MemberSlots*> sorted_;
     // What is written passes through here, where it stays in the processor's nearest cache until
     // the result grows by all of it at once.

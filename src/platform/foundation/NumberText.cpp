@@ -64,9 +64,11 @@ void store(char* to, std::uint64_t digits, unsigned skipped = 0) {
     }
 }
 
+constexpr std::uint64_t tenToThe8th = 100'000'000;
+
 /// @param value below 10^8
-char* writeUpToEight(char* to, std::uint32_t value) {
-    const std::uint64_t digits = eightDigits(value);
+char* writeUpToEight(char* to, std::uint64_t value) {
+    const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(value));
     constexpr std::uint64_t lastDigit = std::uint64_t{1} << 56;  // is written, zero or not
     const auto zeros = static_cast<unsigned>(std::countr_zero(digits | lastDigit)) / 8;
     store(to, digits, zeros);
@@ -74,13 +76,12 @@ char* writeUpToEight(char* to, std::uint32_t value) {
 }
 
 char* writeDigits(char* to, std::uint64_t value) {
-    constexpr std::uint64_t tenToThe8th = 100'000'000;
-    if (value < tenToThe8th) return writeUpToEight(to, static_cast<std::uint32_t>(value));
+    if (value < tenToThe8th) return writeUpToEight(to, value);
     const std::uint64_t upper = value / tenToThe8th;
     if (upper < tenToThe8th) {
-        to = writeUpToEight(to, static_cast<std::uint32_t>(upper));
+        to = writeUpToEight(to, upper);
     } else {
-        to = writeUpToEight(to, static_cast<std::uint32_t>(upper / tenToThe8th));
+        to = writeUpToEight(to, upper / tenToThe8th);
         store(to, eightDigits(static_cast<std::uint32_t>(upper % tenToThe8th)));
         to += 8;
     }
@@ -90,7 +91,6 @@ char* writeDigits(char* to, std::uint64_t value) {
 
 /// Writes as many digits as told, zeros first where the value has fewer.
 char* writeFixed(char* to, std::uint64_t value, unsigned count) {
-    constexpr std::uint64_t tenToThe8th = 100'000'000;
     if (count > 8) {
         store(to, eightDigits(static_cast<std::uint32_t>(value / tenToThe8th)), 16 - count);
         to += count - 8;

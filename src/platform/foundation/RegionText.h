@@ -12,21 +12,21 @@ namespace InkoraKit {
 /// A text that is written to a region while nobody knows yet how long it will be.
 class RegionText {
 public:
-    /// @param mostAtOnce how many characters are written at most until makeRoom() is called again
-    RegionText(Region& region, std::size_t mostAtOnce) : region_(region), mostAtOnce_(mostAtOnce) {
-        if (!region_.hasRoom(sizeof(Owner*) + mostAtOnce_)) addPiece(0);
+    /// @param mostAtOnce how many characters are written at most between looking for room
+    RegionText(Region& region, std::size_t mostAtOnce) noexcept
+        : region_(region), mostAtOnce_(mostAtOnce) {
         begin();
     }
 
     char* start() const noexcept { return start_; }
     std::size_t size() const noexcept { return static_cast<std::size_t>(to - start_); }
 
-    void makeRoom() {
-        if (to <= last_) [[likely]]
-            return;
+    bool hasRoom() const noexcept { return to <= last_; }
+    /// Makes room for more, of which the region can tell from `toCome` how much to make.
+    void grow(double toCome) {
         const std::size_t written = size();
         const char* const before = start_;
-        addPiece(written);
+        region_.addPiece(sizeof(Owner*) + 2 * written + mostAtOnce_, toCome);
         begin();
         std::memcpy(start_, before, written);
         to = start_ + written;
@@ -41,10 +41,6 @@ public:
     char* to;  ///< Where to write on.
 
 private:
-    void addPiece(std::size_t written) {
-        constexpr std::size_t usual = 1024;
-        region_.addPiece(2 * written + mostAtOnce_ + usual, 0);
-    }
     void begin() noexcept {
         start_ = reinterpret_cast<char*>(region_.next()) + sizeof(Owner*);
         to = start_;

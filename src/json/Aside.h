@@ -1,0 +1,16 @@
+#pragma once
+
+#include <InkoraKit/JSON.h>
+
+#include <cstdint>
+
+namespace InkoraKit {
+
+struct JSON::Aside {
+    Any contents;           // what the value is
+    std::int64_t code = 0;  // of the error; 0 without one
+    JSONKey step = 0;       // that failed
+    Any formerArray;        // the array that the value was last; or absent
+};
+
+}  // namespace InkoraKit
