@@ -277,7 +277,7 @@ public:
     /// `for (const auto& [key, value] : json)`; the keys of an array are "0", "1", …
     /// The contents are those at the start of the loop, whatever it does to the value.
     const_iterator begin() const;
-    const_iterator end() const noexcept;
+    std::default_sentinel_t end() const noexcept { return {}; }
     std::size_t count() const noexcept;
     std::size_t size() const noexcept { return count(); }
     bool isEmpty() const noexcept { return count() == 0; }
@@ -418,7 +418,12 @@ private:
     template <class T>
     static JSON made(T&& value) {
         using Value = std::remove_cvref_t<T>;
-        if constexpr (isPlatformValue<Value> || !isJSONValue<Value>) {
+        if constexpr (std::is_arithmetic_v<Value> ||
+                      std::convertible_to<const Value&, std::string_view>) {
+            JSON result;
+            result.value_ = Any(std::forward<T>(value));
+            return result;
+        } else if constexpr (isPlatformValue<Value> || !isJSONValue<Value>) {
             return fromAny(Any(std::forward<T>(value)));
         } else if constexpr (std::same_as<Value, Data>) {
             return JSON(value, JSONSerialization::ReadingOptions::allowFragments);
@@ -595,10 +600,13 @@ public:
         return before;
     }
 
-    /// Iterators of one value are equal at the same position, and at the end.
+    /// Iterators of one value are equal at the same position.
     friend bool operator==(const JSONMemberIterator& left,
                            const JSONMemberIterator& right) noexcept {
         return left.remaining_ == right.remaining_;
+    }
+    friend bool operator==(const JSONMemberIterator& iterator, std::default_sentinel_t) noexcept {
+        return iterator.remaining_ == 0;
     }
 
 private:
@@ -629,10 +637,6 @@ private:
 
 inline JSON::const_iterator JSON::begin() const {
     return JSONMemberIterator(contents());
-}
-
-inline JSON::const_iterator JSON::end() const noexcept {
-    return {};
 }
 
 inline std::size_t JSON::count() const noexcept {

@@ -5,8 +5,9 @@
 #include "platform/foundation/Fatal.h"
 #include "platform/foundation/Storage.h"
 
-#include <algorithm>
-#include <memory_resource>
+#include <array>
+#include <span>
+#include <vector>
 
 namespace InkoraKit {
 
@@ -109,20 +110,24 @@ void JSON::write(std::span<const Step> steps, Any object) {
 void JSONPlace::write(JSON value) {
     Any object = value.object();
     value = {};
-    std::array<std::byte, 512> room;
-    std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
-    std::pmr::vector<Step> steps(&memory);  // the last one first
+    std::size_t count = 0;
     for (JSONPlace* place = this; place; place = place->parent_) {
         place->value_ = {};  // or else what is to change would be shared, and so copied
+        count += place->step_.kind == Step::Kind::path ? place->step_.path->size() : 1;
+    }
+    std::array<Step, 8> few;
+    std::vector<Step> many(count > few.size() ? count : 0);
+    const std::span<Step> steps = many.empty() ? std::span(few).first(count) : std::span(many);
+    auto next = steps.rbegin();
+    for (const JSONPlace* place = this; place; place = place->parent_) {
         if (place->step_.kind != Step::Kind::path) {
-            steps.push_back(place->step_);
+            *next++ = place->step_;
             continue;
         }
         for (auto key = place->step_.path->end(); key != place->step_.path->begin();)
-            steps.push_back(stepFrom(*--key));
+            *next++ = stepFrom(*--key);
     }
     if (steps.empty()) return;
-    std::ranges::reverse(steps);
     root_->JSON::write(steps, std::move(object));
 }
 

@@ -110,10 +110,12 @@ bool JSONWriter::write(const Any& value, std::string& result) {
 }
 
 char* JSONWriter::flush(char* to) {
-    // A result that grows again and again is copied as often. Where indentation makes the most of
-    // it, counting beforehand takes less time.
-    if (result_->empty() && has(JSONSerialization::WritingOptions::prettyPrinted))
+    // A large result that grows again and again is copied as often: there it pays to count first.
+    constexpr std::size_t large = std::size_t{128} * 1024;
+    if (!isReserved_ && result_->size() > large) {
         result_->reserve(expectedSize(*root_));
+        isReserved_ = true;
+    }
     result_->append(buffer_.data(), static_cast<std::size_t>(to - buffer_.data()));
     return buffer_.data();
 }
@@ -191,15 +193,16 @@ const AnySlot* JSONWriter::nextSorted() {
     return &member->key;
 }
 
-/// About how long a pretty text will be. Escapes make it longer, short numbers shorter.
+/// About how long the text will be. Escapes make it longer, short numbers shorter.
 std::size_t JSONWriter::expectedSize(const AnySlot& root) const {
+    const bool isPretty = has(JSONSerialization::WritingOptions::prettyPrinted);
     const auto sizeOfLeaf = [](const AnySlot& leaf) -> std::size_t {
         if (leaf.isText()) return leaf.text().size() + 2;
         if (leaf.isInteger()) {
             const auto magnitude = static_cast<std::uint64_t>(std::abs(leaf.integer() | 1));
             return static_cast<std::size_t>(std::bit_width(magnitude)) * 3 / 10 + 2;
         }
-        return leaf.tag() >= AnySlot::uint64 ? longestRealText / 2 + 1 : 5;
+        return leaf.tag() >= AnySlot::uint64 ? 20 : 5;
     };
     std::size_t size = 0;
     std::vector<std::pair<const AnySlot*, std::size_t>> pending{{&root, 1}};  // with their depths
@@ -209,7 +212,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) const {
         const bool hasKeys = container->tag() == AnySlot::dictionary;
         const auto* next = reinterpret_cast<const AnySlot*>(container->pointer());
         const std::size_t count = container->header().count;
-        const std::size_t around = 2 + 2 * depth + (hasKeys ? 3 : 0);
+        const std::size_t around = isPretty ? 2 + 2 * depth + (hasKeys ? 3 : 0) : hasKeys ? 2 : 1;
         size += 2 + (count + 1) * around;
         if (depth > mostNested) break;
         for (std::size_t i = 0; i < count; ++i) {

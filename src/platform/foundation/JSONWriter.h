@@ -67,6 +67,7 @@ private:
     bool isFirst_ = true;    // whether the next value is the first of what it stands in
     const AnySlot* root_ = nullptr;
     std::string* result_ = nullptr;
+    bool isReserved_ = false;
     std::string fault_;
     std::vector<Frame> frames_;  // around the innermost
     std::vector<const MemberSlots*> sorted_;

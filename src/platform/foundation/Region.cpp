@@ -30,11 +30,12 @@ void Region::destroy() noexcept {
 
 void Region::addPiece(std::size_t size, double toCome) {
     constexpr double margin = 1.03;  // so that an even document does not just miss it
-    constexpr std::size_t least = 256;
     const double used = static_cast<double>(size_) - static_cast<double>(end_ - next_);
     const double wanted = std::min(used * toCome * margin, 4 * static_cast<double>(size_));
+    // Never so little that many pieces would be needed if more comes than was thought.
+    const std::size_t least = std::max<std::size_t>(size_ / 16, 256);
     const std::size_t room =
-        std::max({size + 8, static_cast<std::size_t>(wanted) & ~std::size_t{7}, least});
+        std::max({size + 8, static_cast<std::size_t>(wanted), least}) & ~std::size_t{7};
     std::byte* const memory = allocated(sizeof(Piece) + room + slack);
     pieces_ = new (memory) Piece{pieces_};
     next_ = memory + sizeof(Piece);
