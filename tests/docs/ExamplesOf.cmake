@@ -1,0 +1,56 @@
+# Adds the examples of a document as tests.
+#   name         of the program that they make together, and of the tests, before the line
+#   EACH_PRINTS  every ```cpp block has to be an example
+function(add_examples name document)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${document})
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}.examples)
+    file(READ ${document} rest)
+    set(line 1)
+    set(functions "")
+    set(calls "")
+    while(rest MATCHES "\n```cpp\n")
+        take_until("\n```cpp\n" skipped)
+        set(start ${line})
+        take_until("\n```\n" code)
+        string(FIND "${rest}" "\n```text\n" place)
+        if(NOT place EQUAL 0)
+            if("EACH_PRINTS" IN_LIST ARGN)
+                message(FATAL_ERROR "${document}:${start}: what the example prints is missing")
+            endif()
+            continue()
+        endif()
+        take_until("```text\n" skipped)
+        take_until("```\n" output)
+
+        string(APPEND functions
+            "void example${start}() {\n#line ${start} \"${document}\"\n${code}\n}\n\n")
+        string(APPEND calls "        case ${start}: return example${start}(), 0;\n")
+        file(WRITE ${folder}/${start}.txt "${output}")
+        add_test(NAME ${name}.line${start}
+            COMMAND ${CMAKE_COMMAND} -DEXPECTED=${folder}/${start}.txt
+                    -P ${CMAKE_CURRENT_SOURCE_DIR}/Run.cmake -- $<TARGET_FILE:${name}> ${start})
+        set_tests_properties(${name}.line${start} PROPERTIES TIMEOUT 120)
+    endwhile()
+    if(calls STREQUAL "")
+        message(FATAL_ERROR "${document} has no examples")
+    endif()
+    configure_file(Examples.cpp.in ${folder}/Examples.cpp @ONLY)
+    add_executable(${name} ${folder}/Examples.cpp)
+    target_link_libraries(${name} PRIVATE InkoraKitStatic InkoraFlags)
+endfunction()
+
+# Moves what precedes a mark from `rest` to a variable, drops the mark, and keeps `line` that of what
+# is left.
+macro(take_until mark variable)
+    string(FIND "${rest}" "${mark}" place)
+    if(place EQUAL -1)
+        message(FATAL_ERROR "${document}:${line}: a block has no end")
+    endif()
+    string(SUBSTRING "${rest}" 0 ${place} ${variable})
+    string(REGEX MATCHALL "\n" breaks "${${variable}}${mark}")
+    list(LENGTH breaks breaks)
+    math(EXPR line "${line} + ${breaks}")
+    string(LENGTH "${mark}" length)
+    math(EXPR place "${place} + ${length}")
+    string(SUBSTRING "${rest}" ${place} -1 rest)
+endmacro()
