@@ -19,5 +19,6 @@ struct Command {
 
 Command addWatchCommand(CLI::App& program);
 Command addInfoCommand(CLI::App& program);
+Command addJsonCommand(CLI::App& program);
 
 }  // namespace InkoraTool

@@ -9,6 +9,10 @@ enum class ExitStatus : int {
     success = 0,
     failure = 1,  ///< the output cannot be written, or what nobody foresaw
     usage = 2,
+    unreadable = 3,    ///< a file
+    noJson = 4,        ///< a text
+    noSuchPlace = 5,   ///< in a JSON document
+    notMergeable = 6,  ///< two JSON documents
     noBluetooth = InkoraKit::InkoraErrorCodes::inSufficientResources,
     notConnected = InkoraKit::InkoraErrorCodes::deviceFailedToConnect,
     noPen = InkoraKit::InkoraErrorCodes::deviceConnectionTimeout,

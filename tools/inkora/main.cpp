@@ -18,11 +18,13 @@ constexpr const char* footer = R"(Examples:
   inkora watch --for 60 --ask-every 10   a minute, with battery and proximity every 10 s
   inkora info                            name, identifier, battery, proximity
   inkora watch --radio virtual           no Bluetooth and no pen needed
+  inkora json get settings.json scan 0   a value in a JSON document
 
 Exit status:
    0  done: --count or --for was reached, or ended by Ctrl-C, SIGTERM or SIGHUP
    1  the output cannot be written
    2  the command line is wrong
+ 3-6  json could not do what it was asked: see inkora json --help
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected
   19  no pen was found within 6 seconds, or the time of --for
@@ -37,7 +39,8 @@ ExitStatus runProgram(int argc, char** argv) {
     program.failure_message([](const CLI::App*, const CLI::Error& error) {
         return std::string("inkora: ") + error.what() + "\nSee inkora --help.\n";
     });
-    const std::array commands = {addWatchCommand(program), addInfoCommand(program)};
+    const std::array commands = {addWatchCommand(program), addInfoCommand(program),
+                                 addJsonCommand(program)};
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
