@@ -1,7 +1,7 @@
 #pragma once
 
-/// All of the kit that a host needs to talk to a pen, and JSON. The virtual radio and pen, for demos and
-/// tests, are under <InkoraKit/virtual/>.
+/// All of the kit that a host needs to talk to a pen, and JSON. The virtual radio and pen, for
+/// demos and tests, are under <InkoraKit/virtual/>.
 
 #include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraErrorCodes.h>

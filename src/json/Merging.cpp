@@ -67,7 +67,8 @@ void JSON::merge(const JSON& other) & {
     if (type() != other.type())
         throw jsonError(ErrorWrongType,
                         "Couldn't merge, because the JSONs differ in type on top level.");
-    const Any others = other.contents();  // which may be what changes
+    // A copy, since it may be what changes. NOLINTNEXTLINE(performance-unnecessary-copy-init*)
+    const Any others = other.contents();
     if (type() != Type::dictionary && type() != Type::array) {
         *this = other;
         return;

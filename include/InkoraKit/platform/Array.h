@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 namespace InkoraKit {
 
@@ -39,7 +40,7 @@ public:
 private:
     friend class Any;
     friend class Storage;
-    explicit Array(const Any& contents) noexcept : contents_(contents) {}
+    explicit Array(Any contents) noexcept : contents_(std::move(contents)) {}
 
     Any contents_;  // always an array
 };

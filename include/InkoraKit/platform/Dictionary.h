@@ -78,7 +78,7 @@ public:
 private:
     friend class Any;
     friend class Storage;
-    explicit Dictionary(const Any& contents) noexcept : contents_(contents) {}
+    explicit Dictionary(Any contents) noexcept : contents_(std::move(contents)) {}
 
     Any contents_;  // always a dictionary
 };

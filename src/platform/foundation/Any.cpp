@@ -111,7 +111,8 @@ std::size_t hashOfLeaf(const Any& value) {
     if (const auto number = value.as<NSNumber>()) return number->hash();
     if (const auto text = value.as<std::string_view>()) return std::hash<std::string_view>{}(*text);
     const auto kind = static_cast<std::size_t>(value.kind());
-    return isContainer(Storage::slot(value)) ? kind + 31 * Storage::count(value) : kind;
+    return isContainer(Storage::slot(value)) ? kind + std::size_t{31} * Storage::count(value)
+                                             : kind;
 }
 
 }  // namespace

@@ -8,12 +8,10 @@
 #include <optional>
 #include <string_view>
 
-namespace InkoraKit {
-
 /// How a dictionary finds its keys. Few members are compared one by one. Beyond that each key has a
 /// byte of its hash, its fingerprint, and sixteen of these are compared in one step. Many members
 /// have a hash table of their positions besides, so that the time does not grow with their number.
-namespace DictionaryIndex {
+namespace InkoraKit::DictionaryIndex {
 
 constexpr std::uint32_t mostWithoutFingerprints = 16;
 constexpr std::uint32_t mostWithoutTable = 64;
@@ -91,5 +89,4 @@ inline AnySlot probe(std::string_view key) noexcept {
     return slot;
 }
 
-}  // namespace DictionaryIndex
-}  // namespace InkoraKit
+}  // namespace InkoraKit::DictionaryIndex

@@ -220,7 +220,7 @@ const char* JSONReader::moveToEnd(const char* text) {
     std::memset(copy + rest, 0, padding);
     base_ = reinterpret_cast<std::uintptr_t>(copy) - offset;
     end_ = copy + rest;
-    limit_ = reinterpret_cast<const char*>(UINTPTR_MAX);
+    limit_ = end_ + padding;  // which nothing reaches: the first zero stops everything
     return copy;
 }
 
@@ -721,10 +721,10 @@ const char* JSONReader::readReal(const char* start, const char* text, std::uint6
 bool JSONReader::putDecimal(std::string_view numeral, AnySlot& slot) {
     const NSDecimalNumber decimal(numeral);
     if (decimal.isNaN()) return false;
-    std::byte* const room = allocate(numeral.data(), sizeof(Owner*) + sizeof decimal);
+    std::byte* const room = allocate(numeral.data(), sizeof(void*) + sizeof decimal);
     new (room) Owner*(region_);
-    std::memcpy(room + sizeof(Owner*), &decimal, sizeof decimal);
-    put(slot, AnySlot::decimal, room + sizeof(Owner*));
+    std::memcpy(room + sizeof(void*), &decimal, sizeof decimal);
+    put(slot, AnySlot::decimal, room + sizeof(void*));
     return true;
 }
 

@@ -66,6 +66,11 @@ constexpr auto lettersOfEscapes = [] {
     return table;
 }();
 
+inline char* writeWord(std::string_view word, char* to) {
+    std::memcpy(to, word.data(), word.size());
+    return to + word.size();
+}
+
 char* writeEscaped(char character, char* to) {
     constexpr std::string_view hexDigits = "0123456789abcdef";
     const char letter = lettersOfEscapes[static_cast<unsigned char>(character)];
@@ -112,7 +117,7 @@ bool JSONWriter::write(const Any& value, std::string& result) {
 char* JSONWriter::flush(char* to) {
     // A large result that grows again and again is copied as often: there it pays to count first.
     constexpr std::size_t large = std::size_t{128} * 1024;
-    if (!isReserved_ && result_->size() > large) {
+    if (!isReserved_ && result_->size() > large && root_->isContainer()) {
         result_->reserve(expectedSize(*root_));
         isReserved_ = true;
     }
@@ -152,8 +157,7 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
             if (!value->isText()) return writeLeaf(*value, to);  // which finds it at fault
             to = writeText(*value++, to);
             if constexpr (isPretty) {
-                std::memcpy(to, " : ", 3);
-                to += 3;
+                to = writeWord(" : ", to);
             } else {
                 *to++ = ':';
             }
@@ -246,11 +250,9 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) const {
     switch (leaf.tag()) {
         case AnySlot::absent:
         case AnySlot::null:
-            std::memcpy(to, "null", 4);
-            return to + 4;
+            return writeWord("null", to);
         case AnySlot::boolean:
-            std::memcpy(to, leaf.truth() ? "true " : "false", 5);
-            return to + (leaf.truth() ? 4 : 5);
+            return leaf.truth() ? writeWord("true", to) : writeWord("false", to);
         case AnySlot::int8:
         case AnySlot::int16:
         case AnySlot::int32:
@@ -301,16 +303,18 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
 
 char* JSONWriter::writeAnyText(const AnySlot& slot, char* to) {
     constexpr std::size_t step = 16;
-    const bool isShort = slot.tag() == AnySlot::shortText;
-    const char* from = reinterpret_cast<const char*>(isShort ? slot.bytes.data() : nullptr);
-    std::size_t rest = slot.bytes[14];
-    if (!isShort) {
-        from = reinterpret_cast<const char*>(slot.pointer());
-        rest = slot.size();
+    // Long texts are followed by enough memory to be looked at in whole steps, and a short one is
+    // given it.
+    std::array<char, 2 * step> copy{};
+    const char* from = copy.data();
+    std::size_t rest = slot.text().size();
+    if (slot.tag() == AnySlot::shortText) {
+        Bytes16::load(&slot).store(copy.data());
+    } else {
+        from = slot.text().data();
     }
     to = ensure(to, 8 * step);
     *to++ = '"';
-    // Every text is followed by enough memory to be looked at in whole steps.
     for (;;) {
         const Bytes16 bytes = Bytes16::load(from);
         bytes.store(to);

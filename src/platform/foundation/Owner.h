@@ -45,7 +45,8 @@ public:
     /// A list of owners that are to be taken down, linked through the counts that they no longer
     /// need.
     Owner* next() const noexcept {
-        return reinterpret_cast<Owner*>(users_.load(std::memory_order_relaxed));
+        const std::size_t address = users_.load(std::memory_order_relaxed);
+        return reinterpret_cast<Owner*>(address);  // NOLINT(performance-no-int-to-ptr)
     }
     void setNext(Owner* next) noexcept {
         users_.store(reinterpret_cast<std::size_t>(next), std::memory_order_relaxed);
