@@ -1,31 +1,21 @@
 #include "PenScript.h"
+#include "Seeds.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 
 namespace InkoraKit {
 namespace {
 
-std::string contents(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(PenScriptTest, EverySeedEndsOnlyWhereItIsMeantTo) {
     testing::internal::CaptureStderr();  // misuse is part of the game
-    int seeds = 0;
-    for (const auto& seed : std::filesystem::directory_iterator(INKORA_SEEDS)) {
-        runPenScript(contents(seed.path()));
-        ++seeds;
-    }
+    const auto seeds = seedsOf("pen-script");
+    for (const auto& [name, script] : seeds) runPenScript(script);
     testing::internal::GetCapturedStderr();
-    EXPECT_GE(seeds, 10);
+    EXPECT_GE(seeds.size(), 10u);
 }
 
 /// A script of lines drawn from those that make sense, in any order.
@@ -103,10 +93,10 @@ TEST(PenScriptTest, ThousandsOfRandomOrdersEndOnlyWhereTheyAreMeantTo) {
 }
 
 TEST(PenScriptDeathTest, AStopThatNothingAccountsForIsNoticed) {
-    for (const char* seed : {"short-colour", "battery-too-long", "discovery-fails"}) {
-        const std::string script = contents(std::filesystem::path(INKORA_SEEDS) / seed);
-        EXPECT_DEATH(runPenScript(script, Accounting::none), "unaccounted fatal stop") << seed;
-    }
+    const auto seeds = seedsOf("pen-script");
+    for (const char* seed : {"short-colour", "battery-too-long", "discovery-fails"})
+        EXPECT_DEATH(runPenScript(seeds.at(seed), Accounting::none), "unaccounted fatal stop")
+            << seed;
 }
 
 }  // namespace

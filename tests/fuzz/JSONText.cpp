@@ -1,0 +1,79 @@
+#include "JSONText.h"
+
+#include "PlainJSON.h"
+#include "support/EncodedText.h"
+
+#include <algorithm>
+
+namespace InkoraKit {
+namespace {
+
+using Reading = JSONSerialization::ReadingOptions;
+using Writing = JSONSerialization::WritingOptions;
+
+/// Absent when the bytes are no JSON text.
+Any readText(std::string_view bytes) {
+    try {
+        return JSONSerialization::jsonObject(bytes, Reading::allowFragments);
+    } catch (const NSError& error) {
+        require(error.code() == 3840 && error.domain() == NSCocoaErrorDomain, "the kind of error");
+        const auto offset = error.userInfo().find(NSJSONSerializationErrorIndexKey);
+        if (offset != error.userInfo().end()) {
+            const auto place = offset->second.as<NSNumber>()->unsignedIntegerValue();
+            require(place <= bytes.size(), "a fault lies within the text");
+        }
+        return {};
+    }
+}
+
+/// Absent when the value is nested too deeply: that of a text may be by one level.
+std::optional<std::string> written(const Any& value, Writing options, std::string_view bytes) {
+    try {
+        return JSONSerialization::text(value, options | Writing::allowFragments);
+    } catch (const NSError&) {
+        const auto opening = [](char byte) { return byte == '[' || byte == '{'; };
+        require(std::ranges::count_if(bytes, opening) >= 512, "what is not deep can be written");
+        return std::nullopt;
+    }
+}
+
+void checkWriting(const Any& value, std::string_view bytes) {
+    for (const Writing options :
+         {Writing::none, Writing::prettyPrinted, Writing::sortedKeys,
+          Writing::prettyPrinted | Writing::sortedKeys | Writing::withoutEscapingSlashes}) {
+        const auto first = written(value, options, bytes);
+        if (!first) return;
+        const Any second = readText(*first);
+        require(second == value && second.hash() == value.hash(), "a text reads back");
+        // The first text may hold a decimal, or a negative zero, that reads as a simpler number.
+        const auto secondText = written(second, options, bytes);
+        require(written(readText(*secondText), options, bytes) == secondText, "a text stays");
+    }
+}
+
+/// Whether the bytes can be UTF-8 only.
+bool isTakenForUtf8(std::string_view bytes) {
+    const bool hasMark = bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");
+    return !hasMark && bytes.substr(0, 4).find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+void checkJSONText(std::string_view bytes) {
+    const Any value = readText(bytes);
+    if (value.hasValue()) checkWriting(value, bytes);
+    if (!isTakenForUtf8(bytes)) return;
+
+    const std::string_view text = bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+    const auto plain = PlainJSON::parse(text);
+    require(plain.has_value() == value.hasValue(), "two readers take the same texts");
+    if (!plain) return;
+    require(plain->matches(value), "two readers find the same values");
+    const std::u32string marked = U'\uFEFF' + *charactersOf(text);
+    for (const std::size_t unitSize : {2u, 4u})
+        for (const auto order : {std::endian::little, std::endian::big})
+            require(plain->matches(readText(encodedText(marked, unitSize, order))),
+                    "every encoding gives the same value");
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,124 @@
+#include <InkoraKit/JSON.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace InkoraKit {
+namespace {
+
+constexpr int threadCount = 4;
+
+/// Lets as many threads as there are start at once, and waits for them to end.
+void onThreads(const std::function<void(int)>& action) {
+    std::atomic<int> waiting{threadCount};
+    std::vector<std::thread> threads;
+    for (int number = 0; number < threadCount; ++number)
+        threads.emplace_back([&action, &waiting, number] {
+            for (--waiting; waiting > 0;) std::this_thread::yield();
+            action(number);
+        });
+    for (std::thread& thread : threads) thread.join();
+}
+
+std::string documentText() {
+    std::string text = R"({"list":[)";
+    for (int i = 0; i < 100; ++i)
+        text += (i > 0 ? "," : "") + std::string(R"({"name":"a name of more than fourteen",)") +
+                R"("number":12345678901234567890123,"on":[[]],"id":)" + std::to_string(i) + "}";
+    return text + R"(],"settings":{"a":{"b":[1,2,3]}}})";
+}
+
+/// A document as it was read, one that has been changed, and one that was never read.
+std::vector<JSON> documents() {
+    std::vector<JSON> result(3, JSON::parse(documentText()));
+    result[1]["settings"]["a"]["b"][0] = "a text of more than fourteen";
+    result[1]["list"][7]["new"] = JSON{{"k", JSON::arrayOf(JSON())}};
+    result[2] = result[2].detached();
+    return result;
+}
+
+TEST(JSONThreadsTest, CopiesAreChangedAtOnce) {
+    for (JSON& document : documents()) {
+        const JSON before = document.detached();
+        std::vector<JSON> copies(threadCount, document);
+        document = JSON();  // so that one of the threads drops what all share
+        onThreads([&](int number) {
+            JSON copy = std::move(copies[static_cast<std::size_t>(number)]);
+            for (int round = 0; round < 20; ++round) {
+                const JSON kept = copy;
+                const int index = (round * threadCount + number) % 100;
+                copy["list"][index]["id"] = round;
+                copy["settings"]["a"]["b"][1] = copy["list"][index];
+                copy["list"][index]["on"][0].merge(JSON::arrayOf(number, kept["settings"]));
+                copy["settings"][std::to_string(round)] = kept["list"][round]["name"];
+                ASSERT_FALSE(copy == kept);
+                ASSERT_EQ(copy["list"][index]["on"][0].count() % 2, 0u);
+            }
+            ASSERT_EQ(copy["settings"].count(), 21u);
+        });
+        EXPECT_EQ(before["list"].count(), 100u);
+        EXPECT_EQ(before["settings"].count(), 1u);
+    }
+}
+
+TEST(JSONThreadsTest, PartsAreReadElsewhereWhileTheWholeIsDropped) {
+    for (JSON& document : documents()) {
+        std::vector<JSON> parts;
+        std::vector<JSON::const_iterator> places;
+        for (int number = 0; number < threadCount; ++number) {
+            parts.push_back(document["list"][number]);
+            places.push_back(document["list"].begin());
+        }
+        onThreads([&](int number) {
+            const auto mine = static_cast<std::size_t>(number);
+            if (number == 0) document = JSON();
+            JSON part = std::move(parts[mine]);
+            auto place = std::exchange(places[mine], {});
+            std::int64_t sum = 0;
+            for (; place != JSON::const_iterator(); ++place) {
+                const JSON value = place->value;
+                sum += value["id"].intValue() + value["number"].numberValue().boolValue();
+                part["copy"] = value["name"];
+            }
+            ASSERT_EQ(sum, 100 * 99 / 2 + 100);
+            ASSERT_EQ(part["copy"].stringValue(), "a name of more than fourteen");
+            ASSERT_EQ(part["id"].intValue(), number);
+        });
+    }
+}
+
+TEST(JSONThreadsTest, ValuesAreHandedOnAndDroppedByTheLast) {
+    for (const JSON& document : documents()) {
+        std::vector<JSON> handed(threadCount);
+        for (int round = 0; round < 10; ++round) {
+            onThreads([&](int number) {  // each gives to its neighbour what that may drop next
+                JSON made = JSON::arrayOf(document["list"][number], JSON::parse(documentText()));
+                made[1]["settings"] = document;
+                handed[static_cast<std::size_t>(number + round) % threadCount] = made[1];
+            });
+            for (const JSON& value : handed) EXPECT_EQ(value["settings"], document);
+        }
+    }
+}
+
+TEST(JSONThreadsTest, EmptyOnesAreSharedByAllThreads) {
+    onThreads([](int number) {
+        for (int round = 0; round < 200; ++round) {
+            JSON empty = JSON::arrayOf();
+            const JSON copy = empty;
+            empty.merge(JSON::arrayOf(number));
+            JSON members = JSON(Dictionary());
+            members["a"] = copy;
+            ASSERT_EQ(copy.count(), 0u);
+        }
+    });
+}
+
+}  // namespace
+}  // namespace InkoraKit
