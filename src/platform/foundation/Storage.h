@@ -38,9 +38,7 @@ public:
     static Any& asAny(AnySlot& slot) noexcept { return reinterpret_cast<Any&>(slot); }
 
     static AnySlot::Tag tag(const Any& value) noexcept { return value.slot_.tag(); }
-    static Owner& owner(const AnySlot& shared) noexcept {
-        return *shared.owner();
-    }
+    static Owner& owner(const AnySlot& shared) noexcept { return *shared.owner(); }
     static NodeHeader& header(const AnySlot& container) noexcept { return container.header(); }
     static std::uint32_t count(const Any& container) noexcept {
         return header(container.slot_).count;
