@@ -139,25 +139,4 @@ std::size_t wellFormedUtf8Length(std::string_view text) noexcept {
     return checked + wellFormedUtf8LengthPortably(text.substr(checked));
 }
 
-char* writeUtf8(char* to, char32_t codePoint) noexcept {
-    const auto write = [&to](char32_t byte) { *to++ = static_cast<char>(byte); };
-    const auto writeContinuation = [&](int shift) { write(0x80 | (codePoint >> shift & 0x3F)); };
-    if (codePoint < 0x80) {
-        write(codePoint);
-        return to;
-    }
-    if (codePoint < 0x800) {
-        write(0xC0 | codePoint >> 6);
-    } else if (codePoint < 0x10000) {
-        write(0xE0 | codePoint >> 12);
-        writeContinuation(6);
-    } else {
-        write(0xF0 | codePoint >> 18);
-        writeContinuation(12);
-        writeContinuation(6);
-    }
-    writeContinuation(0);
-    return to;
-}
-
 }  // namespace InkoraKit

@@ -17,6 +17,25 @@ inline bool isUtf8(std::string_view text) noexcept {
 }
 
 /// Writes the one to four bytes of a code point, which is no surrogate; returns the end of them.
-char* writeUtf8(char* to, char32_t codePoint) noexcept;
+inline char* writeUtf8(char* to, char32_t codePoint) noexcept {
+    const auto write = [&to](char32_t byte) { *to++ = static_cast<char>(byte); };
+    const auto writeContinuation = [&](int shift) { write(0x80 | (codePoint >> shift & 0x3F)); };
+    if (codePoint < 0x80) {
+        write(codePoint);
+        return to;
+    }
+    if (codePoint < 0x800) {
+        write(0xC0 | codePoint >> 6);
+    } else if (codePoint < 0x10000) {
+        write(0xE0 | codePoint >> 12);
+        writeContinuation(6);
+    } else {
+        write(0xF0 | codePoint >> 18);
+        writeContinuation(12);
+        writeContinuation(6);
+    }
+    writeContinuation(0);
+    return to;
+}
 
 }  // namespace InkoraKit
