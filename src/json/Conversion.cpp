@@ -2,6 +2,8 @@
 
 #include <InkoraKit/JSON.h>
 
+#include "platform/foundation/Storage.h"
+
 #include <algorithm>
 
 namespace InkoraKit {

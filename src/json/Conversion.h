@@ -2,7 +2,6 @@
 
 #include <InkoraKit/platform/Any.h>
 
-#include "platform/foundation/Storage.h"
 
 #include <optional>
 
@@ -12,18 +11,7 @@ namespace InkoraKit {
 /// arrays and dictionaries of `JSON` become plain ones. What a reader makes never needs it, and
 /// the answer costs a look at the first element at most.
 inline bool mayBeConverted(const Any& value) noexcept {
-    switch (Storage::tag(value)) {
-        case AnySlot::object:
-            return true;
-        case AnySlot::array:
-            return Storage::count(value) > 0 &&
-                   Storage::tag(Storage::elements(value).front()) == AnySlot::object;
-        case AnySlot::dictionary:
-            return Storage::count(value) > 0 &&
-                   Storage::members(value).front().value.tag() == AnySlot::object;
-        default:
-            return false;
-    }
+    return value.slot().tag() == AnySlot::object || value.slot().startsWithObject();
 }
 
 /// Whether the value is an array of `JSON`: a `std::vector` of them, or an `Array` that holds
