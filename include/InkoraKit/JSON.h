@@ -524,12 +524,11 @@ JSONPlace JSON::operator[](const StepType& step) & {
 }
 
 /// The key of an element or member that iteration shows: of an array the position in decimal.
-/// Use it as a `std::string_view`, which lives as long as it does, or as a `std::string`.
+/// It is, and what it gives as a `std::string_view`, valid until the iterator moves on; as a
+/// `std::string` it is yours.
 class INKORA_EXPORT JSONMemberKey {
 public:
-    std::string_view view() const noexcept {
-        return position_ < 0 ? text_.slot().text() : positionText();
-    }
+    std::string_view view() const noexcept { return text_ ? text_->text() : positionText(); }
     std::size_t size() const noexcept { return view().size(); }
 
     operator std::string_view() const noexcept { return view(); }
@@ -541,19 +540,19 @@ public:
 
 private:
     friend class JSONMemberIterator;
-    explicit JSONMemberKey(const Any& text) noexcept { text_.borrow(text); }
-    explicit JSONMemberKey(std::int64_t position) noexcept : position_(position) {}
+    JSONMemberKey(const AnySlot* text, std::int64_t position) noexcept
+        : text_(text), position_(position) {}
     std::string_view positionText() const noexcept;
 
-    Any text_;                    // of a member; absent for an element
-    std::int64_t position_ = -1;  // of an element
+    const AnySlot* text_;    // of a member; null for an element
+    std::int64_t position_;  // of an element
     mutable std::uint8_t digitCount_ = 0;
     mutable std::array<char, 20> digits_;  // of the position, once somebody asks for them
 };
 
 /// An element or member, which it keeps.
 struct JSONMember {
-    JSONMemberKey key;
+    std::string key;
     JSON value;
 };
 
@@ -585,8 +584,7 @@ public:
         const Any& value = next_[hasKeys_ ? 1 : 0];
         const JSON& shown =
             JSON::isPlain(&value) ? reinterpret_cast<const JSON&>(value) : converted(value);
-        return hasKeys_ ? JSONMemberReference{JSONMemberKey(*next_), shown}
-                        : JSONMemberReference{JSONMemberKey(position_), shown};
+        return {JSONMemberKey(hasKeys_ ? &next_->slot() : nullptr, position_), shown};
     }
     pointer operator->() const { return {**this}; }
     JSONMemberIterator& operator++() noexcept {

@@ -2,7 +2,6 @@
 
 #include <InkoraKit/platform/Any.h>
 
-
 #include <optional>
 
 namespace InkoraKit {

@@ -6,8 +6,10 @@
 #include <InkoraKit/platform/NSNumber.h>
 #include <InkoraKit/platform/Printing.h>
 
+#include <bit>
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -231,7 +233,14 @@ private:
     static Any dictionaryOf(const Members& members);
 
     void keepText(std::string_view text);
-    void keepNumber(const NSNumber& number);
+    void keepNumber(const NSNumber& number) {
+        if (number.isDecimal()) return keepDecimal(number.decimal_);
+        const auto tag = static_cast<AnySlot::Tag>(static_cast<int>(AnySlot::boolean) +
+                                                   static_cast<int>(number.kind_));
+        slot_ = AnySlot(tag, number.isReal() ? std::bit_cast<std::uint64_t>(number.real_)
+                                             : static_cast<std::uint64_t>(number.integer_));
+    }
+    void keepDecimal(const NSDecimalNumber& decimal);
     void keepObject(std::unique_ptr<Object> object);
 
     bool hasText() const noexcept {

@@ -142,8 +142,10 @@ std::int64_t writtenExponent(std::string_view numeral) {
     std::string_view digits = numeral.substr(mark + 1);
     const bool isNegative = digits.front() == '-';
     if (isNegative || digits.front() == '+') digits.remove_prefix(1);
-    std::int64_t exponent = std::numeric_limits<std::int64_t>::max() / 2;  // if too long to read
+    constexpr std::int64_t farBeyond = std::numeric_limits<std::int64_t>::max() / 2;  // any range
+    std::int64_t exponent = farBeyond;  // if too long to read
     std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+    exponent = std::min(exponent, farBeyond);
     return isNegative ? -exponent : exponent;
 }
 

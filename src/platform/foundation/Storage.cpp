@@ -261,15 +261,8 @@ void Any::keepText(std::string_view text) {
         isUtf8(text) ? textSlot(text) : blockSlot(AnySlot::malformedText, text.data(), text.size());
 }
 
-void Any::keepNumber(const NSNumber& number) {
-    if (number.isDecimal()) {
-        slot_ = blockSlot(AnySlot::decimal, &number.decimal_, sizeof number.decimal_);
-        return;
-    }
-    const auto tag = static_cast<AnySlot::Tag>(static_cast<int>(AnySlot::boolean) +
-                                               static_cast<int>(number.kind_));
-    slot_ = AnySlot(tag, number.isReal() ? std::bit_cast<std::uint64_t>(number.real_)
-                                         : static_cast<std::uint64_t>(number.integer_));
+void Any::keepDecimal(const NSDecimalNumber& decimal) {
+    slot_ = blockSlot(AnySlot::decimal, &decimal, sizeof decimal);
 }
 
 void Any::keepObject(std::unique_ptr<Object> object) {
