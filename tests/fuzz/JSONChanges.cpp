@@ -154,7 +154,8 @@ private:
         Variable& to = variable();
         std::string text;
         std::getline(arguments >> std::ws, text);
-        to = {JSON::parse(text), PlainJSON::parse(text).value_or(PlainJSON())};
+        auto plain = PlainJSON::parse(text);
+        to = {plain ? JSON::parse(text) : JSON(), std::move(plain).value_or(PlainJSON())};
     }
     void many() {
         Variable& to = variable();

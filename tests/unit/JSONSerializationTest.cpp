@@ -125,7 +125,8 @@ TEST(JSONSerializationTest, FaultsAreReportedWhereTheyAre) {
         {"Number with minus sign but no digits", {{"[-]", 1}, {"[-a]", 1}}},
         {"Number with decimal point but no additional digits", {{"[1.]", 1}, {"[1.e5]", 1}}},
         {"Number with 'e' but no additional digits", {{"[1e]", 1}, {"[1e+]", 1}}},
-        {"Number wound up as NaN", {{"[-1e400]", 1}, {"[1e99999999999999999999]", 1}}},
+        {"Number wound up as NaN", {{"[-1e400]", 1}, {"[1e99999999999999999999]", 1},
+            {"[123456789012345678e9223372036854775807]", 1}}},
         {"Unable to convert data to string", {{"\"\xFF\"", 1}, {"[\"abc\xC0\x80\"]", 5},
             {"\"\xED\xA0\x80\"", 1}, {"\"\xF4\x90\x80\x80\"", 1}, {"\"\xE2\x82\"", 1}}},
         {"Too many nested arrays or dictionaries", {{nested(513, "1"), 512 / 2 * 6},
@@ -185,7 +186,8 @@ TEST(JSONSerializationTest, NumbersHaveTheKindThatHoldsThem) {
         {"0.000000000000000001", "decimal 0.000000000000000001"}, {"1e-999", "d0"},
         {"5e-324", "d5e-324"}, {"1.7976931348623157e+308", "d1.7976931348623157e+308"},
         {"100000000000000000000e-20", "decimal 1"}, {"1.00000000000000000000e300", "d1e+300"},
-        {"1e00000000000000000000000003", "d1000"}, {"0e99999999999999999999", "d0"}};
+        {"1e00000000000000000000000003", "d1000"}, {"0e99999999999999999999", "d0"},
+        {"123456789012345678e-9223372036854775807", "d0"}};
     // clang-format on
     for (const auto& [text, wanted] : cases) {
         for (const Any& value : readEverywhere(text)) {

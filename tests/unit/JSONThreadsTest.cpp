@@ -67,6 +67,17 @@ TEST(JSONThreadsTest, CopiesAreChangedAtOnce) {
     }
 }
 
+TEST(JSONThreadsTest, TheLastToChangeFindsItselfAlone) {
+    for (int round = 0; round < 50; ++round) {
+        std::vector<JSON> copies(threadCount, JSON{{"a", 1}, {"b", 2}});
+        onThreads([&](int number) {
+            JSON& mine = copies[static_cast<std::size_t>(number)];
+            mine["b"] = number;
+            ASSERT_EQ(mine["b"].intValue() + mine["a"].intValue(), number + 1);
+        });
+    }
+}
+
 TEST(JSONThreadsTest, PartsAreReadElsewhereWhileTheWholeIsDropped) {
     for (JSON& document : documents()) {
         std::vector<JSON> parts;
