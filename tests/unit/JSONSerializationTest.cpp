@@ -22,6 +22,12 @@ std::string written(const Any& value, Writing options = Writing::none) {
     return JSONSerialization::text(value, options | Writing::allowFragments);
 }
 
+/// Reads from memory that ends with the text.
+Any readExactly(std::string_view text, Reading options = Reading::allowFragments) {
+    const std::vector<char> bytes(text.begin(), text.end());
+    return JSONSerialization::jsonObject(std::string_view(bytes.data(), bytes.size()), options);
+}
+
 /// What a fault is reported as: "reason … line …, column …. @offset".
 std::string faultOf(const NSError& error) {
     EXPECT_EQ(error.domain(), NSCocoaErrorDomain);
@@ -36,7 +42,7 @@ std::string faultOf(const NSError& error) {
 /// The value in compact form, or the fault.
 std::string outcome(std::string_view text, Reading options = Reading::allowFragments) {
     try {
-        return written(JSONSerialization::jsonObject(text, options));
+        return written(readExactly(text, options));
     } catch (const NSError& error) {
         return faultOf(error);
     }
@@ -44,7 +50,7 @@ std::string outcome(std::string_view text, Reading options = Reading::allowFragm
 
 Any read(std::string_view text) {
     try {
-        return JSONSerialization::jsonObject(text, Reading::allowFragments);
+        return readExactly(text);
     } catch (const NSError& error) {
         ADD_FAILURE() << faultOf(error) << " in " << text;
         return {};
@@ -247,6 +253,26 @@ TEST(JSONSerializationTest, TextsOfEveryLengthWithAnythingAnywhereAreRead) {
                           "Unable to convert data to string around line 1, column " + offset +
                               ". @" + offset);
             }
+        }
+    }
+}
+
+TEST(JSONSerializationTest, NothingIsLookedAtBehindTheText) {
+    // clang-format off
+    const struct { std::string start; std::string part; std::string end; bool isText; } cases[] = {
+        {"[1]", " ", "", true},      {"[1]", "\n", "", true},    {"[", " \n", "]", true},
+        {"\"", "\\n", "\"", true},   {"\"", "\\n", "", false},   {"\"", "\\u00e9", "\"", true},
+        {"\"", "é", "\"", true},     {"\"", "é", "", false},     {"\"", "\\ud83d", "", false},
+        {"0.", "1", "", true},       {"1e", "0", "", true},      {"1e-", "9", "", true},
+        {"{\"", "k", "\":1}", true}, {"{\"", "\\n", "", false},  {"[0", ",0", "]", true},
+        {"[0", ",0", "", false},     {"[", "[]", "", false}};
+    // clang-format on
+    for (const auto& [start, part, end, isText] : cases) {
+        std::string text = start;
+        for (int length = 1; length < 1100; ++length) {
+            text += part;
+            const bool isRead = outcome(text + end).find(" around line ") == std::string::npos;
+            ASSERT_EQ(isRead, isText) << text << end;
         }
     }
 }

@@ -64,7 +64,6 @@ private:
 
     JSONSerialization::WritingOptions options_;
     std::uint32_t slashes_;  // of the bytes that are slashes, those to escape
-    bool isFirst_ = true;    // whether the next value is the first of what it stands in
     const AnySlot* root_ = nullptr;
     std::string* result_ = nullptr;
     bool isReserved_ = false;
