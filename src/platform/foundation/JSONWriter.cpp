@@ -115,9 +115,11 @@ bool JSONWriter::write(const Any& value, std::string& result) {
 }
 
 char* JSONWriter::flush(char* to) {
-    // A large result that grows again and again is copied as often: there it pays to count first.
+    // A result that grows again and again is copied as often. Where indentation makes the most of
+    // it, it takes less time to count first.
     constexpr std::size_t large = std::size_t{128} * 1024;
-    if (!isReserved_ && result_->size() > large && root_->isContainer()) {
+    if (!isReserved_ && result_->size() > large &&
+        has(JSONSerialization::WritingOptions::prettyPrinted)) {
         result_->reserve(expectedSize(*root_));
         isReserved_ = true;
     }
@@ -197,9 +199,9 @@ const AnySlot* JSONWriter::nextSorted() {
     return &member->key;
 }
 
-/// About how long the text will be. Escapes make it longer, short numbers shorter.
-std::size_t JSONWriter::expectedSize(const AnySlot& root) const {
-    const bool isPretty = has(JSONSerialization::WritingOptions::prettyPrinted);
+/// About how long a pretty text will be. Escapes make it longer, short numbers shorter.
+std::size_t JSONWriter::expectedSize(const AnySlot& root) {
+    if (!root.isContainer()) return 0;
     const auto sizeOfLeaf = [](const AnySlot& leaf) -> std::size_t {
         if (leaf.isText()) return leaf.text().size() + 2;
         if (leaf.isInteger()) {
@@ -216,7 +218,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) const {
         const bool hasKeys = container->tag() == AnySlot::dictionary;
         const auto* next = reinterpret_cast<const AnySlot*>(container->pointer());
         const std::size_t count = container->header().count;
-        const std::size_t around = isPretty ? 2 + 2 * depth + (hasKeys ? 3 : 0) : hasKeys ? 2 : 1;
+        const std::size_t around = 2 + 2 * depth + (hasKeys ? 3 : 0);
         size += 2 + (count + 1) * around;
         if (depth > mostNested) break;
         for (std::size_t i = 0; i < count; ++i) {

@@ -49,7 +49,7 @@ private:
     Frame begun(const AnySlot& container);
     void sortMembers(const AnySlot& dictionary);
     const AnySlot* nextSorted();
-    std::size_t expectedSize(const AnySlot& root) const;
+    static std::size_t expectedSize(const AnySlot& root);
     std::uint32_t specialsOf(Bytes16 bytes) const;
     bool has(JSONSerialization::WritingOptions option) const noexcept;
 
