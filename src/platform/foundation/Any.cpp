@@ -13,10 +13,6 @@ namespace InkoraKit {
 
 namespace {
 
-bool isContainer(const AnySlot& slot) {
-    return slot.tag() == AnySlot::array || slot.tag() == AnySlot::dictionary;
-}
-
 /// Pairs of containers that remain to be compared.
 using Pairs = std::vector<std::pair<const Any*, const Any*>>;
 
@@ -61,7 +57,7 @@ namespace {
 bool mayBeEqual(const Any& left, const Any& right, Pairs& pending) {
     const AnySlot& l = Storage::slot(left);
     const AnySlot& r = Storage::slot(right);
-    if (!isContainer(l)) return Storage::areEqualLeaves(left, right);
+    if (!l.isContainer()) return Storage::areEqualLeaves(left, right);
     if (l.tag() != r.tag() || Storage::count(left) != Storage::count(right)) return false;
     if (l.pointer() != r.pointer()) pending.emplace_back(&left, &right);
     return true;
@@ -111,8 +107,8 @@ std::size_t hashOfLeaf(const Any& value) {
     if (const auto number = value.as<NSNumber>()) return number->hash();
     if (const auto text = value.as<std::string_view>()) return std::hash<std::string_view>{}(*text);
     const auto kind = static_cast<std::size_t>(value.kind());
-    return isContainer(Storage::slot(value)) ? kind + std::size_t{31} * Storage::count(value)
-                                             : kind;
+    return Storage::slot(value).isContainer() ? kind + std::size_t{31} * Storage::count(value)
+                                              : kind;
 }
 
 }  // namespace
@@ -134,7 +130,7 @@ std::string Any::description() const {
     if (const auto number = as<NSNumber>()) return number->description();
     if (hasText()) return std::string(slot_.text());
     if (slot_.tag() == AnySlot::object) return object()->description();
-    if (!isContainer(slot_)) return hasValue() ? NSNull().description() : "(null)";
+    if (!slot_.isContainer()) return hasValue() ? NSNull().description() : "(null)";
     try {
         return JSONSerialization::text(*this);
     } catch (const NSError&) {  // it holds what is no JSON

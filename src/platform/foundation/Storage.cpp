@@ -197,12 +197,6 @@ void Storage::reserve(Any& container, std::size_t count) {
     if (count > header(container.slot_).capacity) makeRoom(container.slot_, count);
 }
 
-Any Storage::wellFormed(std::string_view text) {
-    Any result;
-    result.slot_ = textSlot(text);
-    return result;
-}
-
 void Storage::destroy(Owner* first) noexcept {
     first->setNext(nullptr);
     for (Owner* rest = first; rest;) {

@@ -68,9 +68,6 @@ public:
     static NSNumber number(const Any& value) noexcept { return value.number(); }
     static std::string_view text(const Any& value) noexcept { return value.slot_.text(); }
 
-    /// A text that is known to be well-formed.
-    static Any wellFormed(std::string_view text);
-
     /// Whether two values are equal that are not both arrays or both dictionaries.
     static bool areEqualLeaves(const Any& left, const Any& right);
 
