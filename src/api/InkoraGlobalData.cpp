@@ -1,8 +1,8 @@
 #include <InkoraKit/InkoraGlobalData.h>
 #include <InkoraKit/platform/JSONSerialization.h>
 
-#include "platform/foundation/ConsoleLine.h"
-#include "platform/foundation/TextEncoding.h"
+#include "platform/foundation/process/ConsoleLine.h"
+#include "platform/foundation/text/TextEncoding.h"
 
 namespace InkoraKit {
 

@@ -1,7 +1,7 @@
 #include <InkoraKit/ManagerState.h>
 
-#include "platform/foundation/Fatal.h"
-#include "platform/foundation/RandomSource.h"
+#include "platform/foundation/process/Fatal.h"
+#include "platform/foundation/process/RandomSource.h"
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include <InkoraKit/JSON.h>
 
-#include "platform/foundation/PercentEncoding.h"
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/text/PercentEncoding.h"
+#include "platform/foundation/values/Storage.h"
 
 #include <algorithm>
 

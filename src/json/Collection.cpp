@@ -1,7 +1,7 @@
 #include <InkoraKit/JSON.h>
 
 #include "Conversion.h"
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/values/Storage.h"
 
 #include <charconv>
 #include <ostream>

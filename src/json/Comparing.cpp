@@ -1,6 +1,6 @@
 #include <InkoraKit/JSON.h>
 
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/values/Storage.h"
 
 namespace InkoraKit {
 

@@ -2,7 +2,7 @@
 
 #include <InkoraKit/JSON.h>
 
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/values/Storage.h"
 
 #include <algorithm>
 

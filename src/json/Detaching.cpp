@@ -1,7 +1,7 @@
 #include <InkoraKit/JSON.h>
 
 #include "Aside.h"
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/values/Storage.h"
 
 namespace InkoraKit {
 

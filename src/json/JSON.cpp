@@ -3,8 +3,8 @@
 #include "Aside.h"
 #include "Conversion.h"
 #include "JSONError.h"
-#include "platform/foundation/Storage.h"
-#include "platform/foundation/TextEncoding.h"
+#include "platform/foundation/text/TextEncoding.h"
+#include "platform/foundation/values/Storage.h"
 
 namespace InkoraKit {
 

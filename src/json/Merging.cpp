@@ -2,7 +2,7 @@
 
 #include "Conversion.h"
 #include "JSONError.h"
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/values/Storage.h"
 
 namespace InkoraKit {
 

@@ -2,8 +2,8 @@
 
 #include "Aside.h"
 #include "Conversion.h"
-#include "platform/foundation/Fatal.h"
-#include "platform/foundation/Storage.h"
+#include "platform/foundation/process/Fatal.h"
+#include "platform/foundation/values/Storage.h"
 
 #include <array>
 #include <span>

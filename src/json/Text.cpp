@@ -2,8 +2,8 @@
 
 #include "JSONError.h"
 #include "NullCastingWriter.h"
-#include "platform/foundation/ConsoleLine.h"
-#include "platform/foundation/TextEncoding.h"
+#include "platform/foundation/process/ConsoleLine.h"
+#include "platform/foundation/text/TextEncoding.h"
 
 #include <ostream>
 #include <span>

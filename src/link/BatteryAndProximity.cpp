@@ -1,7 +1,7 @@
 #include <InkoraKit/InkoraHandler.h>
 
 #include "link/Magnitude.h"
-#include "platform/foundation/Fatal.h"
+#include "platform/foundation/process/Fatal.h"
 
 #include <charconv>
 

@@ -1,6 +1,6 @@
 #include <InkoraKit/InkoraHandler.h>
 
-#include "platform/foundation/Fatal.h"
+#include "platform/foundation/process/Fatal.h"
 
 // The pen's service and characteristics, once it is connected; and what stands in for their
 // discovery in the simulation mode.

@@ -2,7 +2,7 @@
 #include <InkoraKit/platform/CBAdvertisementData.h>
 
 #include "link/Magnitude.h"
-#include "platform/foundation/Fatal.h"
+#include "platform/foundation/process/Fatal.h"
 
 // Finding the pen: the scan, and the choice among what it hears.
 namespace InkoraKit {

@@ -1,6 +1,6 @@
 #include "PenScript.h"
 
-#include "platform/foundation/Fatal.h"
+#include "platform/foundation/process/Fatal.h"
 #include "support/PenScenario.h"
 #include "support/ScriptedRadio.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/DecimalToDouble.h"
-#include "platform/foundation/NumberText.h"
-#include "platform/foundation/ShortestDecimal.h"
+#include "platform/foundation/numbers/DecimalToDouble.h"
+#include "platform/foundation/numbers/NumberText.h"
+#include "platform/foundation/numbers/ShortestDecimal.h"
 
 #include <array>
 #include <bit>

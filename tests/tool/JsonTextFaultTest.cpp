@@ -1,4 +1,4 @@
-#include "JsonTextFault.h"
+#include "json/JsonTextFault.h"
 
 #include <InkoraKit/platform/JSONSerialization.h>
 

@@ -1,6 +1,6 @@
-#include "JsonFormat.h"
 #include "JsonLine.h"
-#include "TextFormat.h"
+#include "pen/JsonFormat.h"
+#include "pen/TextFormat.h"
 
 #include <gtest/gtest.h>
 

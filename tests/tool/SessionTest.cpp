@@ -4,10 +4,10 @@
 #include <InkoraKit/virtual/VirtualPen.h>
 #include <InkoraKit/virtual/VirtualRadio.h>
 
-#include "InfoSession.h"
-#include "JsonFormat.h"
-#include "TextFormat.h"
-#include "WatchSession.h"
+#include "pen/InfoSession.h"
+#include "pen/JsonFormat.h"
+#include "pen/TextFormat.h"
+#include "pen/WatchSession.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "platform/radios/bluez/BluezRadio.h"
 
-#include "platform/foundation/ProcessEnd.h"
+#include "platform/foundation/process/ProcessEnd.h"
 #include "platform/radios/bluez/BluezErrors.h"
 #include "platform/radios/bluez/DeviceAddress.h"
 

@@ -1,0 +1,759 @@
+#include "platform/foundation/json/JSONReader.h"
+
+#include "platform/foundation/numbers/DecimalToDouble.h"
+#include "platform/foundation/numbers/NumberText.h"
+#include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/text/Utf8.h"
+#include "platform/foundation/values/DictionaryIndex.h"
+#include "platform/foundation/values/RegionText.h"
+#include "platform/foundation/values/Storage.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <unordered_map>
+
+namespace InkoraKit {
+
+namespace {
+
+constexpr const char* endTooEarly = "Unexpected end of file during JSON parse.";
+constexpr const char* tooDeep = "Too many nested arrays or dictionaries";
+
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+bool isBlank(char character) {
+    return character == ' ' || character == '\n' || character == '\r' || character == '\t';
+}
+
+/// Fills a slot with one store, since it is soon read with one load: a processor makes a load wait
+/// that spans several recent stores.
+inline void put(AnySlot& slot, AnySlot::Tag tag, std::uint64_t payload) {
+    if constexpr (std::endian::native == std::endian::little) {
+        Bytes16::of(payload, static_cast<std::uint64_t>(tag) << 56).store(&slot);
+    } else {
+        slot = AnySlot(tag, payload);
+    }
+}
+
+inline void put(AnySlot& slot, AnySlot::Tag tag, const void* pointer, std::uint32_t size = 0) {
+    if constexpr (std::endian::native == std::endian::little) {
+        Bytes16::of(reinterpret_cast<std::uintptr_t>(pointer),
+                    static_cast<std::uint64_t>(tag) << 56 | size)
+            .store(&slot);
+    } else {
+        slot = AnySlot(tag, pointer, size);
+    }
+}
+
+inline void copy(AnySlot& slot, const AnySlot& original) {
+    Bytes16::load(&original).store(&slot);
+}
+
+/// The last two bytes of a short text's slot, by size.
+constexpr auto shortTextEnds = [] {
+    std::array<std::array<std::uint8_t, 16>, AnySlot::longestShortText + 1> ends{};
+    for (std::size_t size = 0; size < ends.size(); ++size) {
+        ends[size][14] = static_cast<std::uint8_t>(size);
+        ends[size][15] = AnySlot::shortText;
+    }
+    return ends;
+}();
+
+/// @param text what of it follows the first `size` bytes does not matter
+inline void putShortText(AnySlot& slot, Bytes16 text, std::uint32_t size) {
+    (text.first(size) | Bytes16::load(shortTextEnds[size].data())).store(&slot);
+}
+
+/// Where a text may not simply go on: quotes, backslashes and control characters.
+inline std::uint32_t specialsOf(Bytes16 bytes) {
+    return bytes.equalTo('"') | bytes.equalTo('\\') | bytes.atMost('\x1f');
+}
+
+inline std::uint64_t wordAt(const char* text) {
+    std::uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+/// The number that eight digits make: neighbours are joined to pairs, these to fours, these to all.
+/// The first digit is the lowest byte; zero bytes count as the digit 0.
+constexpr std::uint64_t numberOfEightDigits(std::uint64_t word) {
+    word = (word & 0x0F0F0F0F0F0F0F0F) * (256 * 10 + 1) >> 8;
+    word = (word & 0x00FF00FF00FF00FF) * (65536 * 100 + 1) >> 16;
+    return (word & 0x0000FFFF0000FFFF) * ((std::uint64_t{10000} << 32) + 1) >> 32;
+}
+
+/// Reads all digits that follow, and appends them to the number, which wraps around where it has no
+/// room for them. How many there are decides about as little as possible: a processor cannot
+/// foresee it.
+/// @return null where they go on at `limit`
+[[gnu::always_inline]] inline const char* readDigits(const char* text, const char* limit,
+                                                     std::uint64_t& number) {
+    if constexpr (std::endian::native == std::endian::little) {
+        constexpr std::array<std::uint64_t, 9> powersOfTen{
+            1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+        const auto count = static_cast<unsigned>(std::countr_one(Bytes16::load(text).digits()));
+        if (count == 0) return text;
+        const std::uint64_t first = wordAt(text);
+        if (count <= 8) {
+            number = number * powersOfTen[count] + numberOfEightDigits(first << (64 - 8 * count));
+            return text + count;
+        }
+        number = number * powersOfTen[8] + numberOfEightDigits(first);
+        const std::uint64_t second = wordAt(text + 8) << (128 - 8 * count);
+        number = number * powersOfTen[count - 8] + numberOfEightDigits(second);
+        text += count;
+        if (count < 16) return text;
+    }
+    for (; isDigit(*text); ++text) {
+        if (text >= limit) return nullptr;
+        number = number * 10 + static_cast<unsigned>(*text - '0');
+    }
+    return text;
+}
+
+/// What the letter after a backslash stands for, or zero.
+constexpr auto meaningsOfEscapes = [] {
+    constexpr std::string_view letters = "\"\\/bfnrt";
+    constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
+    std::array<char, 256> table{};
+    for (std::size_t i = 0; i < letters.size(); ++i)
+        table[static_cast<unsigned char>(letters[i])] = meanings[i];
+    return table;
+}();
+
+/// What a hexadecimal digit is worth; 16 and more for other characters.
+constexpr auto hexDigits = [] {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::array<std::uint8_t, 256> table{};
+    table.fill(16);
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        table[static_cast<unsigned char>(digits[i])] = static_cast<std::uint8_t>(i);
+        if (i >= 10)
+            table[static_cast<unsigned char>(digits[i] - 0x20)] = static_cast<std::uint8_t>(i);
+    }
+    return table;
+}();
+
+/// Whether any two of a few keys are the same. Most often some bits of each tell that none are.
+bool haveRepeatedKey(const MemberSlots* members, std::size_t count) {
+    std::uint64_t seen = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const AnySlot& key = members[i].key;
+        std::uint64_t word = key.payload() ^ key.rest();
+        if (key.tag() != AnySlot::shortText) std::memcpy(&word, key.pointer(), sizeof word);
+        const std::uint64_t bit = std::uint64_t{1} << (word * 0x9e3779b97f4a7c15 >> 58);
+        if ((seen & bit) != 0) {
+            for (std::size_t j = 0; j < i; ++j)
+                if (DictionaryIndex::areEqual(key, members[j].key)) return true;
+        }
+        seen |= bit;
+    }
+    return false;
+}
+
+/// Leaves each key once, at its first place, with its last value.
+void removeRepeatedKeys(std::byte* node) {
+    auto* const members = reinterpret_cast<MemberSlots*>(node);
+    NodeHeader& header = reinterpret_cast<NodeHeader*>(node)[-1];
+    std::unordered_map<std::string_view, std::uint32_t> places;
+    std::uint32_t kept = 0;
+    for (std::uint32_t i = 0; i < header.count; ++i) {
+        const MemberSlots member = members[i];
+        members[kept].key = member.key;  // whose text, if short, lives there
+        const auto [place, isNew] = places.emplace(members[kept].key.text(), kept);
+        members[place->second].value = member.value;
+        if (isNew) ++kept;
+    }
+    header.count = kept;
+    DictionaryIndex::build(members, header);
+}
+
+/// Whether that is how many members the dictionary has, and also how many it has room for: one that
+/// had repeated keys has more, and its index is laid out for them.
+bool isFull(const MemberSlots* members, std::size_t count) {
+    const NodeHeader& header = reinterpret_cast<const NodeHeader*>(members)[-1];
+    return header.count == count && header.capacity == count;
+}
+
+std::byte* newNode(std::byte* room, std::size_t count, Region* region) {
+    const auto number = static_cast<std::uint32_t>(count);
+    new (room) NodeHeader{number, number, region};
+    return room + sizeof(NodeHeader);
+}
+
+/// Most arrays and dictionaries are small: a call would take longer than the copying.
+inline void copySlots(std::byte* to, const AnySlot* from, std::size_t count) {
+    constexpr std::size_t few = 16;
+    if (count > few) {
+        std::memcpy(to, from, count * sizeof(AnySlot));
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i) Bytes16::load(from + i).store(to + i * sizeof(AnySlot));
+}
+
+}  // namespace
+
+JSONReader::~JSONReader() {
+    if (region_) region_->destroy();
+}
+
+const char* JSONReader::fail(const char* reason, const char* place) {
+    fault_ = {reason, offsetOf(place)};
+    return nullptr;
+}
+
+const char* JSONReader::moveToEnd(const char* text) {
+    const auto rest = static_cast<std::size_t>(end_ - text);
+    const std::size_t offset = offsetOf(text);
+    char* copy = smallEnd_.data();
+    if (rest + padding > smallEnd_.size()) {
+        largeEnd_ = std::make_unique_for_overwrite<char[]>(rest + padding);
+        copy = largeEnd_.get();
+    }
+    if (rest > 0) std::memcpy(copy, text, rest);
+    std::memset(copy + rest, 0, padding);
+    base_ = reinterpret_cast<std::uintptr_t>(copy) - offset;
+    end_ = copy + rest;
+    limit_ = end_ + padding;  // which nothing reaches: the first zero stops everything
+    return copy;
+}
+
+/// The first place that is not white space. Where there is some, it is most often a single blank,
+/// or a line break and an indentation.
+[[gnu::always_inline]] inline const char* JSONReader::skipBlanks(const char* text) {
+    const auto isPlain = [](char character) { return static_cast<unsigned char>(character) > ' '; };
+    if (text >= limit_) [[unlikely]]
+        text = moveToEnd(text);
+    if (isPlain(*text) || !isBlank(*text)) return text;
+    if (isPlain(*++text)) return text;
+    for (;;) {
+        const std::uint32_t blanks = Bytes16::load(text).equalTo(' ');
+        if (blanks != 0xFFFF) {
+            text += std::countr_one(blanks);
+            return isPlain(*text) ? text : skipManyBlanks(text);
+        }
+        text += 16;
+        if (text >= limit_) [[unlikely]]
+            text = moveToEnd(text);
+    }
+}
+
+/// The same for white space of any kind.
+const char* JSONReader::skipManyBlanks(const char* text) {
+    for (;;) {
+        if (text >= limit_) text = moveToEnd(text);
+        const Bytes16 bytes = Bytes16::load(text);
+        const std::uint32_t blanks =
+            bytes.equalTo(' ') | bytes.equalTo('\n') | bytes.equalTo('\r') | bytes.equalTo('\t');
+        if (blanks != 0xFFFF) return text + std::countr_one(blanks);
+        text += 16;
+    }
+}
+
+/// What is wrong at a place may be that the text has ended there. That is put down to the array or
+/// dictionary that is open.
+const char* JSONReader::failAtEndOr(const char* reason, const char* place, const Frame& frame) {
+    fault_ = {reason, offsetOf(place)};
+    if (place == end_)
+        fault_ = {endTooEarly, frame.place == Place::document ? offsetOf(place) : frame.opening};
+    return nullptr;
+}
+
+JSONReader::JSONReader(std::string_view text) noexcept
+    : text_(text),
+      end_(text.data() + text.size()),
+      limit_(end_ - std::min(text.size(), endSize)),
+      base_(reinterpret_cast<std::uintptr_t>(text.data())) {}
+
+bool JSONReader::read(bool allowFragments, Any& result) {
+    if (text_.empty()) {
+        fail("Unable to parse empty data.", text_.data());
+        return false;
+    }
+    if (text_.size() > UINT32_MAX) {  // which texts, arrays and dictionaries count with
+        fail("Text is too long", text_.data());
+        return false;
+    }
+    const bool isSmall = text_.size() + padding <= smallEnd_.size();
+    const char* const start = skipBlanks(isSmall ? moveToEnd(text_.data()) : text_.data());
+    if (start == end_) {
+        fail("JSON text did not have any content", start);
+        return false;
+    }
+    if (!allowFragments && *start != '[' && *start != '{') {
+        fail("JSON text did not start with array or object and option to allow fragments not set.",
+             start);
+        return false;
+    }
+    // A short text gets all that it may need; a long one soon tells how much that is.
+    constexpr std::size_t shortText = 1024;
+    region_ = Region::create(text_.size() < shortText ? 2 * text_.size() + 64
+                                                      : shortText + text_.size() / 16);
+    const char* const after = readDocument(start);
+    if (!after) return false;
+    const char* const rest = skipBlanks(after);
+    if (rest != end_) {
+        fail("Garbage at end", rest);
+        return false;
+    }
+    AnySlot root = *stack_.begin();
+    if (root.isShared()) {
+        root.setCounted();  // the one user that the region was made with
+        region_ = nullptr;
+    }
+    result = Any();
+    Storage::slot(result) = root;
+    return true;
+}
+
+const char* JSONReader::readDocument(const char* text) {
+    AnySlot* top = stack_.begin();
+    Frame* frame = frames_.data();
+    *frame = {Place::document, false, 0, 0, nullptr, nullptr, nullptr, 0, 0};
+    for (;;) {
+        // A value begins here.
+        top = stack_.withRoomForTwo(top);  // for it, and for a key after it
+        const char* after = nullptr;
+        switch (*text) {
+            case '"':
+                after = readText(text + 1, *top++);
+                break;
+            case '[':
+                if (frame == &frames_.back()) return fail(tooDeep, text);
+                open(Place::array, text, top, *frame, frame[1]);
+                ++frame;
+                text = skipBlanks(text + 1);
+                if (*text != ']') continue;
+                top = closeArray(text, *frame, top);
+                --frame;
+                after = text + 1;
+                break;
+            case '{':
+                if (frame == &frames_.back()) return fail(tooDeep, text);
+                open(Place::dictionary, text, top, *frame, frame[1]);
+                ++frame;
+                text = skipBlanks(text + 1);
+                if (*text != '}') {
+                    text = readKey(text, *frame, *top++);
+                    if (!text) return nullptr;
+                    continue;
+                }
+                top = closeDictionary(text, *frame, frame[-1], top);
+                --frame;
+                after = text + 1;
+                break;
+            case '-':
+            case '0':
+            case '1':
+            case '2':
+            case '3':
+            case '4':
+            case '5':
+            case '6':
+            case '7':
+            case '8':
+            case '9':
+                after = readNumber(text, *top++);
+                break;
+            default:
+                after = readWord(text, *frame, *top++);
+        }
+        if (!after) [[unlikely]] {
+            if (isFaulty()) return nullptr;
+            text = moveToEnd(text);
+            --top;
+            continue;
+        }
+        text = after;
+        // A value has ended here, and perhaps what it stood in.
+        for (;;) {
+            if (frame->place == Place::document) return text;
+            text = skipBlanks(text);
+            if (*text == ',') {
+                text = skipBlanks(text + 1);
+                if (frame->place == Place::array) break;
+                text = readKey(text, *frame, *top++);
+                if (!text) return nullptr;
+                break;
+            }
+            if (frame->place == Place::array) {
+                if (*text != ']')
+                    return text == end_ ? fail("Unexpected end of file", text)
+                                        : fail("Badly formed array", text);
+                top = closeArray(text++, *frame, top);
+                --frame;
+            } else {
+                if (*text != '}')
+                    return text == end_ ? fail("Unexpected end of file", text)
+                                        : fail("Badly formed object", text);
+                top = closeDictionary(text++, *frame, frame[-1], top);
+                --frame;
+            }
+        }
+    }
+}
+
+[[gnu::always_inline]] inline void JSONReader::open(Place place, const char* text, AnySlot* top,
+                                                    const Frame& outer, Frame& opened) {
+    opened.place = place;
+    opened.opening = offsetOf(text);
+    opened.firstSlot = static_cast<std::size_t>(top - stack_.begin());
+    opened.previous = nullptr;
+    opened.expected = nullptr;
+    opened.hint = nullptr;
+    const AnySlot* const expected = outer.expected;
+    if (place == Place::array) {
+        // Expect the first element to be like the one of the array that stood here before.
+        if (!expected || expected->tag() != AnySlot::array) return;
+        const auto* const first = reinterpret_cast<AnySlot*>(expected->pointer());
+        if (Storage::header(*expected).count > 0 && first->tag() == AnySlot::dictionary)
+            opened.previous = reinterpret_cast<MemberSlots*>(first->pointer());
+        return;
+    }
+    const bool isExpected = expected && expected->tag() == AnySlot::dictionary;
+    opened.hint = isExpected ? reinterpret_cast<MemberSlots*>(expected->pointer()) : outer.previous;
+    opened.hintCount = opened.hint ? reinterpret_cast<const NodeHeader*>(opened.hint)[-1].count : 0;
+    opened.hintPosition = 0;
+    opened.isAsHinted = opened.hint != nullptr;
+}
+
+/// How much is left to read, as a multiple of what has been read.
+double JSONReader::toCome(const char* text) const noexcept {
+    return static_cast<double>(end_ - text) / static_cast<double>(offsetOf(text) + 1);
+}
+
+[[gnu::always_inline]] inline std::byte* JSONReader::allocate(const char* text, std::size_t size) {
+    if (!region_->hasRoom(size)) [[unlikely]]
+        region_->addPiece(size, toCome(text));
+    return region_->take(size);
+}
+
+[[gnu::always_inline]] inline AnySlot* JSONReader::closeArray(const char* text, const Frame& frame,
+                                                              AnySlot* top) {
+    AnySlot* const slots = stack_.begin() + frame.firstSlot;
+    const auto count = static_cast<std::size_t>(top - slots);
+    std::byte* const node =
+        newNode(allocate(text, sizeof(NodeHeader) + count * sizeof(AnySlot)), count, region_);
+    copySlots(node, slots, count);
+    put(*slots, AnySlot::array, node);
+    return slots + 1;
+}
+
+[[gnu::always_inline]] inline AnySlot* JSONReader::closeDictionary(const char* text,
+                                                                   const Frame& frame, Frame& outer,
+                                                                   AnySlot* top) {
+    AnySlot* const slots = stack_.begin() + frame.firstSlot;
+    const std::size_t count = static_cast<std::size_t>(top - slots) / 2;
+    const std::size_t memberSize = count * sizeof(MemberSlots);
+    const bool hasIndex = count > DictionaryIndex::mostWithoutFingerprints;
+    const std::size_t size =
+        hasIndex ? DictionaryIndex::size(static_cast<std::uint32_t>(count)) : memberSize;
+    std::byte* const node = newNode(allocate(text, sizeof(NodeHeader) + size), count, region_);
+    auto* const members = reinterpret_cast<MemberSlots*>(node);
+    copySlots(node, slots, count * 2);
+
+    bool isRepeating = false;
+    if (!hasIndex) {
+        isRepeating = !frame.isAsHinted && count > 1 && haveRepeatedKey(members, count);
+    } else if (frame.isAsHinted && isFull(frame.hint, count)) {
+        // The same keys in the same order have the same index.
+        std::memcpy(node + memberSize, reinterpret_cast<const std::byte*>(frame.hint) + memberSize,
+                    size - memberSize);
+    } else {
+        const NodeHeader& header = reinterpret_cast<NodeHeader*>(node)[-1];
+        DictionaryIndex::build(members, header);
+        isRepeating = !frame.isAsHinted && DictionaryIndex::hasRepeatedKey(members, header);
+    }
+    if (isRepeating) [[unlikely]]
+        removeRepeatedKeys(node);
+    put(*slots, AnySlot::dictionary, node);
+    outer.previous = members;
+    return slots + 1;
+}
+
+/// @param text the quote before the text that is to be the key
+[[gnu::always_inline]] inline bool JSONReader::isExpectedKey(const char* text,
+                                                             const AnySlot& key) const {
+    if (key.tag() == AnySlot::shortText) {
+        const std::uint32_t size = key.bytes[14];
+        const std::uint32_t equal = Bytes16::load(text + 1).equalTo(Bytes16::load(&key));
+        return static_cast<std::uint32_t>(std::countr_one(equal)) >= size && text[1 + size] == '"';
+    }
+    const std::uint32_t size = key.size();
+    if (static_cast<std::size_t>(end_ - text) <= size + 1 || text[1 + size] != '"') return false;
+    // Two looks at sixteen bytes, which may overlap, are enough for nearly every key.
+    const std::byte* const expected = key.pointer();
+    if (size < 16 || size > 32) return std::memcmp(text + 1, expected, size) == 0;
+    const auto isSame = [&](std::size_t offset) {
+        return Bytes16::load(text + 1 + offset).equalTo(Bytes16::load(expected + offset)) == 0xFFFF;
+    };
+    return isSame(0) && isSame(size - 16);
+}
+
+/// @return the value after the key
+[[gnu::always_inline]] inline const char* JSONReader::readKey(const char* text, Frame& frame,
+                                                              AnySlot& key) {
+    if (*text != '"') [[unlikely]]
+        return failAtEndOr("No string key for value in object", text, frame);
+    const auto readsExpected = [&](std::uint32_t position) {
+        if (position >= frame.hintCount) return false;
+        const MemberSlots& member = frame.hint[position];
+        if (!isExpectedKey(text, member.key)) return false;
+        copy(key, member.key);
+        text +=
+            (member.key.tag() == AnySlot::shortText ? member.key.bytes[14] : member.key.size()) + 2;
+        frame.expected = &member.value;
+        frame.hintPosition = position + 1;
+        return true;
+    };
+    // The next key of the hint or, where that is left out here, the one after it.
+    if (!frame.hint ||
+        (!readsExpected(frame.hintPosition) && !readsExpected(frame.hintPosition + 1))) {
+        frame.expected = nullptr;
+        frame.isAsHinted = false;
+        const char* after = readText(text + 1, key);
+        if (!after && !isFaulty()) after = readText(moveToEnd(text) + 1, key);
+        if (!after) return nullptr;
+        text = after;
+    }
+    text = skipBlanks(text);
+    if (*text != ':') return failAtEndOr("No value for key in object", text, frame);
+    return skipBlanks(text + 1);
+}
+
+/// @param text after the opening quote
+[[gnu::always_inline]] inline const char* JSONReader::readText(const char* text, AnySlot& slot) {
+    const Bytes16 bytes = Bytes16::load(text);
+    const std::uint32_t specials = specialsOf(bytes);
+    if (specials == 0) return readLongText(text, slot);
+    const auto size = static_cast<std::uint32_t>(std::countr_zero(specials));
+    const bool isPlain = (bytes.nonASCII() & ((1u << size) - 1)) == 0;
+    if (text[size] != '"' || size > AnySlot::longestShortText || !isPlain)
+        return readLongText(text, slot);
+    putShortText(slot, bytes, size);
+    return text + size + 1;
+}
+
+/// A text of any length, with escapes. It goes straight to where it stays.
+const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
+    constexpr std::size_t step = 16;
+    constexpr std::size_t mostAtOnce = 3 * step;
+    RegionText result(*region_, mostAtOnce);
+    if (!result.hasRoom()) [[unlikely]]
+        result.grow(toCome(text));
+    const char* from = text;
+    std::uint32_t nonASCII = 0;
+    for (;;) {
+        const Bytes16 bytes = Bytes16::load(from);
+        bytes.store(result.to);
+        const std::uint32_t specials = specialsOf(bytes);
+        if (specials == 0) {
+            nonASCII |= bytes.nonASCII();
+            from += step;
+            result.to += step;
+            if (from >= limit_) [[unlikely]]
+                return nullptr;
+            if (!result.hasRoom()) [[unlikely]]
+                result.grow(toCome(from));
+            continue;
+        }
+        const int plain = std::countr_zero(specials);
+        nonASCII |= bytes.nonASCII() & ((1u << plain) - 1);
+        from += plain;
+        result.to += plain;
+        if (*from == '"') break;
+        if (*from != '\\')
+            return from == end_ ? fail("Unterminated string", text - 1)
+                                : fail("Unescaped control character", from);
+        if (const char meaning = meaningsOfEscapes[static_cast<unsigned char>(from[1])]) {
+            *result.to++ = meaning;
+            from += 2;
+        } else {
+            from = readUnicodeEscape(from, result.to);
+            if (!from) return nullptr;
+        }
+        if (from >= limit_) [[unlikely]]
+            return nullptr;
+        if (!result.hasRoom()) [[unlikely]]
+            result.grow(toCome(from));
+    }
+    if (nonASCII != 0) {
+        const std::string_view raw(text, static_cast<std::size_t>(from - text));
+        const std::size_t wellFormed = wellFormedUtf8Length(raw);
+        if (wellFormed != raw.size())
+            return fail("Unable to convert data to string", text + wellFormed);
+    }
+    const std::size_t size = result.size();
+    if (size <= AnySlot::longestShortText) {
+        putShortText(slot, Bytes16::load(result.start()), static_cast<std::uint32_t>(size));
+    } else {
+        put(slot, AnySlot::longText, result.keep(), static_cast<std::uint32_t>(size));
+    }
+    return from + 1;
+}
+
+/// Reads "\u" and four digits, twice for a character beyond the first 65536. Makes at most four
+/// bytes.
+const char* JSONReader::readUnicodeEscape(const char* text, char*& to) {
+    if (text[1] != 'u') return fail("Invalid escape sequence", text);
+    constexpr std::uint32_t invalid = 0x10000;
+    const auto unitAt = [](const char* digits) {
+        std::uint32_t unit = 0;
+        std::uint32_t largest = 0;
+        for (int i = 0; i < 4; ++i) {
+            const std::uint32_t digit = hexDigits[static_cast<unsigned char>(digits[i])];
+            unit = unit << 4 | digit;
+            largest |= digit;
+        }
+        return largest < 16 ? unit : invalid;
+    };
+    const auto invalidDigit = [this](const char* digits) {
+        while (hexDigits[static_cast<unsigned char>(*digits)] < 16) ++digits;
+        return fail("Invalid hex digit in unicode escape sequence", digits);
+    };
+    const std::uint32_t unit = unitAt(text + 2);
+    if (unit == invalid) return invalidDigit(text + 2);
+    if (unit < 0xD800 || unit > 0xDFFF) {
+        to = writeUtf8(to, static_cast<char32_t>(unit));
+        return text + 6;
+    }
+    constexpr const char* lone = "Lone surrogate in unicode escape sequence";
+    if (unit >= 0xDC00 || text[6] != '\\' || text[7] != 'u') return fail(lone, text);
+    const std::uint32_t low = unitAt(text + 8);
+    if (low == invalid) return invalidDigit(text + 8);
+    if (low < 0xDC00 || low > 0xDFFF) return fail(lone, text);
+    to = writeUtf8(to, static_cast<char32_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00)));
+    return text + 12;
+}
+
+[[gnu::always_inline]] inline const char* JSONReader::readNumber(const char* text, AnySlot& slot) {
+    const char* const start = text;
+    const bool isNegative = *text == '-';
+    if (isNegative) ++text;
+    const char* const first = text;
+    std::uint64_t number = 0;
+    text = readDigits(text, limit_, number);
+    if (!text) [[unlikely]]
+        return nullptr;
+    auto digits = text - first;
+    if (*first == '0') {
+        if (digits > 1) return fail("Number with leading zero", first + 1);
+        digits = 0;
+    } else if (digits == 0) {
+        return fail("Number with minus sign but no digits", start);
+    }
+    if (*text == '.' || *text == 'e' || *text == 'E')
+        return readReal(start, text, number, digits, slot);
+    constexpr std::uint64_t mostNegative = std::uint64_t{1} << 63;
+    constexpr int mostDigits = 19;  // that never wrap around
+    if (digits > mostDigits || number >= mostNegative) [[unlikely]]
+        return readLongInteger(start, text, slot);
+    put(slot, AnySlot::int64, isNegative ? 0 - number : number);
+    return text;
+}
+
+/// An integer of the numeral from `start` to `text`, which may not fit into 64 bits.
+const char* JSONReader::readLongInteger(const char* start, const char* text, AnySlot& slot) {
+    std::int64_t integer = 0;
+    std::uint64_t natural = 0;
+    if (std::from_chars(start, text, integer).ec == std::errc()) {
+        put(slot, AnySlot::int64, static_cast<std::uint64_t>(integer));
+    } else if (*start != '-' && std::from_chars(start, text, natural).ec == std::errc()) {
+        put(slot, AnySlot::uint64, natural);
+    } else {
+        return readReal(start, text, 0, text - start, slot);
+    }
+    return text;
+}
+
+/// @param text after the integer part
+/// @param mantissa the integer part, wrapped around where it has more than 19 digits
+/// @param digits   how many digits that has, none for 0
+const char* JSONReader::readReal(const char* start, const char* text, std::uint64_t mantissa,
+                                 std::int64_t digits, AnySlot& slot) {
+    std::int64_t exponent = 0;
+    if (*text == '.') {
+        const char* const first = ++text;
+        text = readDigits(text, limit_, mantissa);
+        if (!text) [[unlikely]]
+            return nullptr;
+        if (text == first) return fail("Number with decimal point but no additional digits", start);
+        digits += text - first;
+        exponent = first - text;
+    }
+    if (*text == 'e' || *text == 'E') {
+        ++text;
+        const bool isNegative = *text == '-';
+        if (isNegative || *text == '+') ++text;
+        const char* const first = text;
+        std::int64_t written = 0;
+        constexpr std::int64_t farBeyond = 1'000'000'000'000;  // any range of exponents
+        for (; isDigit(*text); ++text) {
+            if (text >= limit_) return nullptr;
+            if (written < farBeyond) written = written * 10 + (*text - '0');
+        }
+        if (text == first) return fail("Number with 'e' but no additional digits", start);
+        exponent += isNegative ? -written : written;
+    }
+
+    constexpr std::int64_t mostDigitsOfDouble = 17;
+    const std::string_view numeral(start, static_cast<std::size_t>(text - start));
+    std::optional<double> value;
+    if (digits > mostDigitsOfDouble) {
+        if (putDecimal(numeral, slot)) return text;
+    } else {
+        value = nearestDouble(mantissa, exponent);
+        if (value && *start == '-') value = -*value;
+    }
+    if (!value) value = realFromText(numeral);
+    if (!std::isfinite(*value)) return fail("Number wound up as NaN", start);
+    put(slot, AnySlot::float64, std::bit_cast<std::uint64_t>(*value));
+    return text;
+}
+
+/// @return whether a decimal can hold the numeral
+bool JSONReader::putDecimal(std::string_view numeral, AnySlot& slot) {
+    const NSDecimalNumber decimal(numeral);
+    if (decimal.isNaN()) return false;
+    std::byte* const room = allocate(numeral.data(), sizeof(void*) + sizeof decimal);
+    new (room) Owner*(region_);
+    std::memcpy(room + sizeof(void*), &decimal, sizeof decimal);
+    put(slot, AnySlot::decimal, room + sizeof(void*));
+    return true;
+}
+
+const char* JSONReader::readWord(const char* text, const Frame& frame, AnySlot& slot) {
+    const std::string_view rest(text, static_cast<std::size_t>(end_ - text));
+    const auto failed = [&](std::string_view word, const char* reason) {
+        const bool isCutShort =
+            frame.place == Place::document && rest.size() < word.size() && word.starts_with(rest);
+        return isCutShort ? fail(endTooEarly, text) : fail(reason, text);
+    };
+    switch (*text) {
+        case 't':
+            if (!rest.starts_with("true"))
+                return failed("true", "Something looked like a 'true' but wasn't");
+            put(slot, AnySlot::boolean, std::uint64_t{1});
+            return text + 4;
+        case 'f':
+            if (!rest.starts_with("false"))
+                return failed("false", "Something looked like a 'false' but wasn't");
+            put(slot, AnySlot::boolean, std::uint64_t{0});
+            return text + 5;
+        case 'n':
+            if (!rest.starts_with("null"))
+                return failed("null", "Something looked like a 'null' but wasn't");
+            put(slot, AnySlot::null, std::uint64_t{0});
+            return text + 4;
+        default:
+            return failAtEndOr("Invalid value", text, frame);
+    }
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <InkoraKit/platform/Any.h>
+#include <InkoraKit/platform/JSONSerialization.h>
+
+#include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/values/Storage.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace InkoraKit {
+
+/// Writes one value as JSON text (RFC 8259). How deep the value is nested costs no depth of calls.
+class JSONWriter {
+public:
+    static constexpr std::size_t mostNested = 512;  // a value within the innermost counts as well
+
+    explicit JSONWriter(JSONSerialization::WritingOptions options);
+
+    /// @return whether the value could be written; if not, `fault()` tells why.
+    bool write(const Any& value, std::string& result);
+    const std::string& fault() const noexcept { return fault_; }
+
+private:
+    /// An array or dictionary that has been begun.
+    struct Frame {
+        const AnySlot* next;  // element, or key and value of a member
+        std::uint32_t remaining;
+        bool hasKeys;
+        bool isSorted;  // its members are at the end of sorted_, the next one last
+    };
+
+    // These take the place in the buffer to write to, and give back that after what they wrote.
+
+    template <bool isPretty>
+    char* writeDocument(const AnySlot& root, char* to);
+    char* writeLeaf(const AnySlot& leaf, char* to);
+    char* writeNumber(const AnySlot& number, char* to);
+    char* writeText(const AnySlot& text, char* to);
+    char* writeAnyText(const AnySlot& text, char* to);
+    static char* breakLine(char* to, std::size_t depth);
+    char* fail(std::string_view reason);
+
+    Frame begun(const AnySlot& container);
+    void sortMembers(const AnySlot& dictionary);
+    const AnySlot* nextSorted();
+    static std::size_t expectedSize(const AnySlot& root);
+    std::uint32_t specialsOf(Bytes16 bytes) const;
+    bool has(JSONSerialization::WritingOptions option) const noexcept;
+
+    /// Makes room for so many more bytes, of at most `mostAtOnce`.
+    char* ensure(char* to, std::size_t size) {
+        return static_cast<std::size_t>(buffer_.data() + buffer_.size() - to) < size ? flush(to)
+                                                                                     : to;
+    }
+    char* flush(char* to);
+
+    static constexpr std::size_t mostAtOnce = 2 * mostNested + 64;  // an indentation
+
+    JSONSerialization::WritingOptions options_;
+    std::uint32_t slashes_;  // of the bytes that are slashes, those to escape
+    const AnySlot* root_ = nullptr;
+    std::string* result_ = nullptr;
+    bool isReserved_ = false;
+    std::string fault_;
+    std::vector<Frame> frames_;  // around the innermost
+    std::vector<const MemberSlots*> sorted_;
+    // What is written passes through here, where it stays in the processor's nearest cache until
+    // the result grows by all of it at once.
+    std::array<char, std::size_t{16} * 1024> buffer_;
+};
+
+}  // namespace InkoraKit

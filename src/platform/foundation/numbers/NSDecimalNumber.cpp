@@ -1,0 +1,193 @@
+#include <InkoraKit/platform/NSDecimalNumber.h>
+
+#include "platform/foundation/numbers/NumberText.h"
+#include "platform/foundation/numbers/Ordering.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace InkoraKit {
+
+namespace {
+
+__extension__ typedef unsigned __int128 Mantissa;
+
+constexpr Mantissa largestMantissa = ~Mantissa{0};
+constexpr int smallestExponent = std::numeric_limits<std::int8_t>::min();
+constexpr int largestExponent = std::numeric_limits<std::int8_t>::max();
+
+constexpr Mantissa joined(std::uint64_t high, std::uint64_t low) {
+    return static_cast<Mantissa>(high) << 64 | low;
+}
+
+constexpr std::uint64_t highHalf(Mantissa mantissa) {
+    return static_cast<std::uint64_t>(mantissa >> 64);
+}
+
+constexpr std::uint64_t lowHalf(Mantissa mantissa) {
+    return static_cast<std::uint64_t>(mantissa);
+}
+
+std::string digitsOf(Mantissa mantissa) {
+    if (highHalf(mantissa) == 0) return std::to_string(lowHalf(mantissa));
+    constexpr std::uint64_t tenToThe19th = 10'000'000'000'000'000'000u;
+    const std::string low = std::to_string(lowHalf(mantissa % tenToThe19th));
+    return digitsOf(mantissa / tenToThe19th) + std::string(19 - low.size(), '0') + low;
+}
+
+ComparisonResult compareMagnitudes(Mantissa left, int leftExponent, Mantissa right,
+                                   int rightExponent) {
+    if (leftExponent < rightExponent) {
+        return reversed(compareMagnitudes(right, rightExponent, left, leftExponent));
+    }
+    for (int zeros = leftExponent - rightExponent; zeros > 0; --zeros) {
+        if (left > largestMantissa / 10) return ComparisonResult::orderedDescending;
+        left *= 10;
+    }
+    return ordered(left, right);
+}
+
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+/// Takes the first character off the text if it is one of those wanted.
+bool take(std::string_view& text, std::string_view wanted) {
+    if (text.empty() || wanted.find(text.front()) == std::string_view::npos) return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+/// Takes an optional sign off the text.
+/// @return whether it was a minus.
+bool takeSign(std::string_view& text) {
+    const bool isNegative = text.starts_with('-');
+    take(text, "+-");
+    return isNegative;
+}
+
+/// The digits of a numeral on their way into the mantissa.
+struct Significand {
+    Mantissa mantissa = 0;
+    std::int64_t exponent = 0;
+    bool hasDigits = false;
+    bool isFull = false;
+
+    void takeDigits(std::string_view& text, bool isFraction) {
+        for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
+            append(static_cast<unsigned>(text.front() - '0'), isFraction);
+        }
+    }
+
+    void append(unsigned digit, bool isFraction) {
+        hasDigits = true;
+        isFull = isFull || mantissa > largestMantissa / 10 ||
+                 (mantissa == largestMantissa / 10 && digit > largestMantissa % 10);
+        if (!isFull) mantissa = mantissa * 10 + digit;
+        // A digit after the point moves the point; one before it that found no room does so the
+        // other way.
+        if (isFraction != isFull) exponent += isFraction ? -1 : 1;
+    }
+};
+
+}  // namespace
+
+NSDecimalNumber::NSDecimalNumber(std::string_view text) noexcept : NSDecimalNumber(parsed(text)) {}
+
+NSDecimalNumber::NSDecimalNumber(std::uint64_t mantissaHigh, std::uint64_t mantissaLow,
+                                 int exponent, bool isNegative) noexcept {
+    Mantissa mantissa = joined(mantissaHigh, mantissaLow);
+    if (mantissa == 0) exponent = 0;
+    while (mantissa != 0 && exponent < largestExponent && mantissa % 10 == 0) {
+        mantissa /= 10;
+        ++exponent;
+    }
+    mantissaHigh_ = highHalf(mantissa);
+    mantissaLow_ = lowHalf(mantissa);
+    exponent_ = static_cast<std::int8_t>(exponent);
+    isNegative_ = isNegative && mantissa != 0;
+}
+
+NSDecimalNumber NSDecimalNumber::parsed(std::string_view text) noexcept {
+    const bool startsWithExponent = text.starts_with('e') || text.starts_with('E');
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool isNegative = takeSign(text);
+
+    Significand significand;
+    significand.takeDigits(text, false);
+    if (take(text, ".")) {
+        significand.takeDigits(text, true);
+    }
+    if (!significand.hasDigits && !startsWithExponent) return notANumber();
+
+    if (take(text, "eE")) {
+        const bool isExponentNegative = takeSign(text);
+        int exponent = 0;
+        for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
+            exponent = exponent * 10 + (text.front() - '0');
+            if (exponent > 2 * largestExponent) return notANumber();
+        }
+        significand.exponent += isExponentNegative ? -exponent : exponent;
+    }
+    if (significand.exponent < smallestExponent || significand.exponent > largestExponent) {
+        return notANumber();
+    }
+    return NSDecimalNumber(highHalf(significand.mantissa), lowHalf(significand.mantissa),
+                           static_cast<int>(significand.exponent), isNegative);
+}
+
+NSDecimalNumber NSDecimalNumber::notANumber() noexcept {
+    NSDecimalNumber result = zero();
+    result.isNaN_ = true;
+    return result;
+}
+
+bool NSDecimalNumber::boolValue() const noexcept {
+    return *this != zero();
+}
+
+std::int64_t NSDecimalNumber::integerValue() const noexcept {
+    return static_cast<std::int64_t>(unsignedIntegerValue());
+}
+
+std::uint64_t NSDecimalNumber::unsignedIntegerValue() const noexcept {
+    Mantissa magnitude = joined(mantissaHigh_, mantissaLow_);
+    for (int exponent = exponent_; exponent < 0; ++exponent) magnitude /= 10;
+    for (int exponent = exponent_; exponent > 0; --exponent) magnitude *= 10;  // the low bits stay
+    return isNegative_ ? 0 - lowHalf(magnitude) : lowHalf(magnitude);
+}
+
+double NSDecimalNumber::doubleValue() const {
+    return isNaN_ ? std::numeric_limits<double>::quiet_NaN() : realFromText(stringValue());
+}
+
+std::string NSDecimalNumber::stringValue() const {
+    if (isNaN_) return "NaN";
+    std::string digits = digitsOf(joined(mantissaHigh_, mantissaLow_));
+    if (exponent_ >= 0) {
+        digits.append(static_cast<std::size_t>(exponent_), '0');
+    } else {
+        const auto fraction = static_cast<std::size_t>(-exponent_);
+        if (digits.size() <= fraction) digits.insert(0, fraction + 1 - digits.size(), '0');
+        digits.insert(digits.size() - fraction, 1, '.');
+    }
+    return isNegative_ ? '-' + digits : digits;
+}
+
+ComparisonResult NSDecimalNumber::compare(const NSDecimalNumber& other) const noexcept {
+    const auto rank = [](const NSDecimalNumber& number) {
+        if (number.isNaN_) return 0;
+        return number.isNegative_ ? -1 : 1;
+    };
+    if (rank(*this) != rank(other)) return ordered(rank(*this), rank(other));
+    const ComparisonResult magnitudes =
+        compareMagnitudes(joined(mantissaHigh_, mantissaLow_), exponent_,
+                          joined(other.mantissaHigh_, other.mantissaLow_), other.exponent_);
+    return isNegative_ ? reversed(magnitudes) : magnitudes;
+}
+
+std::size_t NSDecimalNumber::hash() const {
+    return std::hash<double>{}(doubleValue());
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,218 @@
+#include "platform/foundation/numbers/NumberText.h"
+
+#include "platform/foundation/numbers/ShortestDecimal.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <system_error>
+
+namespace InkoraKit {
+
+namespace {
+
+constexpr auto powersOfTen64 = [] {
+    std::array<std::uint64_t, 20> powers{1};
+    for (std::size_t index = 1; index < powers.size(); ++index) {
+        powers[index] = powers[index - 1] * 10;
+    }
+    return powers;
+}();
+
+/// "00" to "99"
+constexpr auto digitPairs = [] {
+    std::array<std::array<char, 2>, 100> pairs{};
+    for (std::size_t index = 0; index < pairs.size(); ++index) {
+        pairs[index] = {static_cast<char>('0' + index / 10), static_cast<char>('0' + index % 10)};
+    }
+    return pairs;
+}();
+
+std::size_t digitCount(std::uint64_t value) {
+    value |= 1;  // for zero to have a digit, the others have as many as before
+    // 1233 / 2^12 is a little more than log10(2), so that this is right or one short.
+    const auto count = static_cast<std::size_t>(std::bit_width(value)) * 1233 >> 12;
+    return count + (value >= powersOfTen64[count]);
+}
+
+void writePair(char* to, std::uint32_t pair) {
+    std::memcpy(to, digitPairs[pair].data(), 2);
+}
+
+/// Eight digits in the order of memory, each in the byte that becomes its character. The divisions
+/// of all lanes are done at once, by multiplying with a little more than the inverse.
+std::uint64_t eightDigits(std::uint32_t value) {
+    const std::uint64_t fours = value / 10'000 | static_cast<std::uint64_t>(value % 10'000) << 32;
+    const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F0000007F;
+    const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000F;
+    return tens | (pairs - tens * 10) << 8;
+}
+
+/// Writes eight characters, the first of which are the digits from the `skipped`th on.
+void store(char* to, std::uint64_t digits, unsigned skipped = 0) {
+    digits |= 0x3030303030303030;
+    if constexpr (std::endian::native == std::endian::little) {
+        digits >>= 8 * skipped;
+        std::memcpy(to, &digits, sizeof digits);
+    } else {
+        for (unsigned i = skipped; i < 8; ++i) to[i - skipped] = static_cast<char>(digits >> 8 * i);
+    }
+}
+
+constexpr std::uint64_t tenToThe8th = 100'000'000;
+
+/// @param value below 10^8
+char* writeUpToEight(char* to, std::uint64_t value) {
+    const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(value));
+    constexpr std::uint64_t lastDigit = std::uint64_t{1} << 56;  // is written, zero or not
+    const auto zeros = static_cast<unsigned>(std::countr_zero(digits | lastDigit)) / 8;
+    store(to, digits, zeros);
+    return to + 8 - zeros;
+}
+
+char* writeDigits(char* to, std::uint64_t value) {
+    if (value < tenToThe8th) return writeUpToEight(to, value);
+    const std::uint64_t upper = value / tenToThe8th;
+    if (upper < tenToThe8th) {
+        to = writeUpToEight(to, upper);
+    } else {
+        to = writeUpToEight(to, upper / tenToThe8th);
+        store(to, eightDigits(static_cast<std::uint32_t>(upper % tenToThe8th)));
+        to += 8;
+    }
+    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)));
+    return to + 8;
+}
+
+/// Writes as many digits as told, zeros first where the value has fewer.
+char* writeFixed(char* to, std::uint64_t value, unsigned count) {
+    if (count > 8) {
+        store(to, eightDigits(static_cast<std::uint32_t>(value / tenToThe8th)), 16 - count);
+        to += count - 8;
+        count = 8;
+    }
+    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)), 8 - count);
+    return to + count;
+}
+
+char* writeWord(char* to, std::string_view word) {
+    return std::copy(word.begin(), word.end(), to);
+}
+
+/// As in 12.5, 0.0125. The decimal is not whole.
+char* writePlain(char* to, double magnitude, ShortestDecimal decimal) {
+    const auto places = static_cast<unsigned>(-decimal.exponent);
+    if (magnitude < 1) {
+        writeWord(to, "0.000");
+        return writeDigits(to + 2 + places - digitCount(decimal.digits), decimal.digits);
+    }
+    // The decimal has the value's whole part: whole numbers are doubles, thus no decimal beyond the
+    // next of them reads back to the value. It has 17 digits at most, so 16 after the point.
+    const auto whole = static_cast<std::uint64_t>(static_cast<std::int64_t>(magnitude));
+    to = writeDigits(to, whole);
+    *to++ = '.';
+    return writeFixed(to, decimal.digits - whole * powersOfTen64[places], places);
+}
+
+/// As in 1e-05, 1.25e+300.
+char* writeScientific(char* to, ShortestDecimal decimal) {
+    const auto count = static_cast<int>(digitCount(decimal.digits));
+    const int exponent = count - 1 + decimal.exponent;
+    writeDigits(to + 1, decimal.digits);
+    to[0] = to[1];
+    to[1] = '.';
+    to += count == 1 ? 1 : count + 1;
+    *to++ = 'e';
+    *to++ = exponent < 0 ? '-' : '+';
+    const auto magnitude = static_cast<std::uint32_t>(std::abs(exponent));
+    if (magnitude >= 100) *to++ = static_cast<char>('0' + magnitude / 100);
+    writePair(to, magnitude % 100);
+    return to + 2;
+}
+
+/// The exponent written after the "e" of a numeral, 0 without one.
+std::int64_t writtenExponent(std::string_view numeral) {
+    const std::size_t mark = numeral.find_first_of("eE");
+    if (mark == std::string_view::npos) return 0;
+    std::string_view digits = numeral.substr(mark + 1);
+    const bool isNegative = digits.front() == '-';
+    if (isNegative || digits.front() == '+') digits.remove_prefix(1);
+    constexpr std::int64_t farBeyond = std::numeric_limits<std::int64_t>::max() / 2;  // any range
+    std::int64_t exponent = farBeyond;  // if too long to read
+    std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+    exponent = std::min(exponent, farBeyond);
+    return isNegative ? -exponent : exponent;
+}
+
+/// What a numeral out of the range of double stands for. Its first digit other than 0 tells its
+/// magnitude by its distance from the point.
+double limitOf(std::string_view numeral) {
+    const std::string_view mantissa = numeral.substr(0, numeral.find_first_of("eE"));
+    const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
+    const auto first = static_cast<std::int64_t>(mantissa.find_first_of("123456789"));
+    const bool isLarge = point - first + writtenExponent(numeral) > 0;
+    const double magnitude = isLarge ? std::numeric_limits<double>::infinity() : 0.0;
+    return numeral.front() == '-' ? -magnitude : magnitude;
+}
+
+}  // namespace
+
+char* writeInteger(char* to, std::uint64_t value) noexcept {
+    return writeDigits(to, value);
+}
+
+char* writeInteger(char* to, std::int64_t value) noexcept {
+    const auto bits = static_cast<std::uint64_t>(value);
+    if (value >= 0) return writeInteger(to, bits);
+    *to = '-';
+    return writeInteger(to + 1, 0 - bits);
+}
+
+char* writeShortest(char* to, double value, double largestPlain) noexcept {
+    if (std::isnan(value)) return writeWord(to, "nan");
+    *to = '-';
+    to += std::signbit(value);  // without a branch, which signs at random would mislead
+    const double magnitude = std::abs(value);
+    if (magnitude <= largestPlain && magnitude < 0x1p63) {
+        const auto integer = static_cast<std::int64_t>(magnitude);
+        if (static_cast<double>(integer) == magnitude) return writeInteger(to, integer);
+    }
+    if (std::isinf(value)) return writeWord(to, "inf");
+    const ShortestDecimal decimal = shortestDecimal(magnitude);
+    const bool isPlain = magnitude >= 1e-4 && magnitude <= largestPlain;
+    return isPlain ? writePlain(to, magnitude, decimal) : writeScientific(to, decimal);
+}
+
+void appendShortest(std::string& text, double value, double largestPlain) {
+    std::array<char, longestRealText> buffer;
+    text.append(buffer.data(), writeShortest(buffer.data(), value, largestPlain));
+}
+
+void appendShortest(std::string& text, float value, float largestPlain) {
+    if (std::isnan(value)) {  // without the sign that the conversion below would show
+        text += "nan";
+        return;
+    }
+    const float magnitude = std::abs(value);
+    const bool isPlain = magnitude == 0 || (magnitude >= 1e-4f && magnitude <= largestPlain);
+    std::array<char, longestRealText> buffer;
+    const auto result =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                      isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+    text.append(buffer.data(), result.ptr);
+}
+
+double realFromText(std::string_view text) noexcept {
+    double value = std::numeric_limits<double>::quiet_NaN();
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value);
+    if (result.ptr != end) return std::numeric_limits<double>::quiet_NaN();
+    return result.ec == std::errc::result_out_of_range ? limitOf(text) : value;
+}
+
+}  // namespace InkoraKit

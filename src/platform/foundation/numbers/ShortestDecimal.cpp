@@ -1,0 +1,83 @@
+#include "platform/foundation/numbers/ShortestDecimal.h"
+
+#include "platform/foundation/numbers/PowersOfTen.h"
+
+#include <bit>
+
+namespace InkoraKit {
+
+namespace {
+
+__extension__ typedef unsigned __int128 Product;
+
+constexpr int fractionBits = 52;
+constexpr std::uint64_t hiddenBit = std::uint64_t{1} << fractionBits;
+constexpr int smallestExponent = -1074;  // of the last bit
+
+/// factor × power / 2^128, rounded to odd: the last bit is set if anything was cut off, so that
+/// comparisons with even numbers come out as they would before rounding.
+/// @param power too large by one at most, which is too little to show in 64 bits of a fraction.
+/// That a fraction shows if there is one is proven with the algorithm below.
+std::uint64_t scaled(std::uint64_t factor, PowerOfTen power) {
+    const Product product = static_cast<Product>(factor) * power.high +
+                            (static_cast<Product>(factor) * power.low >> 64);
+    const auto fraction = static_cast<std::uint64_t>(product);
+    return static_cast<std::uint64_t>(product >> 64) | static_cast<std::uint64_t>(fraction != 0);
+}
+
+constexpr int floorLog10OfPowerOfTwo(int exponent) {
+    return (exponent * 1262611) >> 22;
+}
+
+constexpr int floorLog10OfThreeQuartersPowerOfTwo(int exponent) {
+    return (exponent * 1262611 - 524031) >> 22;
+}
+
+/// @param decimal of 16 digits at most, thus with 8 + 4 + 2 + 1 zeros at most
+ShortestDecimal withoutTrailingZeros(ShortestDecimal decimal) {
+    const auto remove = [&](int zeros, std::uint64_t power) {
+        if (decimal.digits % power != 0) return;
+        decimal.digits /= power;
+        decimal.exponent += zeros;
+    };
+    remove(8, 100'000'000);
+    remove(4, 10'000);
+    remove(2, 100);
+    remove(1, 10);
+    return decimal;
+}
+
+}  // namespace
+
+// The algorithm of R. Giulietti ("The Schubfach way to render doubles", 2020): an interval of the
+// numbers that read back to the value, scaled so that it holds at least one whole number but at
+// most one multiple of ten. All scaled numbers are four times as large, for the bounds to be whole.
+ShortestDecimal shortestDecimal(double magnitude) noexcept {
+    const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+    const auto biasedExponent = static_cast<int>(bits >> fractionBits);
+    const std::uint64_t fraction = bits & (hiddenBit - 1);
+    const std::uint64_t mantissa = biasedExponent == 0 ? fraction : fraction | hiddenBit;
+    const int binaryExponent = smallestExponent + (biasedExponent == 0 ? 0 : biasedExponent - 1);
+
+    // The next smaller double is half as far away below a power of two.
+    const bool isLowerNear = fraction == 0 && biasedExponent > 1;
+    const int exponent = isLowerNear ? floorLog10OfThreeQuartersPowerOfTwo(binaryExponent)
+                                     : floorLog10OfPowerOfTwo(binaryExponent);
+    PowerOfTen power = powerOfTen(-exponent);
+    ++power.low;  // rounded up; no entry ends in 64 ones
+    const int shift = binaryExponent + floorLog2OfPowerOfTen(-exponent) + 1;
+    // Halfway texts are read as the even mantissa, to which the bounds therefore belong.
+    const std::uint64_t isOpen = mantissa & 1;
+    const std::uint64_t lower = scaled((4 * mantissa - 2 + isLowerNear) << shift, power) + isOpen;
+    const std::uint64_t upper = scaled((4 * mantissa + 2) << shift, power) - isOpen;
+    const std::uint64_t tens = upper / 40;
+    if (40 * tens >= lower) return withoutTrailingZeros({tens, exponent + 1});
+
+    const std::uint64_t value = scaled((4 * mantissa) << shift, power);
+    const std::uint64_t isOdd = value >> 2 & 1;
+    std::uint64_t nearest = (value + 1 + isOdd) >> 2;            // the even one of two as near
+    nearest += static_cast<std::uint64_t>(4 * nearest < lower);  // if outside the short half
+    return {nearest, exponent};
+}
+
+}  // namespace InkoraKit

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/foundation/values/Owner.h"
+#include "platform/foundation/values/Region.h"
+
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+namespace InkoraKit {
+
+/// A text that is written to a region while nobody knows yet how long it will be.
+class RegionText {
+public:
+    /// @param mostAtOnce how many characters are written at most between looking for room
+    RegionText(Region& region, std::size_t mostAtOnce) noexcept
+        : region_(region), mostAtOnce_(mostAtOnce) {
+        begin();
+    }
+
+    char* start() const noexcept { return start_; }
+    std::size_t size() const noexcept { return static_cast<std::size_t>(to - start_); }
+
+    bool hasRoom() const noexcept { return to <= last_; }
+    /// Makes room for more, of which the region can tell from `toCome` how much to make.
+    void grow(double toCome) {
+        const std::size_t written = size();
+        const char* const before = start_;
+        region_.addPiece(sizeof(void*) + 2 * written + mostAtOnce_, toCome);
+        begin();
+        std::memcpy(start_, before, written);
+        to = start_ + written;
+    }
+
+    /// Leaves the text in the region. Without that the room is used for something else.
+    char* keep() {
+        new (region_.take(sizeof(void*) + size())) Owner*(&region_);
+        return start_;
+    }
+
+    char* to;  ///< Where to write on.
+
+private:
+    void begin() noexcept {
+        start_ = reinterpret_cast<char*>(region_.next()) + sizeof(void*);
+        to = start_;
+        last_ = reinterpret_cast<char*>(region_.end()) - mostAtOnce_;
+    }
+
+    Region& region_;
+    std::size_t mostAtOnce_;
+    char* start_;
+    char* last_;  // the last place from which there is room enough
+};
+
+}  // namespace InkoraKit

@@ -1,0 +1,28 @@
+#include "json/JsonOutput.h"
+
+#include "json/JsonFailure.h"
+#include "json/JsonTextFault.h"
+#include "terminal/Output.h"
+
+using namespace InkoraKit;
+
+namespace InkoraTool {
+
+std::string jsonText(const JSON& value, JSONSerialization::WritingOptions options) {
+    using enum JSONSerialization::WritingOptions;
+    try {
+        return JSONSerialization::text(value.object(),
+                                       options | allowFragments | withoutEscapingSlashes);
+    } catch (const NSError& error) {
+        throw JsonFailure(ExitStatus::failure, "the result cannot be written: " + reasonOf(error));
+    }
+}
+
+ExitStatus printText(const std::string& text) {
+    Output output;
+    if (output.line(text) == Output::Outcome::failed)
+        throw JsonFailure(ExitStatus::failure, "standard output: " + output.failure());
+    return ExitStatus::success;
+}
+
+}  // namespace InkoraTool

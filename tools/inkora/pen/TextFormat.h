@@ -1,0 +1,24 @@
+#pragma once
+
+#include "pen/Format.h"
+
+namespace InkoraTool {
+
+/// Lines for people: what it is, then its value. Colours come with a swatch where asked for.
+class TextFormat final : public Format {
+public:
+    explicit TextFormat(bool withSwatches) : withSwatches_(withSwatches) {}
+
+    std::string searching() const override;
+    std::string connected(const std::string& name, const std::string& identifier) const override;
+    std::string lost() const override;
+    std::string colour(const InkoraKit::UIColor& colour) const override;
+    std::string battery(std::int64_t percent) const override;
+    std::string signalStrength(std::optional<std::int64_t> dBm) const override;
+    std::string info(const PenInfo& info) const override;
+
+private:
+    bool withSwatches_;
+};
+
+}  // namespace InkoraTool

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "pen/PenSession.h"
+#include "pen/WatchOptions.h"
+
+namespace InkoraTool {
+
+/// `inkora watch`: shows whatever comes from the pen, as it comes.
+class WatchSession final : public PenSession {
+public:
+    WatchSession(const WatchOptions& options, std::unique_ptr<Format> format);
+
+protected:
+    void searching() override;
+    void connected(const std::string& name, const std::string& identifier) override;
+    void lost() override;
+    void captured(const InkoraKit::UIColor& colour) override;
+    void battery(std::int64_t percent) override;
+    void signalStrength(std::optional<std::int64_t> dBm) override;
+    void interrupted() override;
+
+private:
+    void timeIsUp();
+    void askAgainLater();
+
+    WatchOptions options_;
+    std::int64_t coloursShown_ = 0;
+};
+
+}  // namespace InkoraTool
