@@ -1,9 +1,9 @@
-#include "PenScript.h"
+#include "support/PenScript.h"
 
 #include <cstddef>
 #include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    InkoraKit::runPenScript({reinterpret_cast<const char*>(bytes), size});
+    InkoraKit::PenScript().play({reinterpret_cast<const char*>(bytes), size});
     return 0;
 }

@@ -1,21 +1,22 @@
 #pragma once
 
 #include "platform/bluetooth/radio.h"
+#include "support/Transcript.h"
 
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace InkoraKit {
 
-/// A radio whose events are a test's to send, in any order, and that writes down its commands.
+/// A radio whose events are a test's to send, in any order, and whose commands are noted in a
+/// transcript, if there is one. Devices are called by the last byte of their identifier.
 class ScriptedRadio final : public Radio {
 public:
-    /// Installs a radio of this kind; `radio()` is the one that the next manager has opened.
-    static void install() {
-        installRadio([] {
+    /// Installs a radio of this kind; `opened()` is the one that the next manager has opened.
+    static void install(Transcript* transcript = nullptr) {
+        installRadio([transcript] {
             auto radio = std::make_unique<ScriptedRadio>();
+            radio->transcript_ = transcript;
             opened() = radio.get();
             return radio;
         });
@@ -26,31 +27,42 @@ public:
     }
 
     ~ScriptedRadio() override {
+        note("closed");
         if (opened() == this) opened() = nullptr;
     }
 
     RadioCapabilities capabilities() const override { return {}; }
-    void start(RadioListener& listener) override { events = &listener; }
-    void startScan() override { commands.emplace_back("scan"); }
-    void stopScan() override { commands.emplace_back("stop"); }
-    void connect(const UUID&) override { commands.emplace_back("connect"); }
-    void disconnect(const UUID&) override { commands.emplace_back("disconnect"); }
-    void discoverServices(const UUID&) override { commands.emplace_back("services"); }
-    void discoverCharacteristics(const UUID&, AttributeHandle service) override {
-        commands.push_back("characteristics " + std::to_string(service));
+    void start(RadioListener& listener) override {
+        note("start");
+        events = &listener;
     }
-    void read(const UUID&, AttributeHandle characteristic) override {
-        commands.push_back("read " + std::to_string(characteristic));
+    void startScan() override { note("scan"); }
+    void stopScan() override { note("stop scan"); }
+    void connect(const UUID& device) override { note("connect", device); }
+    void disconnect(const UUID& device) override { note("disconnect", device); }
+    void discoverServices(const UUID& device) override { note("services", device); }
+    void discoverCharacteristics(const UUID& device, AttributeHandle service) override {
+        note("characteristics", device, service);
     }
-    void subscribe(const UUID&, AttributeHandle characteristic, bool on) override {
-        commands.push_back((on ? "subscribe " : "unsubscribe ") + std::to_string(characteristic));
+    void read(const UUID& device, AttributeHandle handle) override { note("read", device, handle); }
+    void subscribe(const UUID& device, AttributeHandle handle, bool on) override {
+        note(on ? "subscribe" : "unsubscribe", device, handle);
     }
-    void readRSSI(const UUID&) override { commands.emplace_back("rssi"); }
-
-    std::vector<std::string> take() { return std::exchange(commands, {}); }
+    void readRSSI(const UUID& device) override { note("rssi", device); }
 
     RadioListener* events = nullptr;
-    std::vector<std::string> commands;
+
+private:
+    void note(const std::string& command) {
+        if (transcript_) transcript_->note("radio " + command);
+    }
+    template <class... Handle>
+    void note(const std::string& command, const UUID& device, Handle... handle) {
+        note(command + " " + std::to_string(device.bytes().back()) +
+             (std::string() + ... + (" " + std::to_string(handle))));
+    }
+
+    Transcript* transcript_ = nullptr;
 };
 
 }  // namespace InkoraKit
