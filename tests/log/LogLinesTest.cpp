@@ -5,18 +5,23 @@
 namespace InkoraKit {
 namespace {
 
-/// What happens is what the kit, compiled with its console log on, writes to standard output.
+/// With the lines that the kit, compiled with its console log on, writes to standard output.
 class LogScript final : public PenScript {
 public:
-    LogScript() { testing::internal::CaptureStdout(); }
+    LogScript() {
+        transcript.goesToStandardOutput = true;
+        testing::internal::CaptureStdout();
+    }
     ~LogScript() override { testing::internal::GetCapturedStdout(); }
 
 protected:
     std::string happened() override {
+        transcript.take();  // the last facts
         std::istringstream lines(testing::internal::GetCapturedStdout());
         testing::internal::CaptureStdout();
         std::string text;
-        for (std::string line; std::getline(lines, line);) text += "  " + line + '\n';
+        for (std::string line; std::getline(lines, line);)
+            text += (line.starts_with(' ') ? "" : "  log: ") + line + '\n';
         return text;
     }
 };

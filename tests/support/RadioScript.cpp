@@ -1,26 +1,9 @@
 #include "support/RadioScript.h"
 
-#include <InkoraKit/platform/RunLoop.h>
-#include <InkoraKit/virtual/VirtualClock.h>
-
-#include <gtest/gtest.h>
-
-#include <charconv>
-#include <fstream>
-#include <regex>
+#include <cstdlib>
 
 namespace InkoraKit {
 namespace {
-
-Data bytesFromHex(std::string_view hex) {
-    std::vector<std::uint8_t> bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-        std::uint8_t byte = 0;
-        std::from_chars(hex.data() + i, hex.data() + i + 2, byte, 16);
-        bytes.push_back(byte);
-    }
-    return Data(bytes);
-}
 
 const char* serviceWithHandle(int handle) {
     return handle == 1 || handle == 5 ? "1F1F" : "180A";
@@ -33,16 +16,13 @@ const char* characteristicWithHandle(int handle) {
 }  // namespace
 
 RadioScript::RadioScript() {
-    RunLoop::main().setClock(std::make_shared<VirtualClock>());
     ScriptedRadio::install(&transcript);
     for (std::size_t i = 0; i < devices.size(); ++i) {
-        UUID::Bytes bytes{};
-        bytes.back() = static_cast<std::uint8_t>(i);
-        devices[i] = UUID(bytes);
+        UUID::Bytes identifier{};
+        identifier.back() = static_cast<std::uint8_t>(i);
+        devices[i] = UUID(identifier);
     }
 
-    actions["run"] = [] { RunLoop::main().runFor(0); };
-    actions["wait"] = [this] { RunLoop::main().runFor(number() % 1000 / 10.0); };
     actions["adapter"] = [this] {
         if (const auto* radio = ScriptedRadio::opened(); radio && radio->events)
             radio->events->adapterStateChanged(static_cast<CBManagerState>(number() % 6));
@@ -102,77 +82,12 @@ RadioScript::~RadioScript() {
     installRadio({});
 }
 
-void RadioScript::play(std::string_view script) {
-    std::istringstream lines{std::string(script)};
-    for (std::string line; std::getline(lines, line);)
-        if (!playLine(line)) return;
-}
-
-std::string RadioScript::transcribed(std::string_view script) {
-    static const std::regex address("0x[0-9a-f]{5,}");
-    std::string text;
-    std::istringstream lines{std::string(script)};
-    bool goesOn = true;
-    for (std::string line; goesOn && std::getline(lines, line);) {
-        if (line.starts_with(' ')) continue;
-        testing::internal::CaptureStderr();
-        goesOn = playLine(line);
-        text += line + '\n' + happened();
-        std::istringstream complaints(testing::internal::GetCapturedStderr());
-        for (std::string said; std::getline(complaints, said);) text += "  stderr: " + said + '\n';
-    }
-    return std::regex_replace(text, address, "0x…");
-}
-
-bool RadioScript::playLine(const std::string& line) {
-    arguments = std::istringstream(line);
-    const auto action = line.starts_with(' ') ? actions.end() : actions.find(word());
-    if (action != actions.end()) action->second();
-    return true;
-}
-
-void RadioScript::addStages(
-    std::initializer_list<std::pair<const char*, const char*>> linesByName) {
-    for (std::string way; const auto& [name, lines] : linesByName)
-        actions[name] = [this, way = way += lines] {
-            play(way);
-            happened();
-        };
-}
-
 void RadioScript::addEvent(const std::string& name,
                            std::function<void(RadioListener&, const UUID&)> event) {
     actions[name] = [this, event = std::move(event)] {
         if (const auto* radio = ScriptedRadio::opened(); radio && radio->events)
             event(*radio->events, device());
     };
-}
-
-int RadioScript::number() {
-    unsigned short value = 0;
-    arguments >> value;
-    return value;
-}
-
-std::string RadioScript::word() {
-    std::string text;
-    arguments >> text;
-    return text;
-}
-
-std::optional<std::string> RadioScript::restOfLine() {
-    std::string text;
-    std::getline(arguments >> std::ws, text);
-    return text.empty() ? std::nullopt : std::optional(text);
-}
-
-std::vector<CBUUID> RadioScript::uuids() {
-    std::vector<CBUUID> list;
-    std::istringstream words(word());
-    for (std::string one; std::getline(words, one, ',');)
-        if (one.size() == 4 && one.find_first_not_of("0123456789ABCDEF") == one.npos)
-            list.emplace_back(one);
-    return list;
 }
 
 std::optional<NSError> RadioScript::failure(std::string_view text) const {
@@ -187,25 +102,25 @@ Sighting RadioScript::sighting(const UUID& identifier) {
         if (key == "own") seen.name = word();
         if (key == "rssi") seen.rssi = std::atoi(word().c_str());
         if (key == "services") seen.advertisement.serviceUUIDs = uuids();
-        if (key == "maker") seen.advertisement.manufacturerData = bytesFromHex(word());
+        if (key == "maker") seen.advertisement.manufacturerData = bytes();
         if (key == "power") seen.advertisement.txPowerLevel = std::atoi(word().c_str());
         if (key == "connectable") seen.advertisement.isConnectable = word() == "yes";
         if (key == "data")
             for (const CBUUID& uuid : uuids())
-                seen.advertisement.serviceData.insert_or_assign(uuid, bytesFromHex(word()));
+                seen.advertisement.serviceData.insert_or_assign(uuid, bytes());
     }
     return seen;
 }
 
 std::optional<Data> RadioScript::value(AttributeHandle handle, const std::string& text) {
     if (text == "-" || text == "!") return std::nullopt;
-    const Data bytes = bytesFromHex(text);
+    const Data sent = bytesFromHex(text);
     // A colour of less than three bytes has no three components; a battery level is a number.
-    if (handle % 10 == 2 && bytes.size() < 3) accountedFor.insert(outOfRange);
+    if (handle % 10 == 2 && sent.size() < 3) accountedFor.insert(outOfRange);
     if (handle % 10 == 3 &&
-        (bytes.empty() || bytes.size() > 8 || (bytes.size() == 8 && bytes[0] >= 0x80)))
+        (sent.empty() || sent.size() > 8 || (sent.size() == 8 && sent[0] >= 0x80)))
         accountedFor.insert(nilFound);
-    return bytes;
+    return sent;
 }
 
 template <class Found>
@@ -221,21 +136,6 @@ std::vector<Found> RadioScript::found(const char* (*uuidOf)(int), std::optional<
         all.push_back({static_cast<AttributeHandle>(handle), CBUUID(uuidOf(handle))});
     }
     return all;
-}
-
-void expectTranscripts(const std::filesystem::path& folder,
-                       const std::function<std::unique_ptr<RadioScript>()>& makeScript) {
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        std::ifstream file(entry.path(), std::ios::binary);
-        const std::string expected{std::istreambuf_iterator<char>(file), {}};
-        const std::string actual = makeScript()->transcribed(expected);
-        const auto kept = std::filesystem::path(testing::TempDir()) / entry.path().filename();
-        if (actual != expected) std::ofstream(kept, std::ios::binary) << actual;
-        EXPECT_EQ(actual, expected) << entry.path() << " as it is now: " << kept;
-        ++count;
-    }
-    EXPECT_GT(count, 0) << folder;
 }
 
 }  // namespace InkoraKit

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <utility>
@@ -26,6 +27,9 @@ public:
     /// What can only be looked at: each of these facts is noted as soon as it is a new one.
     std::function<std::vector<std::string>()> facts;
 
+    /// For a transcript among other lines.
+    bool goesToStandardOutput = false;
+
     void note(const std::string& line) {
         noteNewFacts();
         write(line);
@@ -49,7 +53,14 @@ private:
             if (std::ranges::find(known_, fact) == known_.end()) write("(" + fact + ")");
         known_ = std::move(present);
     }
-    void write(const std::string& line) { text_ += std::string(depth_ * 2, ' ') + line + '\n'; }
+    void write(const std::string& line) {
+        const std::string indented = std::string(depth_ * 2, ' ') + line + '\n';
+        if (goesToStandardOutput) {
+            std::fputs(indented.c_str(), stdout);
+        } else {
+            text_ += indented;
+        }
+    }
 
     std::size_t depth_ = 1;
     std::string text_;

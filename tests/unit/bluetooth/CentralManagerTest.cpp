@@ -222,7 +222,7 @@ private:
 };
 
 TEST(CentralManagerTest, EveryRuleHoldsAsTranscribed) {
-    expectTranscripts(INKORA_TESTS "/unit/bluetooth/transcripts",
+    expectTranscripts(INKORA_TESTS "/unit/bluetooth/central",
                       [] { return std::make_unique<CentralScript>(); });
 }
 
