@@ -102,11 +102,13 @@ bool CBPeripheral::owns(const std::shared_ptr<CBService>& service) const {
 }
 
 bool CBPeripheral::owns(const std::shared_ptr<CBCharacteristic>& characteristic) const {
-    if (!characteristic || !services_) return false;
-    return std::ranges::any_of(*services_, [&](const std::shared_ptr<CBService>& service) {
-        const auto& all = service->characteristics_;
-        return all && std::ranges::find(*all, characteristic) != all->end();
-    });
+    if (!characteristic) return false;
+    if (std::ranges::find(carriedOver_, characteristic) != carriedOver_.end()) return true;
+    return services_ &&
+           std::ranges::any_of(*services_, [&](const std::shared_ptr<CBService>& service) {
+               const auto& all = service->characteristics_;
+               return all && std::ranges::find(*all, characteristic) != all->end();
+           });
 }
 
 }  // namespace InkoraKit

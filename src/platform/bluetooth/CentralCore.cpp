@@ -47,12 +47,17 @@ bool isWanted(const CBUUID& uuid, const std::vector<CBUUID>& wanted) {
 }
 
 template <class Item>
-std::shared_ptr<Item> withHandle(const std::optional<std::vector<std::shared_ptr<Item>>>& items,
+std::shared_ptr<Item> withHandle(const std::vector<std::shared_ptr<Item>>& items,
                                  AttributeHandle handle, AttributeHandle Item::*member) {
-    if (!items) return nullptr;
-    for (const auto& item : *items)
+    for (const auto& item : items)
         if (item.get()->*member == handle) return item;
     return nullptr;
+}
+
+template <class Item>
+std::shared_ptr<Item> withHandle(const std::optional<std::vector<std::shared_ptr<Item>>>& items,
+                                 AttributeHandle handle, AttributeHandle Item::*member) {
+    return items ? withHandle(*items, handle, member) : nullptr;
 }
 
 }  // namespace
@@ -286,6 +291,7 @@ void CentralCore::linkEnded(const std::shared_ptr<CBPeripheral>& peripheral) {
     peripheral->state_ = State::disconnected;
     peripheral->connectAgain_ = false;
     peripheral->services_.reset();
+    peripheral->carriedOver_.clear();
     peripheral->discoveries_.clear();
 }
 
@@ -333,6 +339,11 @@ void CentralCore::characteristicsDiscovered(const UUID& identifier, AttributeHan
         if (withHandle(found, characteristic.handle, &CBCharacteristic::handle_)) continue;
         found->emplace_back(new CBCharacteristic(characteristic.handle, characteristic.uuid,
                                                  characteristic.properties));
+        const auto earlier =
+            withHandle(peripheral->carriedOver_, characteristic.handle, &CBCharacteristic::handle_);
+        if (!earlier) continue;
+        found->back()->wantsNotifications_ = earlier->wantsNotifications_;
+        found->back()->isNotifying_ = earlier->isNotifying_;
     }
     postForLink(
         peripheral, [service, error](const auto& connected, CBPeripheralDelegate& listener) {
@@ -340,14 +351,38 @@ void CentralCore::characteristicsDiscovered(const UUID& identifier, AttributeHan
         });
 }
 
+void CentralCore::servicesInvalidated(const UUID& identifier,
+                                      const std::vector<AttributeHandle>& services) {
+    const auto peripheral = knownIn(State::connected, identifier);
+    if (!peripheral || !peripheral->services_) return;
+    auto& carriedOver = peripheral->carriedOver_;
+    std::vector<std::shared_ptr<CBService>> invalidated;
+    for (const AttributeHandle handle : services) {
+        const auto service = withHandle(peripheral->services_, handle, &CBService::handle_);
+        if (!service) continue;
+        std::erase(*peripheral->services_, service);
+        invalidated.push_back(service);
+        if (!service->characteristics_) continue;
+        for (const auto& characteristic : *service->characteristics_) {
+            if (!characteristic->wantsNotifications_) continue;
+            carriedOver.insert(carriedOver.begin(), characteristic);
+        }
+    }
+    postForLink(peripheral, [invalidated = std::move(invalidated)](const auto& connected,
+                                                                   CBPeripheralDelegate& listener) {
+        listener.peripheralDidModifyServices(connected, invalidated);
+    });
+}
+
 std::shared_ptr<CBCharacteristic> CentralCore::characteristicOf(const CBPeripheral& peripheral,
                                                                 AttributeHandle handle) {
-    if (!peripheral.services_) return nullptr;
-    for (const auto& service : *peripheral.services_) {
-        auto found = withHandle(service->characteristics_, handle, &CBCharacteristic::handle_);
-        if (found) return found;
+    if (peripheral.services_) {
+        for (const auto& service : *peripheral.services_) {
+            auto found = withHandle(service->characteristics_, handle, &CBCharacteristic::handle_);
+            if (found) return found;
+        }
     }
-    return nullptr;
+    return withHandle(peripheral.carriedOver_, handle, &CBCharacteristic::handle_);
 }
 
 void CentralCore::valueRead(const UUID& identifier, AttributeHandle handle,

@@ -60,6 +60,8 @@ public:
     void characteristicsDiscovered(const UUID& identifier, AttributeHandle service,
                                    std::vector<RemoteCharacteristic> characteristics,
                                    const std::optional<NSError>& error) override;
+    void servicesInvalidated(const UUID& identifier,
+                             const std::vector<AttributeHandle>& services) override;
     void valueRead(const UUID& identifier, AttributeHandle characteristic,
                    std::optional<Data> value, const std::optional<NSError>& error) override;
     void valueNotified(const UUID& identifier, AttributeHandle characteristic,
