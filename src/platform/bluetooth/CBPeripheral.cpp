@@ -88,7 +88,7 @@ std::string CBPeripheral::description() const {
 
 std::shared_ptr<CentralCore> CBPeripheral::coreForCommand() const {
     auto core = core_.lock();
-    if (core && core->isPoweredOn() && state_ == CBPeripheralState::connected) return core;
+    if (core && state_ == CBPeripheralState::connected) return core;
     reportMisuse(description() + " can only accept commands while in the connected state");
     return nullptr;
 }

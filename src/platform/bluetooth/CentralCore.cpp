@@ -79,10 +79,6 @@ void CentralCore::close() {
     manager_ = nullptr;
 }
 
-bool CentralCore::isPoweredOn() const {
-    return state_ == CBManagerState::poweredOn;
-}
-
 template <class Callback>
 void CentralCore::post(Callback callback) {
     RunLoop::main().post([self = weak_from_this(), callback = std::move(callback)]() mutable {
@@ -136,18 +132,15 @@ std::shared_ptr<CBPeripheral> CentralCore::peripheralFor(const UUID& identifier)
 
 // --- adapter ------------------------------------------------------------------------------------
 
-CBManagerState CentralCore::state() const {
-    return state_.value_or(CBManagerState::unknown);
-}
-
 void CentralCore::adapterStateChanged(CBManagerState state) {
-    if (state_ == state) return;
-    state_ = state;
-    if (!isPoweredOn()) {
-        isScanning_ = false;
-        endAllLinks();
-    }
-    post([](CentralCore& core) {
+    if (radioState_ == state) return;
+    radioState_ = state;
+    ++statesToTell_;
+    if (state != CBManagerState::poweredOn) endAllLinks();
+    post([state](CentralCore& core) {
+        --core.statesToTell_;
+        core.state_ = state;
+        if (state != CBManagerState::poweredOn) core.isScanning_ = false;
         if (const auto listener = core.delegate.lock())
             listener->centralManagerDidUpdateState(*core.manager_);
     });
@@ -156,8 +149,12 @@ void CentralCore::adapterStateChanged(CBManagerState state) {
 // Without power nothing is left to be reported link by link: the state tells it all.
 void CentralCore::endAllLinks() {
     disconnecting_.clear();
-    for (const auto& [identifier, weak] : peripherals_)
-        if (const auto peripheral = weak.lock()) linkEnded(peripheral);
+    for (const auto& [identifier, weak] : peripherals_) {
+        const auto peripheral = weak.lock();
+        if (!peripheral) continue;
+        linkEnded(peripheral);
+        peripheral->connectAgain_ = false;
+    }
 }
 
 // --- scanning -----------------------------------------------------------------------------------
@@ -194,7 +191,7 @@ void CentralCore::sighted(const Sighting& sighting) {
 
 void CentralCore::report(const Sighting& sighting) {
     post([sighting, scan = scan_](CentralCore& core) {
-        if (!core.isScanning_ || core.scan_ != scan) return;
+        if (!core.isScanning_ || core.scan_ != scan || !core.isReady()) return;
         const auto peripheral = core.peripheralFor(sighting.identifier);
         if (sighting.name) peripheral->ownName_ = sighting.name;
         if (sighting.advertisement.localName)
@@ -277,19 +274,25 @@ void CentralCore::disconnected(const UUID& identifier, const std::optional<NSErr
         const auto ending = held.lock();
         if (!ending || ending->link_ != link) return;
         if (ending->state_ != State::connected && ending->state_ != State::disconnecting) return;
-        const bool connectAgain = ending->connectAgain_;
         core.linkEnded(ending);
         std::erase(core.disconnecting_, ending);
+        if (ending->connectAgain_) core.postConnectAgain(ending);
         if (const auto listener = core.delegate.lock())
             listener->centralManagerDidDisconnectPeripheral(*core.manager_, ending, error);
-        if (connectAgain && core.isPoweredOn() && ending->state_ == State::disconnected)
-            core.beginConnecting(*ending);
+    });
+}
+
+// Behind the callback of the link's end, which may take it back, and may throw.
+void CentralCore::postConnectAgain(const std::shared_ptr<CBPeripheral>& peripheral) {
+    post([peripheral](CentralCore& core) {
+        const bool isWanted = std::exchange(peripheral->connectAgain_, false);
+        if (isWanted && core.isReady() && peripheral->state_ == State::disconnected)
+            core.beginConnecting(*peripheral);
     });
 }
 
 void CentralCore::linkEnded(const std::shared_ptr<CBPeripheral>& peripheral) {
     peripheral->state_ = State::disconnected;
-    peripheral->connectAgain_ = false;
     peripheral->services_.reset();
     peripheral->carriedOver_.clear();
     peripheral->discoveries_.clear();
@@ -297,7 +300,7 @@ void CentralCore::linkEnded(const std::shared_ptr<CBPeripheral>& peripheral) {
 
 void CentralCore::released(CBPeripheral& peripheral) {
     peripherals_.erase(peripheral.identifier_);
-    if (peripheral.state_ == State::disconnected || !isPoweredOn()) return;
+    if (peripheral.state_ == State::disconnected || !isReady()) return;
     reportMisuse("Cancelling connection for unused peripheral " + peripheral.description() +
                  ", Did you forget to keep a reference to it?");
     radio_->disconnect(peripheral.identifier_);

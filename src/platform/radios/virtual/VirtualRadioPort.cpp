@@ -36,8 +36,7 @@ void VirtualRadioPort::start(RadioListener& listener) {
 
 void VirtualRadioPort::reportState() {
     if (!listener_) return;
-    const CBManagerState state = radio_ ? radio_->state() : CBManagerState::unsupported;
-    if (state != CBManagerState::unknown) listener_->adapterStateChanged(state);
+    listener_->adapterStateChanged(radio_ ? radio_->state() : CBManagerState::unsupported);
 }
 
 // Scanning
