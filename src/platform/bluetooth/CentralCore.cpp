@@ -13,17 +13,6 @@ namespace {
 
 using State = CBPeripheralState;
 
-// An advertisement and its scan response make one picture; what came later counts.
-void merge(Advertisement& known, const Advertisement& news) {
-    if (news.localName) known.localName = news.localName;
-    if (!news.serviceUUIDs.empty()) known.serviceUUIDs = news.serviceUUIDs;
-    if (news.manufacturerData) known.manufacturerData = news.manufacturerData;
-    for (const auto& [uuid, data] : news.serviceData)
-        known.serviceData.insert_or_assign(uuid, data);
-    if (news.txPowerLevel) known.txPowerLevel = news.txPowerLevel;
-    if (news.isConnectable) known.isConnectable = news.isConnectable;
-}
-
 Dictionary dictionaryOf(const Advertisement& advertisement) {
     Dictionary entries;
     if (advertisement.localName)
@@ -163,7 +152,7 @@ void CentralCore::startScan(const std::vector<CBUUID>& services) {
     wantedServices_ = services;
     if (std::exchange(isScanning_, true)) return;
     ++scan_;
-    heard_.clear();
+    reported_.clear();
     radio_->startScan();
 }
 
@@ -173,20 +162,14 @@ void CentralCore::stopScan() {
 
 void CentralCore::sighted(const Sighting& sighting) {
     if (!isScanning_) return;
-    Heard& heard = heard_[sighting.identifier];
-    merge(heard.advertisement, sighting.advertisement);
+    const Advertisement& sent = sighting.advertisement;
     const bool isOfInterest =
-        wantedServices_.empty() ||
-        std::ranges::any_of(heard.advertisement.serviceUUIDs,
-                            [&](const CBUUID& uuid) { return isWanted(uuid, wantedServices_); });
+        wantedServices_.empty() || std::ranges::any_of(sent.serviceUUIDs, [&](const CBUUID& uuid) {
+            return isWanted(uuid, wantedServices_);
+        });
     if (!isOfInterest) return;
-    const bool isRenamed = heard.advertisement.localName != heard.reportedName;
-    if (heard.isReported && !isRenamed && !sighting.reportEvenIfKnown) return;
-    heard.isReported = true;
-    heard.reportedName = heard.advertisement.localName;
-    Sighting whole = sighting;
-    whole.advertisement = heard.advertisement;
-    report(whole);
+    const bool isNews = reported_.isNews(sighting.identifier, sent.localName);
+    if (isNews || sighting.reportEvenIfKnown) report(sighting);
 }
 
 void CentralCore::report(const Sighting& sighting) {

@@ -2,6 +2,7 @@
 
 #include <InkoraKit/platform/CBCentralManager.h>
 
+#include "platform/bluetooth/ReportedAdvertisers.h"
 #include "platform/bluetooth/radio.h"
 
 #include <cstdint>
@@ -77,13 +78,6 @@ public:
                   const std::optional<NSError>& error) override;
 
 private:
-    // What this scan knows of an advertiser, and the name it was reported with.
-    struct Heard {
-        Advertisement advertisement;
-        bool isReported = false;
-        std::optional<std::string> reportedName;
-    };
-
     /// Queues `callback(*this)`, to run if the manager still exists.
     template <class Callback>
     void post(Callback callback);
@@ -116,7 +110,7 @@ private:
     bool isScanning_ = false;
     std::uint64_t scan_ = 0;  // counts scans, to tell a report of an earlier one
     std::vector<CBUUID> wantedServices_;
-    std::unordered_map<UUID, Heard> heard_;
+    ReportedAdvertisers reported_;  // by this scan
 
     std::unordered_map<UUID, std::weak_ptr<CBPeripheral>> peripherals_;
     // A peripheral whose link is being ended is kept until that is done and reported.

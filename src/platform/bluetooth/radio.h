@@ -24,7 +24,8 @@ namespace InkoraKit {
 /// Names a service or characteristic within one link; meaningless once the link has ended.
 using AttributeHandle = std::uint32_t;
 
-/// What an advertiser sent, advertisement and scan response together, as far as it is known.
+/// What an advertiser sent, advertisement and scan response together: all of it that the radio has
+/// heard in this scan, not only what is new.
 struct Advertisement {
     std::optional<std::string> localName;
     std::vector<CBUUID> serviceUUIDs;
