@@ -4,6 +4,7 @@
 #include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    InkoraKit::PenScript().play({reinterpret_cast<const char*>(bytes), size});
+    InkoraKit::PenScript(InkoraKit::Accounting::byScript)
+        .play({reinterpret_cast<const char*>(bytes), size});
     return 0;
 }

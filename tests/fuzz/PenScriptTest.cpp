@@ -30,7 +30,7 @@ TEST(PenScriptTest, ThousandsOfRandomOrdersEndOnlyWhereTheyAreMeantTo) {
         std::string script = i % 2 ? "paired\n" : "scanning\n";
         for (auto left = random() % 60; left > 0; --left)
             script += lines[random() % lines.size()] + (random() % 2 ? "\nrun\n" : "\n");
-        PenScript().play(script);
+        PenScript(Accounting::byScript).play(script);
     }
     testing::internal::GetCapturedStderr();
 }

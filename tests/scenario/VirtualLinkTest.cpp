@@ -4,6 +4,8 @@
 #include <InkoraKit/virtual/VirtualPen.h>
 #include <InkoraKit/virtual/VirtualRadio.h>
 
+#include "support/PenScript.h"
+
 #include <gtest/gtest.h>
 
 namespace InkoraKit {
@@ -45,6 +47,11 @@ TEST(VirtualLinkTest, ALinkLostAtAnyMomentIsFoundAgainAndServesUntilItIsStopped)
         EXPECT_EQ(host->heard, "colour battery proximity disconnected ") << moment;
         EXPECT_FALSE(pen->isConnected() || radio->isScanning()) << moment;
     }
+}
+
+TEST(HandlerTest, OneThatNobodySharesSaysSo) {
+    Handler onTheStack;
+    EXPECT_THROW(onTheStack.unPublishHandler(), FatalStop);
 }
 
 }  // namespace

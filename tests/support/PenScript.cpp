@@ -13,9 +13,6 @@
 namespace InkoraKit {
 namespace {
 
-struct FatalStop {
-    std::string message;
-};
 struct HostFault : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -55,7 +52,10 @@ public:
         hear("proximity", std::to_string(strength));
     }
     void didPeripheralProvided(const std::string& name, const std::string& udid) override {
-        hear("info", "\"" + name + "\" \"" + udid + "\"");
+        const auto both = [&] { return "\"" + name + "\" \"" + udid + "\""; };
+        const std::string before = both();
+        hear("info", before);
+        if (both() != before) transcript_.note("changed meanwhile");
     }
 
 private:
@@ -74,8 +74,8 @@ private:
 
 PenScript::PenScript(Accounting rule)
     : accounting(rule),
-      host(std::make_shared<TranscribedHost>(
-          transcript, [this](const std::string& event) { doInside(event); })),
+      host(std::make_shared<TranscribedHost>(transcript,
+                                             [this](const std::string& event) { happens(event); })),
       handler(std::make_shared<TranscribedHandler>(transcript)) {
     draw = [this](std::uint32_t bound) {
         transcript.note("draw below " + std::to_string(bound));
@@ -105,15 +105,11 @@ PenScript::PenScript(Accounting rule)
     });
     add("forget", [this] { host.reset(); });
     add("leave", [this] { handler.reset(); });
-    add("inside", [this] {
-        const std::string event = word();
-        inside[event] = restOfLine().value_or("");
-    });
     add("throw", [] { throw HostFault("the host's own"); });
     add("simulate", [this] { handler->simulate(); });
     add("draw", [this] { drawn = static_cast<std::uint32_t>(number()) % 3; });
     add("state", [this] { handler->setCurrentState(static_cast<ManagerState>(number() % 12)); });
-    add("capture-after", [this] { handler->setColorCaptureTimeout(number() / 10.0); });
+    add("capture-after", [this] { handler->setColorCaptureTimeout(seconds()); });
     add("perform", [this] {
         accountedFor.insert(nilFound);  // steps that need a central manager
         if (!handler->performSelector(word())) transcript.note("no such step");
@@ -146,14 +142,11 @@ bool PenScript::playLine(const std::string& line) {
         return true;
     } catch (const FatalStop& stop) {
         transcript.note("fatal stop: " + stop.message);
+        if (accounting == Accounting::byTranscript) return false;
         if (accounting == Accounting::byScript && accountedFor.contains(stop.message)) return false;
         std::fprintf(stderr, "unaccounted fatal stop: %s\n", stop.message.c_str());
         std::abort();
     }
-}
-
-void PenScript::doInside(const std::string& event) {
-    if (const auto doing = inside.extract(event)) RadioScript::playLine(doing.mapped());
 }
 
 }  // namespace InkoraKit

@@ -7,38 +7,43 @@ namespace InkoraKit {
 class TranscribedHandler;
 class TranscribedHost;
 
-/// Whether a script can account for a fatal stop, or none is taken, to see that it is noticed.
-enum class Accounting { byScript, none };
+/// What a fatal stop is where this is linked: it can be looked at, and the process goes on.
+struct FatalStop {
+    std::string message;
+};
 
-/// A script for the engine: radio events, and what a host does. A fatal stop that nothing in the
-/// script accounts for ends the process. The host's words:
+/// What a fatal stop has to be accounted for by, so that it does not end the process.
+enum class Accounting {
+    byTranscript,  ///< where it stands like all that happens
+    byScript,      ///< a line that may lead to it
+    none,          ///< to see that it is noticed
+};
+
+/// A script for the engine: radio events, and what a host does. It ends with a fatal stop. The
+/// host's words:
 ///
 ///     start  stop  publish  unpublish  battery  proximity  info
 ///     scanning  connecting  linked  paired           all that leads there from the beginning
 ///     forget                    the host lets go of its receiver; leave: of the handler
-///     inside EVENT LINE         does LINE when its receiver hears EVENT the next time
-///     throw                     an exception, for use inside a callback
+///     throw                     an exception, for use inside of what the host hears
 ///     simulate                  timers and draws stand in for the radio
 ///     draw n                    what every draw from now on gives
 ///     state n                   stores a state of the engine
-///     capture-after n           n tenths of a second
+///     capture-after S           stores seconds
 ///     perform STEP              runs a step by name
 class PenScript : public RadioScript {
 public:
-    explicit PenScript(Accounting rule = Accounting::byScript);
+    explicit PenScript(Accounting rule = Accounting::byTranscript);
     ~PenScript() override;
 
 protected:
     bool playLine(const std::string& line) override;
 
 private:
-    void doInside(const std::string& event);
-
     const Accounting accounting;
     std::shared_ptr<TranscribedHost> host;
     std::shared_ptr<TranscribedHandler> handler;
     std::uint32_t drawn = 0;
-    std::map<std::string, std::string> inside;  // what the host does, by the event that it hears
 };
 
 }  // namespace InkoraKit

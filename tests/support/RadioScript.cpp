@@ -6,7 +6,7 @@ namespace InkoraKit {
 namespace {
 
 const char* serviceWithHandle(int handle) {
-    return handle == 1 || handle == 5 ? "1F1F" : "180A";
+    return handle % 10 == 1 || handle == 5 ? "1F1F" : "180A";
 }
 
 const char* characteristicWithHandle(int handle) {
@@ -53,6 +53,12 @@ RadioScript::RadioScript() {
         auto all = found<RemoteCharacteristic>(characteristicWithHandle, failed);
         for (RemoteCharacteristic& one : all) one.properties = 0x10 + one.handle;
         radio.characteristicsDiscovered(from, service, std::move(all), failed);
+    });
+    addEvent("invalidated", [this](RadioListener& radio, const UUID& from) {
+        std::vector<AttributeHandle> services;
+        for (int next = number(); next != 0; next = number())
+            services.push_back(static_cast<AttributeHandle>(next));
+        radio.servicesInvalidated(from, services);
     });
     addEvent("read", [this](RadioListener& radio, const UUID& from) {
         const auto handle = static_cast<AttributeHandle>(number());

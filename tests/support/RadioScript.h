@@ -17,8 +17,9 @@ namespace InkoraKit {
 ///     advertise n KEY VALUE…    the same with more: name, own, rssi, services, maker, data, power,
 ///                               connectable, and again, for a report although it had one
 ///     connected n   failed n   lost n   gone n       what becomes of device n's link
-///     services n HANDLES        discovery finds these on device n: 1 and 5 are the pen's
+///     services n HANDLES        discovery finds these on device n: 1, 11 and 5 are the pen's
 ///     characteristics n m HANDLES   the same in service m: 2 and 12 are colours, 3 battery
+///     invalidated n HANDLES     of services that changed
 ///     read n HANDLE HEX         an answer; no HEX: no bytes, "-": no value
 ///     notify n HANDLE HEX
 ///     subscribed n HANDLE       confirmed; "off": ended

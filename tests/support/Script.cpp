@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <fstream>
@@ -16,6 +17,10 @@ Script::Script() {
     RunLoop::main().setClock(std::make_shared<VirtualClock>());
     actions["run"] = [] { RunLoop::main().runFor(0); };
     actions["wait"] = [this] { RunLoop::main().runFor(seconds()); };
+    actions["inside"] = [this] {
+        const std::string event = word();
+        inside[event] = restOfLine().value_or("");
+    };
 }
 
 void Script::play(std::string_view script) {
@@ -45,6 +50,10 @@ bool Script::playLine(const std::string& line) {
     const auto action = line.starts_with(' ') ? actions.end() : actions.find(word());
     if (action != actions.end()) action->second();
     return true;
+}
+
+void Script::happens(const std::string& event) {
+    if (const auto line = inside.extract(event)) Script::playLine(line.mapped());
 }
 
 void Script::addStages(std::initializer_list<std::pair<const char*, const char*>> linesByName) {
@@ -105,10 +114,13 @@ void expectTranscripts(const std::filesystem::path& folder,
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string expected{std::istreambuf_iterator<char>(file), {}};
         const std::string actual = makeScript()->transcribed(expected);
-        const auto kept = std::filesystem::path(testing::TempDir()) / entry.path().filename();
-        if (actual != expected) std::ofstream(kept, std::ios::binary) << actual;
-        EXPECT_EQ(actual, expected) << entry.path() << " as it is now: " << kept;
         ++count;
+        if (actual == expected) continue;
+        const auto is = std::ranges::mismatch(actual, expected).in1;
+        const auto kept = std::filesystem::path(testing::TempDir()) / entry.path().filename();
+        std::ofstream(kept, std::ios::binary) << actual;
+        ADD_FAILURE() << entry.path() << " is no longer right from line "
+                      << 1 + std::count(actual.begin(), is, '\n') << " on; compare with " << kept;
     }
     EXPECT_GT(count, 0) << folder;
 }

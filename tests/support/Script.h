@@ -20,8 +20,9 @@ namespace InkoraKit {
 /// Plays a text, a line at a time, on a clock that nobody waits for. The first word of a line says
 /// what to do; a derived class knows which words there are. Lines that make no sense are skipped.
 ///
-///     wait S    S seconds pass
-///     run       what is queued is done
+///     wait S              S seconds pass
+///     run                 what is queued is done
+///     inside EVENT LINE   LINE is played when EVENT happens the next time, before it is over
 class Script {
 public:
     Script();
@@ -41,6 +42,8 @@ protected:
     virtual bool playLine(const std::string& line);
     /// What happened since the last call of this, as indented lines.
     virtual std::string happened() = 0;
+    /// An event that a line may be played inside of.
+    void happens(const std::string& event);
 
     /// Makes each name a word for all lines up to its own, played without being transcribed.
     void addStages(std::initializer_list<std::pair<const char*, const char*>> linesByName);
@@ -58,6 +61,7 @@ protected:
 
 private:
     std::istringstream arguments;
+    std::map<std::string, std::string> inside;  // lines by events
 };
 
 /// Fails unless each transcript in the folder is what its script comes to. What that is instead is

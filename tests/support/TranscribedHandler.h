@@ -90,6 +90,11 @@ public:
         InkoraHandler::centralManagerDidDiscoverPeripheral(central, found, sent, rssi);
     }
 
+    bool isAutoPairEnabled() const override {
+        transcript_.note("isAutoPairEnabled is asked for");
+        return InkoraHandler::isAutoPairEnabled();
+    }
+
 // Read back, so that a store that stores nothing is seen.
 #define STORE(setter, field, Type)                       \
     void setter(Type value) override {                   \

@@ -69,7 +69,9 @@ public:
     std::shared_ptr<CBCentralManagerDelegate> delegate() const;
     void setDelegate(std::weak_ptr<CBCentralManagerDelegate> delegate);
 
-    /// `unknown` until the radio has answered.
+    /// `unknown` until the radio has answered. It changes with the callback that tells of it, and
+    /// `isScanning` with it; commands between a loss of power and that callback are ignored without
+    /// a word.
     CBManagerState state() const;
 
     /// True from `scanForPeripherals` to `stopScan` or the loss of power, which ends a scan for

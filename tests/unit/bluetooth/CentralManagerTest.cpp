@@ -19,7 +19,6 @@ namespace {
 ///     describe n   shows descriptions
 ///     drop n       lets go of a peripheral
 ///     end          lets go of the manager
-///     inside WORD LINE   does LINE inside the next callback whose line begins with WORD
 class CentralScript final : public RadioScript {
 public:
     CentralScript() {
@@ -37,10 +36,6 @@ public:
         actions["describe"] = [this] { describe(); };
         actions["drop"] = [this] { peripheral().reset(); };
         actions["end"] = [this] { manager.reset(); };
-        actions["inside"] = [this] {
-            const std::string event = word();
-            listener->inside[event] = restOfLine().value_or("");
-        };
         transcript.take();  // the facts that each script begins with
     }
     ~CentralScript() override {
@@ -87,6 +82,11 @@ private:
             const std::optional<NSError>& error) override {
             hear("characteristics", on,
                  outcome(error) + " " + keep(service->characteristics(), script.characteristics));
+        }
+        void peripheralDidModifyServices(
+            const std::shared_ptr<CBPeripheral>& on,
+            const std::vector<std::shared_ptr<CBService>>& invalidated) override {
+            hear("modified", on, " " + keep(std::optional(invalidated), script.services));
         }
         void peripheralDidReadRSSI(const std::shared_ptr<CBPeripheral>& on, const NSNumber& rssi,
                                    const std::optional<NSError>& error) override {
@@ -141,11 +141,10 @@ private:
         }
         void hear(const std::string& event, const std::string& detail) {
             const auto within = script.transcript.step(event + " " + detail);
-            if (const auto doing = inside.extract(event)) script.playLine(doing.mapped());
+            script.happens(event);
         }
 
         CentralScript& script;
-        std::map<std::string, std::string> inside;
     };
 
     static std::size_t numberOf(const std::shared_ptr<CBPeripheral>& peripheral) {
@@ -196,27 +195,19 @@ private:
         {"connect", [this] { manager->connect(peripheral()); }},
         {"cancel", [this] { manager->cancelPeripheralConnection(peripheral()); }},
         {"rssi", [this] { peripheral()->readRSSI(); }},
-        {"services",
-         [this] {
-             const auto on = peripheral();
-             on->discoverServices(uuids());
-         }},
+        {"services", [this] { peripheral()->discoverServices(uuids()); }},
+        {"read", [this] { peripheral()->readValue(numbered(characteristics)); }},
         {"characteristics",
          [this] {
-             const auto on = peripheral();
+             auto& on = *peripheral();
              const auto service = numbered(services);
-             on->discoverCharacteristics(uuids(), service);
-         }},
-        {"read",
-         [this] {
-             const auto on = peripheral();
-             on->readValue(numbered(characteristics));
+             on.discoverCharacteristics(uuids(), service);
          }},
         {"notify",
          [this] {
-             const auto on = peripheral();
+             auto& on = *peripheral();
              const auto characteristic = numbered(characteristics);
-             on->setNotifyValue(word() == "on", characteristic);
+             on.setNotifyValue(word() == "on", characteristic);
          }},
     };
 };

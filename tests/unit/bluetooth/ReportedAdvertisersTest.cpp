@@ -1,0 +1,26 @@
+#include "platform/bluetooth/ReportedAdvertisers.h"
+
+#include <gtest/gtest.h>
+
+namespace InkoraKit {
+namespace {
+
+TEST(ReportedAdvertisersTest, OneThatGoesOnBeingHeardIsNewsByItsNameAlone) {
+    ReportedAdvertisers reported;
+    const UUID pen;
+    EXPECT_TRUE(reported.isNews(pen, std::nullopt));
+    for (const char* name : {"InkoraPen", "HuveloPen"}) {
+        EXPECT_TRUE(reported.isNews(pen, name));
+        for (int passer = 0; passer < 60'000; ++passer) {
+            ASSERT_TRUE(reported.isNews(UUID(), "Passer")) << passer;
+            if (passer % 20'000 != 0) continue;
+            ASSERT_FALSE(reported.isNews(pen, name)) << passer;
+            ASSERT_FALSE(reported.isNews(pen, std::nullopt)) << passer;
+        }
+    }
+    reported.clear();
+    EXPECT_TRUE(reported.isNews(pen, "HuveloPen"));
+}
+
+}  // namespace
+}  // namespace InkoraKit
