@@ -189,6 +189,11 @@ TEST_F(RunLoopTest, TheDescriptorShowsDeadlinesWhenTheyHaveCome) {
 
     loop.setClock(std::make_shared<SystemClock>());
     Pipe source(noting("source,"));
+    const auto near = Timer::scheduledTimer(0.001, noting("near,"));
+    loop.setClock(clock);
+    EXPECT_FALSE(isDescriptorReadable(5)) << "an alarm by the clock before";
+    near->invalidate();
+    loop.setClock(std::make_shared<SystemClock>());
     const auto far = Timer::scheduledTimer(3600, noting("far,"));
     Timer::scheduledTimer(0.001, noting("never,"))->invalidate();
     EXPECT_FALSE(isDescriptorReadable(5));

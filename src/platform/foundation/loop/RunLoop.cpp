@@ -73,7 +73,7 @@ struct RunLoop::State {
     }
 };
 
-// Called by whatever gives the control back to the host, however it ends.
+// Shows a host what is left to do when a run ends, be it by an exception.
 class RunLoop::Leaving {
 public:
     explicit Leaving(RunLoop& loop) : loop_(loop) {}
@@ -160,6 +160,7 @@ double RunLoop::now() const {
 void RunLoop::setClock(std::shared_ptr<Clock> clock) {
     state_->clock = std::move(clock);
     state_->alarm.reset();
+    state_->waiter.setAlarm(std::nullopt);
     show();
 }
 

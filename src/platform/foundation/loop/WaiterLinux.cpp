@@ -55,7 +55,8 @@ itimerspec alarmTime(std::optional<double> seconds) {
     const double wanted = std::clamp(*seconds, 1e-9, longest);
     const double whole = std::floor(wanted);
     time.it_value.tv_sec = static_cast<time_t>(whole);
-    time.it_value.tv_nsec = std::min(std::lround(std::ceil((wanted - whole) * 1e9)), 999'999'999L);
+    time.it_value.tv_nsec =
+        static_cast<long>(std::min(std::ceil((wanted - whole) * 1e9), 999'999'999.0));
     return time;
 }
 
