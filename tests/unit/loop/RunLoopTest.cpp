@@ -35,7 +35,8 @@ struct Pipe : RunLoopSource {
         RunLoop::main().sourcesChanged();
     }
     int descriptor() const override { return ends[0]; }
-    std::optional<double> deadline() const override { return due; }
+    Interest interest() const override { return wanted; }
+    std::optional<double> deadline() const override { return ++asked, due; }
     void service() override {
         served();
         char byte = 0;
@@ -45,6 +46,8 @@ struct Pipe : RunLoopSource {
     std::function<void()> served;
     std::array<int, 2> ends{};
     std::optional<double> due;
+    Interest wanted = Interest::readable;
+    mutable int asked = 0;
 };
 
 class RunLoopTest : public testing::Test {
@@ -177,34 +180,53 @@ TEST_F(RunLoopTest, APostFromAnotherThreadWakesALoopThatSleepsForEver) {
 
 TEST_F(RunLoopTest, TheDescriptorShowsDeadlinesWhenTheyHaveCome) {
     if (!watchesDescriptors()) GTEST_SKIP();
-    Timer::scheduledTimer(0.5, noting("virtual,"));
+    Timer::scheduledTimer(0.001, noting("virtual,"));
     loop.runOnce();
-    EXPECT_FALSE(isDescriptorReadable(1)) << "a clock that stands still must not be waited for";
-    EXPECT_EQ(loop.timeUntilDue(), 0.5);
-    loop.runUntil(0.4);
-    EXPECT_EQ(order, "");
-    clock->skipTo(0.5);
+    EXPECT_FALSE(isDescriptorReadable(5)) << "a clock that stands still must not be waited for";
+    EXPECT_EQ(loop.timeUntilDue(), 0.001);
+    clock->skipTo(0.001);
     loop.setClock(clock);
     EXPECT_EQ(pollUntilQuiet(), 1);
 
     loop.setClock(std::make_shared<SystemClock>());
-    Pipe source(noting("source,"));
     const auto near = Timer::scheduledTimer(0.001, noting("near,"));
     loop.setClock(clock);
     EXPECT_FALSE(isDescriptorReadable(5)) << "an alarm by the clock before";
     near->invalidate();
     loop.setClock(std::make_shared<SystemClock>());
-    const auto far = Timer::scheduledTimer(3600, noting("far,"));
+    Pipe source(noting("source,"));
+    source.setDeadline(3600);
     Timer::scheduledTimer(0.001, noting("never,"))->invalidate();
     EXPECT_FALSE(isDescriptorReadable(5));
-    far->invalidate();
+    EXPECT_FALSE(loop.runPending());
     source.setDeadline(0.001);
     EXPECT_EQ(pollUntilQuiet(), 1);
     Timer::scheduledTimer(0.001, noting("timer,"));
+    loop.setClock(std::make_shared<SystemClock>());
     EXPECT_EQ(pollUntilQuiet(), 1);
-    source.write();
+    Timer::scheduledTimer(0.001, noting("run,"));
+    source.asked = 0;
+    loop.runFor(0.03);
+    EXPECT_LT(source.asked, 50) << "the loop span";
+    EXPECT_EQ(order, "virtual,source,timer,run,");
+}
+
+TEST_F(RunLoopTest, ASourceIsServedWhenItWantsToBeAndNotAfterAnotherHasRemovedIt) {
+    if (!watchesDescriptors()) GTEST_SKIP();
+    std::optional<Pipe> second(noting("second,"));
+    Pipe first([&] {
+        note("first,");
+        second.reset();
+    });
+    first.wanted = RunLoopSource::Interest::none;
+    loop.sourcesChanged();
+    first.write();
+    EXPECT_EQ(pollUntilQuiet(), 0);
+    first.wanted = RunLoopSource::Interest::readable;
+    loop.sourcesChanged();
+    second->write();
     EXPECT_EQ(pollUntilQuiet(), 1);
-    EXPECT_EQ(order, "virtual,source,timer,source,");
+    EXPECT_EQ(order, "first,");
 }
 
 TEST_F(RunLoopTest, ALoopInsideACallbackServesTimersAndOtherSourcesAndNeverSpins) {
@@ -230,6 +252,7 @@ TEST_F(RunLoopTest, ALoopInsideACallbackServesTimersAndOtherSourcesAndNeverSpins
     const std::string held = "other,timer,closed,block,posted,";
     EXPECT_EQ(openedIn([&] { loop.post(box); }), held);
     EXPECT_EQ(openedIn([&] { own.write(); }), held);
+    EXPECT_EQ(openedIn([&] { own.write(); }), held) << "watched again";
     EXPECT_EQ(openedIn([&] { own.setDeadline(0); }), held);
     EXPECT_EQ(openedIn([&] { Timer::scheduledTimer(0, box); }), "other,block,posted,timer,closed,");
 }
