@@ -70,12 +70,11 @@ public:
     void setDelegate(std::weak_ptr<CBCentralManagerDelegate> delegate);
 
     /// `unknown` until the radio has answered. It changes with the callback that tells of it, and
-    /// `isScanning` with it; commands between a loss of power and that callback are ignored without
-    /// a word.
+    /// commands between a loss of power and that callback are ignored without a word.
     CBManagerState state() const;
 
-    /// True from `scanForPeripherals` to `stopScan` or the loss of power, which ends a scan for
-    /// good.
+    /// True from `scanForPeripherals` to `stopScan`, or to the callback of a loss of power, which
+    /// ends a scan for good.
     bool isScanning() const;
 
     /// Reports advertisers that announce at least one of these services, every advertiser when the
