@@ -16,7 +16,7 @@ const char* characteristicWithHandle(int handle) {
 }  // namespace
 
 RadioScript::RadioScript() {
-    ScriptedRadio::install(&transcript);
+    ScriptedRadio::install(&transcript, [this](const std::string& word) { happens(word); });
     for (std::size_t i = 0; i < devices.size(); ++i) {
         UUID::Bytes identifier{};
         identifier.back() = static_cast<std::uint8_t>(i);

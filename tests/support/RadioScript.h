@@ -26,7 +26,8 @@ namespace InkoraKit {
 ///     rssi n STRENGTH
 ///     name n NAME               the device's own name
 ///
-/// "!" in place of what is found, read or confirmed is a failure.
+/// "!" in place of what is found, read or confirmed is a failure. Each command that the radio is
+/// given, such as radio-scan, is an event that a line can be played inside of.
 class RadioScript : public Script {
 public:
     RadioScript();

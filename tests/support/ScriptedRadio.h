@@ -3,8 +3,10 @@
 #include "platform/bluetooth/radio.h"
 #include "support/Transcript.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace InkoraKit {
 
@@ -12,11 +14,15 @@ namespace InkoraKit {
 /// transcript, if there is one. Devices are called by the last byte of their identifier.
 class ScriptedRadio final : public Radio {
 public:
-    /// Installs a radio of this kind; `opened()` is the one that the next manager has opened.
-    static void install(Transcript* transcript = nullptr) {
-        installRadio([transcript] {
+    using OnCommand = std::function<void(const std::string& word)>;
+
+    /// Installs a radio of this kind; `opened()` is the one that the next manager has opened. What
+    /// `onCommand` does happens inside the command.
+    static void install(Transcript* transcript = nullptr, OnCommand onCommand = {}) {
+        installRadio([transcript, onCommand = std::move(onCommand)] {
             auto radio = std::make_unique<ScriptedRadio>();
             radio->transcript_ = transcript;
+            radio->onCommand_ = onCommand;
             opened() = radio.get();
             return radio;
         });
@@ -37,7 +43,7 @@ public:
         events = &listener;
     }
     void startScan() override { note("scan"); }
-    void stopScan() override { note("stop scan"); }
+    void stopScan() override { note("stop-scan"); }
     void connect(const UUID& device) override { note("connect", device); }
     void disconnect(const UUID& device) override { note("disconnect", device); }
     void discoverServices(const UUID& device) override { note("services", device); }
@@ -53,16 +59,20 @@ public:
     RadioListener* events = nullptr;
 
 private:
-    void note(const std::string& command) {
-        if (transcript_) transcript_->note("radio " + command);
+    template <class... Number>
+    void note(const std::string& word, Number... numbers) {
+        if (transcript_)
+            transcript_->note("radio " + word +
+                              (std::string() + ... + (" " + std::to_string(numbers))));
+        if (onCommand_) onCommand_("radio-" + word);
     }
     template <class... Handle>
-    void note(const std::string& command, const UUID& device, Handle... handle) {
-        note(command + " " + std::to_string(device.bytes().back()) +
-             (std::string() + ... + (" " + std::to_string(handle))));
+    void note(const std::string& word, const UUID& device, Handle... handle) {
+        note(word, unsigned{device.bytes().back()}, handle...);
     }
 
     Transcript* transcript_ = nullptr;
+    OnCommand onCommand_;
 };
 
 }  // namespace InkoraKit
