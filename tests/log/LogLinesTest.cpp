@@ -12,7 +12,10 @@ public:
         transcript.goesToStandardOutput = true;
         testing::internal::CaptureStdout();
     }
-    ~LogScript() override { testing::internal::GetCapturedStdout(); }
+    ~LogScript() override {
+        transcript.goesToStandardOutput = false;
+        testing::internal::GetCapturedStdout();
+    }
 
 protected:
     std::string happened() override {
