@@ -106,12 +106,12 @@ PenScript::PenScript(Accounting rule)
     add("forget", [this] { host.reset(); });
     add("leave", [this] { handler.reset(); });
     add("throw", [] { throw HostFault("the host's own"); });
+    if (accounting != Accounting::byTranscript) return;  // what no host can do accounts for nothing
     add("simulate", [this] { handler->simulate(); });
     add("draw", [this] { drawn = static_cast<std::uint32_t>(number()) % 3; });
     add("state", [this] { handler->setCurrentState(static_cast<ManagerState>(number() % 12)); });
     add("capture-after", [this] { handler->setColorCaptureTimeout(seconds()); });
     add("perform", [this] {
-        accountedFor.insert(nilFound);  // steps that need a central manager
         if (!handler->performSelector(word())) transcript.note("no such step");
     });
 }
@@ -134,7 +134,9 @@ PenScript::~PenScript() {
 bool PenScript::playLine(const std::string& line) {
     try {
         RadioScript::playLine(line);
-        if (line.starts_with("run") || line.starts_with("wait"))
+        std::string first;
+        std::istringstream(line) >> first;
+        if (first == "run" || first == "wait")
             accountedFor.clear();  // whatever was malformed has been dealt with
         return true;
     } catch (const HostFault&) {

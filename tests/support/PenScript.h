@@ -26,6 +26,9 @@ enum class Accounting {
 ///     scanning  connecting  linked  paired           all that leads there from the beginning
 ///     forget                    the host lets go of its receiver; leave: of the handler
 ///     throw                     an exception, for use inside of what the host hears
+///
+/// And in transcripts only, since no host can do it:
+///
 ///     simulate                  timers and draws stand in for the radio
 ///     draw n                    what every draw from now on gives
 ///     state n                   stores a state of the engine
