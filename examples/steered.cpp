@@ -14,7 +14,10 @@ using namespace InkoraKit;
 
 struct Reporter : InkoraProtocols {
     void didConnectedToPeripheral() override { print("connected"); }
-    void didDisconnectPeripheral() override { print("disconnected"); }
+    void didDisconnectPeripheral() override {
+        print("disconnected");
+        InkoraManager::requestInkoraDeviceBatteryInfo();  // of the next connection
+    }
     void didFailedToInterrogate(const NSError& error) override { print(error); }
     void didFailToConnectWithBlueTooth(const NSError& error) override { print(error); }
 
@@ -53,12 +56,8 @@ public:
 
 private:
     static void obey(const std::string& command) {
-        if (command == "stop") return InkoraManager::stopPairingDevice();
-        if (command != "start") return;
-        // While no pen was found: later there is a time in which this must not be asked.
-        if (!InkoraHandler::getInstance()->connectedPeripheral())
-            InkoraManager::requestInkoraDeviceBatteryInfo();
-        InkoraManager::startDevicePairing();
+        if (command == "start") InkoraManager::startDevicePairing();
+        if (command == "stop") InkoraManager::stopPairingDevice();
     }
 
     std::string typed_;
@@ -68,6 +67,7 @@ int main() {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     const auto reporter = std::make_shared<Reporter>();
     InkoraManager::registerInkoraManager(reporter);
+    InkoraManager::requestInkoraDeviceBatteryInfo();
     Commands commands;
     RunLoop::main().addSource(commands);
     RunLoop::main().run();
