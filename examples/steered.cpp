@@ -1,7 +1,6 @@
 // A host that is steered by another program: `start` and `stop` are lines on standard input, what
 // the kit tells is a JSON object a line on standard output. It ends with its input.
 #include <InkoraKit/InkoraKit.h>
-#include <InkoraKit/platform/RunLoopSource.h>
 #include <unistd.h>
 
 #include <array>
