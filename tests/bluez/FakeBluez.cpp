@@ -168,9 +168,11 @@ void FakeBluez::addPen(const Properties& more) {
 
 int FakeBluez::received(sd_bus_message* message) {
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
+    caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
     if (member == "GetManagedObjects") {
-        sendObjects(message);
+        ++timesAskedForObjects;
+        if (!isSilent) sendObjects(message);
         return 1;
     }
     calls.push_back(member);
@@ -178,7 +180,7 @@ int FakeBluez::received(sd_bus_message* message) {
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
     const auto method = methods_.find(member);
     if (method == methods_.end()) {
-        reply(member);
+        if (!isSilent) reply(member);
     } else {
         const Method run = method->second;
         run(sd_bus_message_get_path(message));
@@ -239,8 +241,35 @@ std::size_t FakeBluez::count(const std::string& member) const {
 }
 
 void FakeBluez::send(sd_bus_message* message) {
+    if (!addressee.empty()) sd_bus_message_set_destination(message, addressee.c_str());
     sd_bus_send(bus_.get(), message, nullptr);
     sd_bus_message_unref(message);
+}
+
+// --- what any user of the bus may do ------------------------------------------------------------
+
+void FakeBluez::claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner) {
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus_.get(), &signal, "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                              "NameOwnerChanged");
+    sd_bus_message_append(signal, "sss", "org.bluez", oldOwner.c_str(), newOwner.c_str());
+    send(signal);
+}
+
+void FakeBluez::answerInAnothersPlace(const Data& value) {
+    for (std::uint64_t cookie = 1; cookie < 100; ++cookie) {
+        sd_bus_message* call = nullptr;
+        sd_bus_message_new_method_call(bus_.get(), &call, "org.bluez", "/", "any.Interface", "Any");
+        sd_bus_message_set_sender(call, addressee.c_str());
+        sd_bus_message_seal(call, cookie, 0);
+        held_["Any"].emplace_back(call, sd_bus_message_unref);
+        replyBytes("Any", value);
+    }
+}
+
+void FakeBluez::sync() {
+    sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
+                       nullptr, nullptr, nullptr);
 }
 
 // --- the run loop -------------------------------------------------------------------------------

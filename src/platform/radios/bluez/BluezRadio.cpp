@@ -77,6 +77,7 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     switch (daemon_.presence()) {
         case BluezDaemon::Presence::unknown:
             return std::nullopt;
+        case BluezDaemon::Presence::noBus:
         case BluezDaemon::Presence::absent:
             return CBManagerState::unsupported;
         case BluezDaemon::Presence::denied:
@@ -89,8 +90,10 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     if (discovery_.isDenied()) return CBManagerState::unauthorized;
     if (!adapter_.empty())
         return isPowered(adapter_) ? CBManagerState::poweredOn : CBManagerState::poweredOff;
-    if (daemon_.isSettling()) return std::nullopt;
-    return CBManagerState::unsupported;
+    if (!daemon_.isSettling()) return CBManagerState::unsupported;
+    // What went on has ended, also if the adapter is back in a moment (a reset, 5.66).
+    if (state_ == CBManagerState::poweredOn) return CBManagerState::resetting;
+    return std::nullopt;
 }
 
 // Nothing survives the loss of power, and nothing is resumed by itself: who scanned or connected
@@ -190,7 +193,7 @@ void BluezRadio::propertiesChanged(const std::string& path, const std::string& i
     } else if (interface == ObjectTree::device) {
         deviceChanged(path, before);
     } else if (interface == ObjectTree::adapter && before.contains("Powered")) {
-        if (path == adapter_) return use(path);
+        if (path == adapter_) return use(bestAdapter());
         adapterImproved(path);
     }
 }

@@ -8,6 +8,11 @@
 
 namespace InkoraKit {
 
+std::string MessageReader::sender() const {
+    const char* sender = sd_bus_message_get_sender(message_);
+    return sender ? sender : "";
+}
+
 std::string MessageReader::path() const {
     const char* path = sd_bus_message_get_path(message_);
     return path ? path : "";

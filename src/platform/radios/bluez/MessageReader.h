@@ -17,6 +17,7 @@ public:
     /// Borrows the message, which outlives the reader.
     explicit MessageReader(sd_bus_message* message) : message_(message) {}
 
+    std::string sender() const;  // the unique name that the bus has put down, or the bus's own
     std::string path() const;    // of the object that sent a signal
     std::string member() const;  // the signal's name
 
