@@ -27,7 +27,8 @@ std::string configuration(PrivateBus::Policy policy, const std::string& folder) 
 }
 
 std::string service(const std::string& folder) {
-    return "[D-BUS Service]\nName=org.bluez\nExec=/bin/sh -c 'echo >> " + folder + "/starts'\n";
+    return "[D-BUS Service]\nName=org.bluez\nExec=/bin/sh -c 'echo >> " + folder +
+           "/starts; false'\n";
 }
 
 // The daemon writes its address, a line, once it accepts connections.

@@ -1,8 +1,11 @@
 #include "platform/radios/bluez/BluezRadio.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include "platform/foundation/process/ProcessEnd.h"
 #include "platform/radios/bluez/BluezErrors.h"
 #include "platform/radios/bluez/DeviceAddress.h"
+#include "platform/radios/bluez/RadioSwitch.h"
 
 #include <algorithm>
 #include <array>
@@ -96,6 +99,26 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     return std::nullopt;
 }
 
+CBManagerStateReason BluezRadio::stateReason() const {
+    switch (daemon_.presence()) {
+        case BluezDaemon::Presence::unknown:
+            return CBManagerStateReason::none;
+        case BluezDaemon::Presence::noBus:
+            return CBManagerStateReason::noBus;
+        case BluezDaemon::Presence::absent:
+        case BluezDaemon::Presence::lost:
+            return CBManagerStateReason::noService;
+        case BluezDaemon::Presence::denied:
+            return CBManagerStateReason::notPermitted;
+        case BluezDaemon::Presence::present:
+            break;
+    }
+    if (discovery_.isDenied()) return CBManagerStateReason::notPermitted;
+    if (adapter_.empty()) return CBManagerStateReason::noAdapter;
+    if (isPowered(adapter_)) return CBManagerStateReason::none;
+    return isBlocked(adapter_) ? CBManagerStateReason::blocked : CBManagerStateReason::switchedOff;
+}
+
 // Nothing survives the loss of power, and nothing is resumed by itself: who scanned or connected
 // learns of the state and decides anew.
 void BluezRadio::updateState() {
@@ -107,6 +130,8 @@ void BluezRadio::updateState() {
     updateDiscovery();
     if (!state || state == state_) return;
     state_ = state;
+    const std::string_view reason = description(stateReason());
+    if (!reason.empty()) NSObject::printThisLineToConsole(reason);
     listener_->adapterStateChanged(*state);
 }
 
@@ -120,6 +145,12 @@ bool BluezRadio::isPowered(const std::string& adapter) const {
     const bool* isPowered =
         daemon_.objects().property<bool>(adapter, ObjectTree::adapter, "Powered");
     return isPowered && *isPowered;
+}
+
+bool BluezRadio::isBlocked(const std::string& adapter) const {
+    const auto* state =
+        daemon_.objects().property<std::string>(adapter, ObjectTree::adapter, "PowerState");
+    return (state && *state == "off-blocked") || isRadioBlocked(controllerIndex(adapter));
 }
 
 bool BluezRadio::isFirstUsed(const std::string& adapter) const {

@@ -28,6 +28,7 @@ public:
 
     RadioCapabilities capabilities() const override;
     void start(RadioListener& listener) override;
+    CBManagerStateReason stateReason() const override;
     void startScan() override;
     void stopScan() override;
     void connect(const UUID& peripheral) override;
@@ -57,6 +58,7 @@ private:
     void updateState();
     bool isCentral(const std::string& adapter) const;
     bool isPowered(const std::string& adapter) const;
+    bool isBlocked(const std::string& adapter) const;
     bool isFirstUsed(const std::string& adapter) const;
     std::string addressOf(const std::string& adapter) const;
     std::string bestAdapter() const;
