@@ -1,5 +1,7 @@
 #include "platform/radios/bluez/BluezDaemon.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include "platform/radios/bluez/BluezErrors.h"
 
 #include <cerrno>
@@ -99,6 +101,7 @@ void BluezDaemon::objectsCame(Answer& answer) {
 // Where nobody has the name there is nothing to ask: the bus will tell when somebody takes it.
 void BluezDaemon::refused(const BusError& error) {
     asking_.cancel();
+    NSObject::printThisLineToConsole([&] { return "BlueZ: " + bluezErrors::textOf(error); });
     if (bluezErrors::isAccessDenied(error)) return become(Presence::denied);
     if (!bluezErrors::isNobody(error)) askAgainAfter(refusalPause, false);
     if (presence_ == Presence::unknown) become(Presence::absent);
