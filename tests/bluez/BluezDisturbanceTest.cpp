@@ -2,13 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <iterator>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 namespace InkoraKit {
 namespace {
@@ -25,52 +22,47 @@ void endLink(FakeBluez& fake) {
                 {{"ServicesResolved", false}, {"Connected", false}});
 }
 
-// --- nobody else speaks for bluetoothd ----------------------------------------------------------
+void removeAdapter(FakeBluez& fake) {
+    fake.remove(FakeBluez::pen, ObjectTree::device);
+    fake.remove(FakeBluez::hci0, ObjectTree::adapter);
+}
 
-TEST_F(BluezRadioTest, StrangerSpeaksToTheHostItself) {
+// --- strangers on the bus -----------------------------------------------------------------------
+
+TEST_F(BluezRadioTest, NobodyElseSpeaksForBluez) {
     startRadio();
     linkPen();
     radio->subscribe(pen, record.handleOf(colourUUID), true);
-    fake->hold("ReadValue");
-    radio->read(pen, record.handleOf(colourUUID));
-    ASSERT_TRUE(called("ReadValue"));
-    settle();
-    record.take();
-
+    ASSERT_TRUE(reported("1F14 subscribed"));
     FakeBluez stranger(bus->address());
     stranger.addressee = fake->caller;
-    const std::vector<std::pair<const char*, std::function<void()>>> forgeries = {
-        {"value",
-         [&] {
-             stranger.change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
-         }},
-        {"lost link",
-         [&] {
-             stranger.change(FakeBluez::pen, ObjectTree::device, {{"Connected", false}});
-         }},
-        {"adapter switched off",
-         [&] {
-             stranger.change(FakeBluez::hci0, ObjectTree::adapter, {{"Powered", false}});
-         }},
-        {"another advertiser",
-         [&] {
-             stranger.add("/org/bluez/hci0/dev_00_11_22_33_44_56", ObjectTree::device,
-                          {{"Address", std::string("00:11:22:33:44:56")},
-                           {"AddressType", std::string("public")},
-                           {"RSSI", std::int16_t{-40}}});
-         }},
-        {"device removed", [&] { stranger.remove(FakeBluez::pen, ObjectTree::device); }},
-        {"adapter removed", [&] { stranger.remove(FakeBluez::hci0, ObjectTree::adapter); }},
-        {"bluetoothd gone", [&] { stranger.claimThatOwnerChanged(":1.1", ""); }},
-        {"another bluetoothd", [&] { stranger.claimThatOwnerChanged(":1.1", ":1.9"); }},
-        {"answer", [&] { stranger.answerInAnothersPlace(Data{2}); }},
+    const std::function<void()> forgeries[] = {
+        [&] {
+            stranger.change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
+        },
+        [&] { endLink(stranger); },
+        [&] { switchAdapter(stranger, false); },
+        [&] {
+            stranger.addPen({{"RSSI", std::int16_t{-1}}});
+        },
+        [&] { removeAdapter(stranger); },
+        [&] { stranger.claimThatOwnerChanged(":1.1", ""); },
+        [&] { stranger.claimThatOwnerChanged(":1.1", ":1.9"); },
+        [&] {
+            fake->hold("ReadValue");
+            radio->read(pen, record.handleOf(colourUUID));
+            ASSERT_TRUE(called("ReadValue"));
+            stranger.answerInAnothersPlace(Data{2});
+        },
     };
-    for (const auto& [name, forge] : forgeries) {
-        SCOPED_TRACE(name);
+    for (const auto& forge : forgeries) {
+        record.take();
         forge();
         stranger.sync();
         settle();
-        EXPECT_EQ(record.take(), Lines());
+        skip(1);  // the end of a link is told a moment later
+        settle();
+        EXPECT_EQ(record.lines, Lines()) << &forge - forgeries;
     }
     fake->replyBytes("ReadValue", Data{3});
     EXPECT_TRUE(reported("1F14 read <03>"));
@@ -78,9 +70,8 @@ TEST_F(BluezRadioTest, StrangerSpeaksToTheHostItself) {
 
 // --- much and often -----------------------------------------------------------------------------
 
-std::size_t entriesOf(const char* folder) {
-    const std::filesystem::directory_iterator all(folder);
-    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+std::ptrdiff_t entriesOf(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), {});
 }
 
 TEST_F(BluezRadioTest, TenLinksLeaveNothingBehind) {
@@ -94,8 +85,7 @@ TEST_F(BluezRadioTest, TenLinksLeaveNothingBehind) {
         fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
         endLink(*fake);
         ASSERT_TRUE(reported("disconnected with error"));
-        EXPECT_EQ(record.take(),
-                  (Lines{"1F14 subscribed", "1F14 notified <01>", "disconnected with error"}));
+        EXPECT_EQ(std::ranges::count(record.lines, "1F14 notified <01>"), 1);
     }
     EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
     EXPECT_EQ(entriesOf("/proc/self/task"), threads);
@@ -105,76 +95,34 @@ TEST_F(BluezRadioTest, CrowdDoesNotStarveThePen) {
     startRadio();
     linkPen();
     radio->subscribe(pen, record.handleOf(colourUUID), true);
-    ASSERT_TRUE(reported("1F14 subscribed"));
     radio->startScan();
     ASSERT_TRUE(called("StartDiscovery"));
+    ASSERT_TRUE(reported("1F14 subscribed"));
     record.take();
-    Lines values;
-    for (int round = 0; round < 10; ++round) {
-        for (int i = 0; i < 500; ++i) {
-            char text[18];
-            std::snprintf(text, sizeof text, "C6:00:00:00:%02X:%02X", i / 256, i % 256);
-            std::string path = std::string("/org/bluez/hci0/dev_") + text;
-            std::ranges::replace(path, ':', '_');
-            if (round == 0)
-                fake->add(path, ObjectTree::device,
-                          {{"Address", std::string(text)}, {"AddressType", std::string("random")}});
-            fake->change(path, ObjectTree::device, {{"RSSI", static_cast<std::int16_t>(-i)}});
-        }
-        fake->change(colour, ObjectTree::characteristic,
-                     {{"Value", Data{static_cast<std::uint8_t>(round)}}});
-        values.push_back("1F14 notified <0" + std::to_string(round) + ">");
+    Lines expected;
+    for (int i = 1000; i < 4000; ++i) {
+        const std::string last = std::to_string(i).substr(1, 2);
+        fake->add("/org/bluez/hci0/dev_C6_00_00_00_00_" + last, ObjectTree::device,
+                  {{"Address", "C6:00:00:00:00:" + last},
+                   {"AddressType", std::string("random")},
+                   {"RSSI", std::int16_t{-50}}});
+        expected.emplace_back("sighted without a name");
+        if (i % 100 != 0) continue;
+        fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
+        expected.emplace_back("1F14 notified <01>");
     }
-    std::size_t most = 0;
+    std::size_t most = 0;  // in one turn of the loop, after which others have theirs
     EXPECT_TRUE(until([&] {
         const std::size_t before = record.lines.size();
         RunLoop::main().runOnce();
         most = std::max(most, record.lines.size() - before);
-        return record.has(values.back());
+        return record.lines.size() >= expected.size();
     }));
-    EXPECT_LE(most, 64u);  // in one turn; then others have theirs
-    EXPECT_EQ(std::erase(record.lines, "sighted without a name"), 5000u);
-    EXPECT_EQ(record.lines, values);
+    EXPECT_LE(most, 64u);
+    EXPECT_EQ(record.lines, expected);
 }
 
 // --- bluetoothd and its adapters come and go ----------------------------------------------------
-
-struct Disturbance {
-    const char* name;
-    void (*happen)(FakeBluez& fake);  // null: bluetoothd is killed and started again
-    RadioRecord::Lines told;
-};
-
-void removeAdapter(FakeBluez& fake) {
-    fake.remove(FakeBluez::pen, ObjectTree::device);
-    fake.remove(FakeBluez::hci0, ObjectTree::adapter);
-}
-
-const Disturbance disturbances[] = {
-    {"AdapterSwitchedOffAndOn",
-     [](FakeBluez& fake) {
-         endLink(fake);
-         switchAdapter(fake, false);
-         switchAdapter(fake, true);
-     },
-     {"adapter state 4", "adapter state 5"}},
-    {"AdapterUnpluggedAndPlugged",
-     [](FakeBluez& fake) {
-         endLink(fake);
-         switchAdapter(fake, false);
-         removeAdapter(fake);
-         fake.addAdapter(FakeBluez::hci0, address, false);
-         switchAdapter(fake, true);
-     },
-     {"adapter state 4", "adapter state 5"}},
-    {"AdapterGoneAndBackInAMoment",
-     [](FakeBluez& fake) {
-         removeAdapter(fake);
-         fake.addAdapter(FakeBluez::hci0, address, true);
-     },
-     {"adapter state 1", "adapter state 5"}},
-    {"DaemonKilledAndStarted", nullptr, {"adapter state 1", "adapter state 5"}},
-};
 
 TEST_F(BluezRadioTest, DaemonIsSilentAtFirst) {
     fake->isSilent = true;
@@ -206,9 +154,7 @@ TEST_F(BluezRadioTest, NobodyStartsTheDaemonAgain) {
     EXPECT_TRUE(reported("adapter state 5"));
 }
 
-// A scan does not stay on an adapter that is off, nor does one in use give way to another.
 TEST_F(BluezRadioTest, ScanMovesToTheAdapterThatIsOn) {
-    const std::string hci1 = "/org/bluez/hci1";
     Lines started;
     startRadio();
     fake->on("StartDiscovery", [&](const std::string& path) {
@@ -217,76 +163,95 @@ TEST_F(BluezRadioTest, ScanMovesToTheAdapterThatIsOn) {
     });
     radio->startScan();
     ASSERT_TRUE(called("StartDiscovery"));
-    fake->addAdapter(hci1, "00:AA:01:00:00:43", true);
+    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43", true);
     settle();
     switchAdapter(*fake, false);
     ASSERT_TRUE(called("StartDiscovery", 2));
     EXPECT_EQ(record.take(), Lines());
-    fake->remove(hci1, ObjectTree::adapter);  // and nothing but one that is off is left
+    fake->remove("/org/bluez/hci1", ObjectTree::adapter);
     ASSERT_TRUE(reported("adapter state 4"));
     fake->remove(FakeBluez::hci0, ObjectTree::adapter);
     fake->addAdapter("/org/bluez/hci2", address, true);
     ASSERT_TRUE(reported("adapter state 5"));
     radio->startScan();
     ASSERT_TRUE(called("StartDiscovery", 3));
-    EXPECT_EQ(started, (Lines{FakeBluez::hci0, hci1, "/org/bluez/hci2"}));
+    EXPECT_EQ(started, (Lines{FakeBluez::hci0, "/org/bluez/hci1", "/org/bluez/hci2"}));
 }
 
-enum class Stage { idle, scanning, connecting, discovering, connected };
+struct Disturbance {
+    const char* name;
+    void (*happen)(FakeBluez& fake);  // null: bluetoothd is killed and started again
+    const char* told;
+};
 
-class BluezDisturbanceTest : public BluezRadioTest,
-                             public testing::WithParamInterface<std::tuple<Stage, Disturbance>> {
-protected:
-    void reach(Stage stage) {
-        if (stage == Stage::idle) return;
-        if (stage == Stage::connected) return linkPen();
-        if (stage == Stage::scanning) {
-            radio->startScan();
-            ASSERT_TRUE(called("StartDiscovery"));
-            return;
-        }
+const Disturbance disturbances[] = {
+    {"AdapterIsSwitchedOffAndOn",
+     [](FakeBluez& fake) {
+         endLink(fake);
+         switchAdapter(fake, false);
+         switchAdapter(fake, true);
+     },
+     "adapter state 4"},
+    {"AdapterIsUnpluggedAndPlugged",
+     [](FakeBluez& fake) {
+         endLink(fake);
+         switchAdapter(fake, false);
+         removeAdapter(fake);
+         fake.addAdapter(FakeBluez::hci0, address, false);
+         switchAdapter(fake, true);
+     },
+     "adapter state 4"},
+    {"AdapterIsGoneAndBackInAMoment",
+     [](FakeBluez& fake) {
+         removeAdapter(fake);
+         fake.addAdapter(FakeBluez::hci0, address, true);
+     },
+     "adapter state 1"},
+    {"DaemonIsKilledAndStarted", nullptr, "adapter state 1"},
+};
+const char* const stages[] = {"Idle", "Scanning", "Connecting", "Discovering", "Connected"};
+
+class BluezDisturbanceTest
+    : public BluezRadioTest,
+      public testing::WithParamInterface<std::tuple<Disturbance, const char*>> {};
+
+TEST_P(BluezDisturbanceTest, IsToldOnceAndThePenIsBack) {
+    const auto& [disturbance, name] = GetParam();
+    const std::string stage = name;
+    startRadio();
+    if (stage == "Scanning") radio->startScan();
+    if (stage == "Connected") linkPen();
+    if (stage == "Connecting" || stage == "Discovering") {
         fake->hold("Connect");
         addPen();
         radio->connect(pen);
         ASSERT_TRUE(called("Connect"));
-        if (stage == Stage::connecting) return;
-        fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
-        fake->reply("Connect");
+        if (stage == "Discovering")
+            fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
     }
-};
-
-TEST_P(BluezDisturbanceTest, IsToldOnceAndThePenIsBack) {
-    const auto& [stage, disturbance] = GetParam();
-    startRadio();
-    reach(stage);
     record.take();
     if (disturbance.happen) {
         disturbance.happen(*fake);
     } else {
         fake.reset();
-        ASSERT_TRUE(reported("adapter state 1"));
+        ASSERT_TRUE(reported(disturbance.told));
         fake = std::make_unique<FakeBluez>(bus->address());
         fake->addAdapter(FakeBluez::hci0, address, true);
     }
     ASSERT_TRUE(reported("adapter state 5"));
     settle();
-    EXPECT_EQ(record.take(), disturbance.told);
+    EXPECT_EQ(record.take(), (Lines{disturbance.told, "adapter state 5"}));
     radio->stopScan();
     linkPen();
 }
 
-std::string nameOf(const testing::TestParamInfo<std::tuple<Stage, Disturbance>>& test) {
-    const char* const stages[] = {"Idle", "Scanning", "Connecting", "Discovering", "Connected"};
-    const auto& [stage, disturbance] = test.param;
-    return std::string(disturbance.name) + stages[static_cast<int>(stage)];
-}
-
 INSTANTIATE_TEST_SUITE_P(AtEveryStage, BluezDisturbanceTest,
-                         testing::Combine(testing::Values(Stage::idle, Stage::scanning,
-                                                          Stage::connecting, Stage::discovering,
-                                                          Stage::connected),
-                                          testing::ValuesIn(disturbances)),
-                         nameOf);
+                         testing::Combine(testing::ValuesIn(disturbances),
+                                          testing::ValuesIn(stages)),
+                         [](const auto& test) {
+                             return std::get<0>(test.param).name +
+                                    std::string(std::get<1>(test.param));
+                         });
 
 }  // namespace
 }  // namespace InkoraKit

@@ -13,7 +13,6 @@
 #include <memory>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace InkoraKit {
 namespace {
@@ -85,24 +84,31 @@ private:
     std::istringstream& lines_;
 };
 
-struct Kind {
-    char letter;
-    std::vector<std::string_view> types;
-    bool (*isEmpty)(MessageReader& reader);  // what was read
-};
-
-const std::vector<Kind>& kinds() {
-    static const std::vector<Kind> all = {
-        {'t', {"s", "o"}, [](MessageReader& reader) { return reader.readText().empty(); }},
-        {'T', {"as", "ao"}, [](MessageReader& reader) { return reader.readTexts().empty(); }},
-        {'b', {"ay"}, [](MessageReader& reader) { return reader.readBytes().empty(); }},
-        {'p', {"a{sv}"}, [](MessageReader& reader) { return reader.readProperties().empty(); }},
-        {'i', {"a{sa{sv}}"}, [](MessageReader& reader) { return reader.readInterfaces().empty(); }},
-        {'o',
-         {"a{oa{sa{sv}}}"},
-         [](MessageReader& reader) { return reader.readObjects().empty(); }},
+// Reads what the letter stands for, of one of two types. Answers whether nothing was read.
+bool readsNothing(char letter, MessageReader& reader, std::string_view type, bool& fits) {
+    const auto expect = [&](std::string_view one, std::string_view other = {}) {
+        fits = fits && !type.empty() && (type == one || type == other);
     };
-    return all;
+    switch (letter) {
+        case 't':
+            expect("s", "o");
+            return reader.readText().empty();
+        case 'T':
+            expect("as", "ao");
+            return reader.readTexts().empty();
+        case 'b':
+            expect("ay");
+            return reader.readBytes().empty();
+        case 'p':
+            expect("a{sv}");
+            return reader.readProperties().empty();
+        case 'i':
+            expect("a{sa{sv}}");
+            return reader.readInterfaces().empty();
+        default:
+            expect("a{oa{sa{sv}}}");
+            return reader.readObjects().empty();
+    }
 }
 
 }  // namespace
@@ -125,12 +131,9 @@ bool readBusMessage(std::string_view script) {
     std::string_view left = signature;
     bool fits = true;
     for (const char letter : reads) {
-        const auto kind = std::ranges::find(kinds(), letter, &Kind::letter);
-        if (kind == kinds().end()) continue;
         const std::string_view type = left.empty() ? left : firstType(left);
         left.remove_prefix(type.size());
-        fits = fits && std::ranges::find(kind->types, type) != kind->types.end();
-        const bool isEmpty = kind->isEmpty(reader);
+        const bool isEmpty = readsNothing(letter, reader, type, fits);
         require(fits || isEmpty, "what does not fit is empty, and so is all that comes after it");
     }
     return fits;
