@@ -250,17 +250,6 @@ void FakeBluez::claimThatOwnerChanged(const std::string& oldOwner, const std::st
     send(signal);
 }
 
-void FakeBluez::answerInAnothersPlace(const Data& value) {
-    for (std::uint64_t cookie = 1; cookie < 100; ++cookie) {
-        sd_bus_message* call = nullptr;
-        sd_bus_message_new_method_call(bus_.get(), &call, "org.bluez", "/", "any.Interface", "Any");
-        sd_bus_message_set_sender(call, addressee.c_str());
-        sd_bus_message_seal(call, cookie, 0);
-        held_["Any"].emplace_back(call, sd_bus_message_unref);
-        replyBytes("Any", value);
-    }
-}
-
 void FakeBluez::sync() {
     sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
                        nullptr, nullptr, nullptr);

@@ -17,8 +17,8 @@ namespace InkoraKit {
 ///
 /// Any user of the bus can send a signal straight to this process, whatever the match rules say. So
 /// a signal counts only if its sender is the connection that owns org.bluez, and a change of that
-/// owner only if the bus itself tells it. Answers need no such look: the bus lets nobody answer a
-/// call but the one who was called.
+/// owner only if the bus itself tells it. Answers need no such look: the policy of system buses lets
+/// nobody answer a call but the one who was called.
 class BluezDaemon {
 public:
     enum class Presence {
