@@ -31,13 +31,13 @@ void append(sd_bus_message* message, const Interfaces& interfaces);
 template <class Map>
 void appendMap(sd_bus_message* message, const std::string& entry, const Map& map) {
     within(message, 'a', "{" + entry + "}", [&] {
-        for (const auto& [key, value] : map)
+        for (const auto& each : map)
             within(message, 'e', entry, [&] {
                 if constexpr (std::is_same_v<typename Map::key_type, std::string>)
-                    sd_bus_message_append_basic(message, entry.front(), key.c_str());
+                    sd_bus_message_append_basic(message, entry.front(), each.first.c_str());
                 else
-                    sd_bus_message_append_basic(message, entry.front(), &key);
-                append(message, value);
+                    sd_bus_message_append_basic(message, entry.front(), &each.first);
+                append(message, each.second);
             });
     });
 }
