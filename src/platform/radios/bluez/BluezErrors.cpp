@@ -73,6 +73,11 @@ bool isAccessDenied(const BusError& error) {
     return error.name == "org.freedesktop.DBus.Error.AccessDenied";
 }
 
+bool isNobody(const BusError& error) {
+    return error.name == "org.freedesktop.DBus.Error.ServiceUnknown" ||
+           error.name == "org.freedesktop.DBus.Error.NameHasNoOwner";
+}
+
 bool isInProgress(const BusError& error) {
     return error.name == "org.bluez.Error.InProgress" ||
            error.text == "Operation already in progress";

@@ -21,6 +21,8 @@ std::string textOf(const BusError& error);
 NSError attributeError(const BusError& error);
 
 bool isAccessDenied(const BusError& error);
+/// Nobody on the bus has the name that was called.
+bool isNobody(const BusError& error);
 /// Another request of the same kind is under way, ours or another client's.
 bool isInProgress(const BusError& error);
 /// A link that could not be established; a bad moment on the air looks the same as an absent pen.
