@@ -51,29 +51,22 @@ void checkWriting(const Any& value, std::string_view bytes) {
     }
 }
 
-/// Whether the bytes can be UTF-8 only.
-bool isTakenForUtf8(std::string_view bytes) {
-    const bool hasMark = bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");
-    return !hasMark && bytes.substr(0, 4).find('\0') == std::string_view::npos;
-}
-
 }  // namespace
 
 void checkJSONText(std::string_view bytes) {
     const Any value = readText(bytes);
     if (value.hasValue()) checkWriting(value, bytes);
-    if (!isTakenForUtf8(bytes)) return;
+    const bool hasMark = bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");
+    if (hasMark || bytes.substr(0, 4).find('\0') != std::string_view::npos) return;  // not UTF-8
 
-    const std::string_view text = bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0);
-    const auto plain = PlainJSON::parse(text);
+    const auto plain = parsePlainly(bytes);
     require(plain.has_value() == value.hasValue(), "two readers take the same texts");
     if (!plain) return;
-    require(plain->matches(value), "two readers find the same values");
-    const std::u32string marked = U'\uFEFF' + *charactersOf(text);
-    for (const std::size_t unitSize : {2u, 4u})
-        for (const auto order : {std::endian::little, std::endian::big})
-            require(plain->matches(readText(encodedText(marked, unitSize, order))),
-                    "every encoding gives the same value");
+    require(matches(*plain, value), "two readers find the same values");
+    const std::string mark = bytes.starts_with("\uFEFF") ? "" : "\uFEFF";
+    for (const char* encoding : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"})
+        require(readText(encodedText(mark + std::string(bytes), encoding)) == value,
+                "every encoding gives the same value");
 }
 
 }  // namespace InkoraKit

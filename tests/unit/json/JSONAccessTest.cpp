@@ -77,12 +77,11 @@ TEST(JSONAccessTest, NumbersAreReadAndKeptInEveryWidth) {
 }
 
 TEST(JSONAccessTest, UrlsAreEscapedUnlessTheyAreAlready) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"a b", "a%20b"},       {"a%20b", "a%20b"}, {"100%", "100%25"},
-        {"a%2", "a%252"},       {"a%zz", "a%25zz"}, {"http://x/é", "http://x/%C3%A9"},
-        {"q?x=1&y", "q?x=1&y"}, {"#", "%23"},       {"http://[::1]/", "http://%5B::1%5D/"},
-        {"a%20b#c", "a%20b#c"}, {"", nullptr},      {"a%20b c", nullptr},
-        {"a%20b#c#d", nullptr}, {"é%20", nullptr},  {"😀", "%F0%9F%98%80"}};
+    const std::pair<const char*, const char*> cases[] = {{"é b", "%C3%A9%20b"},
+                                                         {"a%20b#c", "a%20b#c"},
+                                                         {"a%zz", "a%25zz"},
+                                                         {"", nullptr},
+                                                         {"a%20b c", nullptr}};
     for (const auto& [text, url] : cases) {
         const auto found = JSON(text).url();
         EXPECT_EQ(found ? found->absoluteString() : "", url ? url : "");
@@ -209,6 +208,8 @@ TEST(JSONAccessTest, IterationShowsTheContentsAtItsStart) {
 }
 
 TEST(JSONAccessTest, PositionsLeadThroughTheContents) {
+    using Position = JSON::Index;
+    const std::pair<std::string, JSON> nothing;
     for (const char* text : {R"(["x","y"])", R"({"0":"x","1":"y"})"}) {
         const JSON json = JSON::parse(text);
         std::string shown;
@@ -216,10 +217,12 @@ TEST(JSONAccessTest, PositionsLeadThroughTheContents) {
             shown += json[i].first + json[i].second.stringValue();
         EXPECT_EQ(shown, "0x1y");
         EXPECT_EQ(json[json.endIndex()].first, "");
+        const auto other =
+            json.type() == Type::array ? Position::dictionary(0) : Position::array(0);
+        EXPECT_EQ(json[other], nothing);  // a position in another kind of container
     }
-    using Position = JSON::Index;
     EXPECT_EQ(JSON(5).indexAfter(JSON(5).startIndex()), Position::null());
-    EXPECT_EQ(JSON(5)[Position::null()], std::pair(std::string(), JSON()));
+    EXPECT_EQ(JSON(5)[Position::null()], nothing);
     EXPECT_FALSE(Position::null() < Position::null() ||
                  Position::array(0) < Position::dictionary(1));
 }

@@ -101,7 +101,8 @@ TEST(JSONTextTest, CastingNilIsLimitedInDepth) {
         {nested(10, 1), {}, "[[[[[[[[[[1]]]]]]]]]]"}, {nested(11, 1), {}, "none"},
         {nested(11, 1), 20, "[[[[[[[[[[[1]]]]]]]]]]]"}, {nested(1, 1), 0, "none"},
         {nested(1, NSNull()), 0, "none"},             {Array{Any()}, 0, "[null]"},  // absent
-        {nested(1, Array{}), 1, "[[]]"},              {"x", 0, "x"}};
+        {nested(1, Array{}), 1, "[[]]"},              {"x", 0, "x"},
+        {nested(3, 1), true, "[[[1]]]"}, {nested(3, 1), 1.5, "[[[1]]]"}};  // no depths
     // clang-format on
     for (const auto& [json, depth, text] : cases) EXPECT_EQ(written(json, depth), text);
     for (const JSON& json : {JSON("x"), nested(1, 1)})
@@ -138,9 +139,10 @@ TEST(JSONTextTest, MergingIsDeepAndTheOtherSideWins) {
     twice.merge(twice["a"]);
     EXPECT_EQ(compact(twice),
               R"({"a":{"b":[1,{"c":2},1,{"c":2}]},"d":3,"b":[1,{"c":2},1,{"c":2}]})");
-    JSON objects(Dictionary{{"a", Array{NSError("", 0)}}, {"o", 1}});
-    objects.merge(Dictionary{{"a", Array{Data::fromText("[2]")}}, {"o", NSError("", 0)}});
-    EXPECT_EQ(compact(objects), R"({"a":[null,[2]],"o":null})");
+    JSON objects(Dictionary{{"a", Array{NSError("", 0)}}, {"b", Data::fromText("[1]")}, {"o", 1}});
+    objects.merge(
+        Dictionary{{"a", Array{Data::fromText("[2]")}}, {"b", Array{2}}, {"o", NSError("", 0)}});
+    EXPECT_EQ(compact(objects), R"({"a":[null,[2]],"b":[1,2],"o":null})");
 }
 
 TEST(JSONTextTest, ComparesWithinOneType) {
@@ -186,6 +188,7 @@ TEST(JSONTextTest, DepthCostsNoDepthOfCalls) {
     JSON json = built(JSON::arrayOf("a text that needs memory"));
     JSON copy = json.detached();
     EXPECT_TRUE(json == copy && copy.hash() == json.hash());
+    EXPECT_NE(json.object().slot().pointer(), copy.object().slot().pointer());
     json.merge(built(JSON::arrayOf(2)));
     EXPECT_FALSE(json == copy);
     EXPECT_THROW((void)json.rawData(), NSError);

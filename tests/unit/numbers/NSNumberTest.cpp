@@ -53,7 +53,7 @@ TEST(NSNumberTest, ConvertsToIntegersOfEveryWidth) {
         {300.7, 300, 300}, {255.9f, 255, 255},  {-0.5, 0, 0},  {-300.7, -300, uint64Max - 299},
         {1e10, 10000000000, 10000000000},          {1e19, int64Max, 10000000000000000000u},
         {1e21, int64Max, uint64Max},               {-1e21, int64Min, uint64_t{1} << 63},
-        {0x1p63, int64Max, uint64_t{1} << 63},     {-inf, int64Min, uint64_t{1} << 63},
+        {0x1p64, int64Max, uint64Max}, {0x1p63, int64Max, uint64_t{1} << 63},     {-inf, int64Min, uint64_t{1} << 63},
         {nan, 0, 0},                               {decimal("128"), 128, 128},
         {decimal("x"), 0, 0},                      {decimal("-129.9"), -129, uint64Max - 128},
         {decimal("18446744073709551615"), -1, uint64Max}};
