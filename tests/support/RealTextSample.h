@@ -9,11 +9,10 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <limits>
+#include <cstdlib>
 #include <optional>
 #include <random>
 #include <string>
-#include <system_error>
 
 namespace InkoraKit {
 
@@ -27,11 +26,7 @@ struct Decimal {
 
 /// As the standard library reads it, which is exact.
 inline double standardReading(const Decimal& decimal) {
-    const std::string text = decimal.text();
-    double value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc::result_out_of_range) return value;
-    return decimal.exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    return std::strtod(decimal.text().c_str(), nullptr);
 }
 
 /// As the standard library writes it, in the layout of writeShortest().
