@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <iterator>
-#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -111,34 +109,14 @@ TEST(JSONTextTest, CastingNilIsLimitedInDepth) {
                   "maxObjectDepth and make sure there is no reference loop\n");
 }
 
-TEST(JSONTextTest, MergingIsDeepAndTheOtherSideWins) {
-    // clang-format off
-    const char* cases[][3] = {
-        {R"({"a":1,"b":[1]})", R"({"b":[2],"c":{"d":0}})", R"({"a":1,"b":[1,2],"c":{"d":0}})"},
-        {R"({"a":1})", R"({"a":"s"})", R"({"a":"s"})"},     {"1", "2.5", "2.5"},
-        {R"({"a":{"x":1,"y":{"z":[1]}},"b":1})", R"({"a":{"y":{"z":[2],"n":null}},"b":{"c":1}})",
-         R"({"a":{"x":1,"y":{"z":[1,2],"n":null}},"b":{"c":1}})"},
-        {R"({"a":[[1]]})", R"({"a":[[2]],"b":null})", R"({"a":[[1],[2]],"b":null})"},
-        {"[1]", "[[2],3]", "[1,[2],3]"},                    {"null", "null", "null"},
-        {R"({"a":{"b":1}})", R"({"a":{}})", R"({"a":{"b":1}})"}};
-    // clang-format on
-    for (const auto& [mine, other, merged] : cases) {
-        const JSON before = JSON::parse(mine);
-        EXPECT_EQ(compact(before.merged(JSON::parse(other))), merged);
-        EXPECT_EQ(compact(before.detached().merged(JSON::parse(other).detached())), merged);
-        EXPECT_EQ(compact(before), mine);
-    }
+// What merging and comparing give otherwise, the fuzz tests hold against another library's values.
+
+TEST(JSONTextTest, MergingConvertsAndRefusesOtherTypes) {
     JSON json = 1;
     for (const JSON& other : {JSON("x"), JSON(true), JSON()})
         EXPECT_EQ(errorOf([&] { json.merge(other); }),
                   jsonError(901, "Couldn't merge, because the JSONs differ in type on top level."));
-    EXPECT_EQ(compact(json), "1");
-
-    JSON twice = JSON::parse(R"({"a":{"b":[1,{"c":2}]},"d":3})");
-    twice.merge(twice);
-    twice.merge(twice["a"]);
-    EXPECT_EQ(compact(twice),
-              R"({"a":{"b":[1,{"c":2},1,{"c":2}]},"d":3,"b":[1,{"c":2},1,{"c":2}]})");
+    EXPECT_EQ(compact(json) + compact(json.merged(2)) + compact(json), "121");
     JSON objects(Dictionary{{"a", Array{NSError("", 0)}}, {"b", Data::fromText("[1]")}, {"o", 1}});
     objects.merge(
         Dictionary{{"a", Array{Data::fromText("[2]")}}, {"b", Array{2}}, {"o", NSError("", 0)}});
@@ -147,30 +125,22 @@ TEST(JSONTextTest, MergingIsDeepAndTheOtherSideWins) {
 
 TEST(JSONTextTest, ComparesWithinOneType) {
     const JSON unknown(NSError("", 0));
+    const JSON list = JSON::arrayOf(1, true);
     // clang-format off
-    const struct { JSON left; const char* signs; JSON right; } cases[] = {
-        {1, "< <=", 2},           {1, "== <= >=", 1.0},      {UINT64_MAX, "> >=", -1},
-        {"a", "< <=", "b"},       {"10", "< <=", "9"},       {"Z", "< <=", "a"},
-        {"a", "< <=", "aa"},      {"é", "> >=", "z"},        {"x", "== <= >=", "x"},
-        {false, "", true},        {true, "== <= >=", true},  {JSON(), "== <= >=", Any()},
-        {JSON::arrayOf(1), "", JSON::arrayOf(2)},
-        {JSON::arrayOf(1, true), "== <= >=", JSON::arrayOf(1.0, 1)},
-        {JSON::parse(R"({"a":1,"b":[2]})"), "== <= >=", JSON::parse(R"({"b":[2],"a":1})")},
-        {JSON{{"a", 1}}, "", JSON{{"a", 2}}},                {unknown, "", unknown},
-        {true, "", 1},            {1, "", "1"},              {JSON(), "", false}};
+    const struct { JSON left; bool isEqual, isLess, isGreater; JSON right; } cases[] = {
+        {1, false, true, false, 2},           {UINT64_MAX, false, false, true, -1},
+        {1, true, false, false, 1.0},         {"x", true, false, false, "x"},
+        {JSON(), true, false, false, Any()},  {list, true, false, false, JSON::arrayOf(1.0, 1)},
+        {unknown, false, false, false, unknown}, {true, false, false, false, 1},
+        {"Z", false, true, false, "a"},       {false, false, false, false, true}};
     // clang-format on
-    for (const auto& [left, signs, right] : cases) {
+    for (const auto& [left, isEqual, isLess, isGreater, right] : cases) {
         SCOPED_TRACE(left.description() + " and " + right.description());
-        std::istringstream list(signs);
-        const std::set<std::string> wanted{std::istream_iterator<std::string>(list), {}};
-        const auto has = [&](const char* sign) { return wanted.contains(sign); };
-        EXPECT_EQ(left == right, has("=="));
-        EXPECT_EQ(left != right, !has("=="));
-        EXPECT_EQ(left < right, has("<"));
-        EXPECT_EQ(left <= right, has("<="));
-        EXPECT_EQ(left > right, has(">"));
-        EXPECT_EQ(left >= right, has(">="));
-        EXPECT_TRUE(left != right || left.hash() == right.hash());
+        EXPECT_TRUE((left == right) == isEqual && (left != right) == !isEqual);
+        EXPECT_TRUE((left < right) == isLess && (left > right) == isGreater);
+        EXPECT_TRUE((left <= right) == (isLess || isEqual));
+        EXPECT_TRUE((left >= right) == (isGreater || isEqual));
+        EXPECT_TRUE(!isEqual || left.hash() == right.hash());
     }
     const NSNumber yes = true;
     EXPECT_TRUE(yes != 1 && yes == NSNumber(true) && yes > NSNumber(false) && NSNumber(1) >= 0.5);

@@ -68,30 +68,15 @@ TEST(JSONThreadsTest, CopiesAreChangedAtOnce) {
     }
 }
 
-TEST(JSONThreadsTest, TheLastToChangeFindsItselfAlone) {
-    for (int round = 0; round < 50; ++round) {
-        std::vector<JSON> copies(threadCount, JSON{{"a", 1}, {"b", 2}});
-        onThreads([&](int number) {
-            JSON& mine = copies[static_cast<std::size_t>(number)];
-            mine["b"] = number;
-            ASSERT_EQ(mine["b"].intValue() + mine["a"].intValue(), number + 1);
-        });
-    }
-}
-
 TEST(JSONThreadsTest, PartsAreReadElsewhereWhileTheWholeIsDropped) {
     for (JSON& document : documents()) {
-        std::vector<JSON> parts;
-        std::vector<JSON::const_iterator> places;
-        for (int number = 0; number < threadCount; ++number) {
-            parts.push_back(document["list"][number]);
-            places.push_back(document["list"].begin());
-        }
+        std::vector<std::pair<JSON, JSON::const_iterator>> parts;
+        for (int number = 0; number < threadCount; ++number)
+            parts.emplace_back(document["list"][number], document["list"].begin());
         onThreads([&](int number) {
-            const auto mine = static_cast<std::size_t>(number);
             if (number == 0) document = JSON();
-            JSON part = std::move(parts[mine]);
-            auto place = std::exchange(places[mine], {});
+            auto [part, place] =
+                std::exchange(parts[static_cast<std::size_t>(number)], {JSON(), {}});
             std::int64_t sum = 0;
             for (; place != JSON::const_iterator(); ++place) {
                 const JSON value = place->value;

@@ -45,8 +45,7 @@ TEST(NSNumberTest, RemembersWhatItWasMadeFrom) {
 }
 
 TEST(NSNumberTest, ConvertsToIntegersOfEveryWidth) {
-    using std::tuple, std::int8_t, std::int16_t, std::int32_t, std::int64_t;
-    using std::uint8_t, std::uint16_t, std::uint32_t, std::uint64_t;
+    using std::tuple, std::int64_t, std::uint64_t;
     // clang-format off
     const struct { NSNumber number; int64_t integer; uint64_t unsignedInteger; } cases[] = {
         {true, 1, 1},      {300, 300, 300},     {-1, -1, uint64Max},  {uint64Max, -1, uint64Max},
@@ -60,17 +59,17 @@ TEST(NSNumberTest, ConvertsToIntegersOfEveryWidth) {
     // clang-format on
     for (const auto& [number, integer, unsignedInteger] : cases) {
         SCOPED_TRACE(number.stringValue());
-        EXPECT_EQ(tuple(number.integerValue(), number.unsignedIntegerValue()),
-                  tuple(integer, unsignedInteger));
-        EXPECT_EQ(tuple(number.longLongValue(), number.unsignedLongLongValue()),
-                  tuple(integer, unsignedInteger));
+        EXPECT_EQ(tuple(number.integerValue(), number.unsignedIntegerValue(),
+                        number.longLongValue(), number.unsignedLongLongValue()),
+                  tuple(integer, unsignedInteger, integer, unsignedInteger));
         // The narrower ones keep the low bits, also of what was cut to 64.
-        EXPECT_EQ(tuple(number.intValue(), number.unsignedIntValue()),
-                  tuple(static_cast<int32_t>(integer), static_cast<uint32_t>(integer)));
-        EXPECT_EQ(tuple(number.shortValue(), number.unsignedShortValue()),
-                  tuple(static_cast<int16_t>(integer), static_cast<uint16_t>(integer)));
-        EXPECT_EQ(tuple(number.charValue(), number.unsignedCharValue()),
-                  tuple(static_cast<int8_t>(integer), static_cast<uint8_t>(integer)));
+        EXPECT_EQ(tuple(number.intValue(), number.shortValue(), number.charValue()),
+                  tuple(static_cast<std::int32_t>(integer), static_cast<std::int16_t>(integer),
+                        static_cast<std::int8_t>(integer)));
+        EXPECT_EQ(tuple(number.unsignedIntValue(), number.unsignedShortValue(),
+                        number.unsignedCharValue()),
+                  tuple(static_cast<std::uint32_t>(integer), static_cast<std::uint16_t>(integer),
+                        static_cast<std::uint8_t>(integer)));
     }
 }
 
@@ -146,12 +145,8 @@ TEST(NSNumberTest, ComparesExactlyAcrossKinds) {
             EXPECT_TRUE(wanted != 0 || left.hash() == right.hash());
         }
     }
-}
-
-TEST(NSNumberTest, ADecimalMeetsIntegersExactlyAndFloatingPointAsADouble) {
-    const NSNumber number = decimal("9007199254740993");
-    EXPECT_TRUE(number.isEqual(9007199254740993));
-    EXPECT_FALSE(number.isEqual(9007199254740992));
+    const NSNumber number = decimal("9007199254740993");  // exact to integers, to others a double
+    EXPECT_TRUE(number.isEqual(9007199254740993) && !number.isEqual(9007199254740992));
     EXPECT_TRUE(number.isEqual(9007199254740992.0));
     EXPECT_EQ(number.hash(), NSNumber(9007199254740992.0).hash());
 }

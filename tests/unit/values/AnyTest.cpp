@@ -29,22 +29,16 @@ TEST(AnyTest, ACopyNeverChangesWithItsOriginal) {
     for (const Any& original : {read(document), built(read(document))}) {
         Dictionary members = *original.as<Dictionary>();
         Array pens = *members.find("pens")->second.as<Array>();
-        const Dictionary kept = members;
-        for (int i = 0; i < 3; ++i) {
-            const Array before = pens;
-            pens.set(0, pens[1]);
-            pens.append("a text of more than fourteen");
-            EXPECT_EQ(pens.size(), before.size() + 1);
-            members.set("pens", before);
-            members.set("text", members);
-            members.erase("number");
-        }
-        EXPECT_EQ(Any(pens).description(),
-                  R"([[1.5,true,null],[1.5,true,null],"a text of more than fourteen",)"
-                  R"("a text of more than fourteen","a text of more than fourteen"])");
-        EXPECT_EQ(members.size(), 2u);
+        pens.set(0, pens[1]);
+        pens.append(2);
+        members.set("pens", pens);
+        members.set("text", members);
+        members.erase("number");
+        pens.append(pens);
         EXPECT_EQ(original.description(), document);
-        EXPECT_EQ(Any(kept).description(), document);
+        EXPECT_EQ(Any(*members.find("pens")->second.as<Array>()).description(),
+                  "[[1.5,true,null],[1.5,true,null],2]");
+        EXPECT_TRUE(members.size() == 2 && pens.size() == 4);
     }
     Array array{1, Array{2}};
     Array same = array;
@@ -82,13 +76,6 @@ TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {
         expectMembers(members, i + 1);
         expectMembers(before, i);
         ASSERT_TRUE(reserved.contains("another") && !reserved.contains(keyOf(i)));
-
-        const Dictionary whole = *read(members.description()).as<Dictionary>();
-        Dictionary grown = whole;
-        grown.set("another", 1);
-        expectMembers(whole, i + 1);
-        ASSERT_EQ(std::next(grown.begin(), static_cast<std::ptrdiff_t>(i) + 1)->first, "another");
-        ASSERT_TRUE(grown.erase("another") && !grown.erase("another") && grown == whole);
     }
     for (std::size_t i = 140; i-- > 0;) {
         ASSERT_TRUE(members.erase(keyOf(i)));
