@@ -80,8 +80,6 @@ public:
     /// @return what differs from the standard library, empty when nothing does
     std::string nextDifference() {
         const double largestPlain = below(2) == 0 ? 9'999'999'999'999'998 : 0x1p53;
-        if (below(2) == 0)
-            return differenceInWriting(std::bit_cast<double>(random_()), largestPlain);
         const Decimal decimal = drawDecimal();
         const std::string difference = differenceInReading(decimal);
         if (!difference.empty()) return difference;
@@ -95,9 +93,8 @@ private:
                 return {random_() >> below(64), static_cast<std::int64_t>(below(660)) - 346};
             case 1:  // short, as people write them
                 return {below(1'000'000), static_cast<std::int64_t>(below(31)) - 8};
-            case 2: {  // that of a double, mostly of 16 or 17 digits
-                const double value =
-                    std::bit_cast<double>((random_() | 1) & ~(std::uint64_t{1} << 63));
+            case 2: {  // that of any double, mostly of 16 or 17 digits
+                const double value = std::abs(std::bit_cast<double>(random_() | 1));
                 if (!std::isfinite(value)) return {1, 0};
                 const ShortestDecimal decimal = shortestDecimal(value);
                 return {decimal.digits, decimal.exponent};

@@ -148,9 +148,7 @@ TEST(AnyTest, TextThatIsNotUtf8IsKeptButIsNoText) {
         Dictionary dictionary{{text, 1}};
         dictionary.set(text, 2);
         EXPECT_TRUE(dictionary.size() == 1 && dictionary.contains(text));
-        EXPECT_EQ(Any(dictionary).description(), "{…}");
-        EXPECT_FALSE(JSONSerialization::isValidJSONObject(dictionary));
-        EXPECT_FALSE(JSONSerialization::isValidJSONObject(Array{text}));
+        EXPECT_EQ(Any(dictionary).description() + Any(Array{text}).description(), "{…}[…]");
     }
     EXPECT_EQ(Any(std::string("a\0b", 3)).kind(), Any::Kind::text);
 }
