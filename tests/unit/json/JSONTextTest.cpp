@@ -71,21 +71,7 @@ TEST(JSONTextTest, OptionsOfAnotherKindCountAsLeftOut) {
     EXPECT_EQ(JSON("é").rawString(StringEncoding::ascii), "é");
 }
 
-TEST(JSONTextTest, AbsentValuesCanBeCastToNull) {
-    const std::pair<JSON, std::optional<std::string>> cases[] = {
-        {Array{"x", Any(), 3}, R"(["x",null,3])"},
-        {Dictionary{{"k", "a\"b\\/\n"}}, "{\"k\": \"a\\\"b\\\\/\n\"}"},
-        {Dictionary{{"k\"", Any()}, {"n", NSNull()}}, R"({"k"": null,"n": null})"},
-        {Array{true, 1.5, Array{}, Dictionary{}}, "[true,1.5,[],{}]"},
-        {Array{Data::fromText(R"({"a":[1,2]})"), Data::fromText("?")}, R"([{"a": [1,2]},null])"},
-        {Array{Array{NSError("", 0)}}, std::nullopt},
-        {JSON("a\"b"), "a\"b"},
-        {JSON(), "null"}};
-    for (const auto& [json, text] : cases)
-        EXPECT_EQ(json.rawString({{castNilToNSNull, true}}), text);
-}
-
-TEST(JSONTextTest, CastingNilIsLimitedInDepth) {
+TEST(JSONTextTest, AbsentValuesCanBeCastToNullToALimitedDepth) {
     const auto written = [](const JSON& json, Any depth) {
         testing::internal::CaptureStdout();
         const auto text = json.rawString({{castNilToNSNull, true}, {maxObjextDepth, depth}});
@@ -93,6 +79,12 @@ TEST(JSONTextTest, CastingNilIsLimitedInDepth) {
     };
     // clang-format off
     const struct { JSON json; Any depth; std::string text; } cases[] = {
+        {Array{"x", Any(), 3}, {}, R"(["x",null,3])"},
+        {Dictionary{{"k", "a\"b\\/\n"}}, {}, "{\"k\": \"a\\\"b\\\\/\n\"}"},
+        {Dictionary{{"k\"", Any()}, {"n", NSNull()}}, {}, R"({"k"": null,"n": null})"},
+        {Array{true, 1.5, Array{}, Dictionary{}}, {}, "[true,1.5,[],{}]"},
+        {Array{Data::fromText(R"({"a":[1,2]})"), Data::fromText("?")}, {}, R"([{"a": [1,2]},null])"},
+        {Array{Array{NSError("", 0)}}, {}, "none"},   {JSON("a\"b"), {}, "a\"b"},   {JSON(), {}, "null"},
         {nested(10, 1), {}, "[[[[[[[[[[1]]]]]]]]]]"}, {nested(11, 1), {}, "none"},
         {nested(11, 1), 20, "[[[[[[[[[[[1]]]]]]]]]]]"}, {nested(1, 1), 0, "none"},
         {nested(1, NSNull()), 0, "none"},             {Array{Any()}, 0, "[null]"},  // absent

