@@ -76,11 +76,11 @@ TEST(JSONAccessTest, NumbersAreReadAndKeptInEveryWidth) {
 }
 
 TEST(JSONAccessTest, UrlsAreEscapedUnlessTheyAreAlready) {
-    const std::pair<const char*, const char*> cases[] = {{"é b", "%C3%A9%20b"},
-                                                         {"a%20b#c", "a%20b#c"},
-                                                         {"a%zz", "a%25zz"},
-                                                         {"", nullptr},
-                                                         {"a%20b c", nullptr}};
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"é b", "%C3%A9%20b"}, {"a%20b#c", "a%20b#c"}, {"a%zz", "a%25zz"}, {"", nullptr},
+        {"a%20b c", nullptr}};
+    // clang-format on
     for (const auto& [text, url] : cases) {
         const auto found = JSON(text).url();
         EXPECT_EQ(found ? found->absoluteString() : "", url ? url : "");

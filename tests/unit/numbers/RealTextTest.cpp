@@ -52,37 +52,20 @@ TEST(RealTextTest, EveryPowerOfTenReadsAsTheNearestDouble) {
     for (int exponent = -350; exponent <= 320; ++exponent) {
         for (const std::uint64_t mantissa : {1u, 3u, 4294967295u}) {
             EXPECT_EQ(differenceInReading({mantissa, exponent}), "");
+            EXPECT_TRUE(nearestDouble(mantissa, exponent));
         }
     }
 }
 
 TEST(RealTextTest, DoublesAreWrittenInTheirLayout) {
+    // clang-format off
+    const double values[] = {
+        0.0, 1.0, 100.0, 0.1, 12.5, 1000.5, 1500.0, 1e-4, 1.0000000000000002e-4, inf, nan,
+        0x1.a36e2eb1c432cp-14, 4.999999999999999, 0x1p53, 0x1p53 + 2, 9'999'999'999'999'998.0,
+        1e16, 1e23, 0x1p60, 5e-324, 1e-323, 1.5e-323, 0x1p-1022, 0x1p-44, 1.7976931348623157e308};
+    // clang-format on
     for (const double largestPlain : {1000.0, 0x1p53, 9'999'999'999'999'998.0, 0x1p62})
-        for (const double value : {0.0,
-                                   inf,
-                                   nan,
-                                   1.0,
-                                   100.0,
-                                   0.1,
-                                   12.5,
-                                   1000.5,
-                                   1500.0,
-                                   1e-4,
-                                   1.0000000000000002e-4,
-                                   0x1.a36e2eb1c432cp-14,
-                                   4.999999999999999,
-                                   0x1p53,
-                                   0x1p53 + 2,
-                                   9'999'999'999'999'998.0,
-                                   1e16,
-                                   1e23,
-                                   0x1p60,
-                                   5e-324,
-                                   1e-323,
-                                   1.5e-323,
-                                   0x1p-1022,
-                                   0x1p-44,
-                                   1.7976931348623157e308})
+        for (const double value : values)
             for (const double signedValue : {value, -value})
                 EXPECT_EQ(differenceInWriting(signedValue, largestPlain), "");
     std::string text = "=";

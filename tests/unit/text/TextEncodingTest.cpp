@@ -94,11 +94,16 @@ TEST(TextEncodingTest, BytesAreDecodedOrRefused) {
 TEST(TextEncodingTest, TheEncodingOfAJSONTextIsToldFromItsFirstBytes) {
     // The first and last characters of each length in each encoding.
     const std::string every = "\"\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF\"";
-    const std::pair<const char*, StringEncoding> encodings[] = {{"UTF-8", utf8},
-                                                                {"UTF-16BE", utf16BE},
-                                                                {"UTF-16LE", utf16LE},
-                                                                {"UTF-32BE", utf32BE},
-                                                                {"UTF-32LE", utf32LE}};
+    // clang-format off
+    const std::pair<const char*, StringEncoding> encodings[] = {
+        {"UTF-8", utf8}, {"UTF-16BE", utf16BE}, {"UTF-16LE", utf16LE}, {"UTF-32BE", utf32BE},
+        {"UTF-32LE", utf32LE}};
+    const Bytes faults[] = {
+        {0x22, 0xFF, 0x22}, {0xEF, 0xBB}, {0x37, 0x00, 0x37}, {0x00, 0x00, 0x00, 0x37, 0x00},
+        {0x00, 0x00, 0xFE, 0xFF, 0x00, 0x00, 0xD8, 0x00},
+        {0x00, 0x00, 0xFE, 0xFF, 0x00, 0x00, 0xDF, 0xFF},
+        {0x00, 0x00, 0xFE, 0xFF, 0x00, 0x11, 0x00, 0x00}};
+    // clang-format on
     for (const auto& [name, encoding] : encodings) {
         for (const std::string mark : {"", "\uFEFF"}) {
             for (const std::string& text : {std::string("7"), std::string("{}"), every}) {
@@ -117,13 +122,6 @@ TEST(TextEncodingTest, TheEncodingOfAJSONTextIsToldFromItsFirstBytes) {
         }
     }
     EXPECT_EQ(utf8FromDetected({}, detectEncoding({})), "");
-    const Bytes faults[] = {{0x22, 0xFF, 0x22},
-                            {0xEF, 0xBB},
-                            {0x37, 0x00, 0x37},
-                            {0x00, 0x00, 0x00, 0x37, 0x00},
-                            {0x00, 0x00, 0xFE, 0xFF, 0x00, 0x00, 0xD8, 0x00},
-                            {0x00, 0x00, 0xFE, 0xFF, 0x00, 0x00, 0xDF, 0xFF},
-                            {0x00, 0x00, 0xFE, 0xFF, 0x00, 0x11, 0x00, 0x00}};
     for (const Bytes& bytes : faults) EXPECT_FALSE(utf8FromDetected(bytes, detectEncoding(bytes)));
 }
 

@@ -28,13 +28,12 @@ TEST(URLTest, KeepsALegalTextByteForByteAndRefusesAnyOther) {
 
 TEST(URLTest, EncodesWhatAQueryMayNotHold) {
     const std::string kept = "azAZ09!$&'()*+,-./:;=?@_~";
+    // clang-format off
     const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
-        {kept, kept},
-        {"é😀", "%C3%A9%F0%9F%98%80"},
-        {"#[]", "%23%5B%5D"},
+        {"", ""}, {kept, kept}, {"é😀", "%C3%A9%F0%9F%98%80"}, {"#[]", "%23%5B%5D"},
         {std::string("\0\x1F \x7F", 4), "%00%1F%20%7F"},
         {std::string(illegal), "%22%3C%3E%5C%5E%60%7B%7C%7D%25"}};
+    // clang-format on
     for (const auto& [text, encoded] : cases)
         EXPECT_EQ(addingPercentEncodingForQuery(text), encoded);
     EXPECT_FALSE(addingPercentEncodingForQuery("a\xED\xA0\x80"));
