@@ -50,6 +50,8 @@ protected:
     static constexpr const char* colour =
         "/org/bluez/hci0/dev_00_11_22_33_44_55/service0015/char0016";
 
+    static constexpr const char* elsewhere = "/org/bluez/hci0/dev_5A_00_00_00_00_01";
+
     const UUID pen = DeviceAddress::fromText(FakeBluez::penAddress, "public")->identifier();
     RadioRecord record;
     std::unique_ptr<PrivateBus> bus;

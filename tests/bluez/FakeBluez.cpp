@@ -154,14 +154,18 @@ void FakeBluez::addAdapter(const std::string& path, const std::string& address, 
          {"Roles", std::vector<std::string>{"central", "peripheral"}}});
 }
 
-void FakeBluez::addPen(const Properties& more) {
+Properties FakeBluez::penProperties(const Properties& more) {
     Properties properties = {{"Address", std::string(penAddress)},
                              {"AddressType", std::string("public")},
                              {"Alias", std::string("00-11-22-33-44-55")},
                              {"Connected", false},
                              {"ServicesResolved", false}};
     for (const auto& [name, value] : more) properties.insert_or_assign(name, value);
-    add(pen, ObjectTree::device, properties);
+    return properties;
+}
+
+void FakeBluez::addPen(const Properties& more) {
+    add(pen, ObjectTree::device, penProperties(more));
 }
 
 // --- calls --------------------------------------------------------------------------------------
@@ -169,11 +173,13 @@ void FakeBluez::addPen(const Properties& more) {
 int FakeBluez::received(sd_bus_message* message) {
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
     const std::string member = sd_bus_message_get_member(message);
+    if (member == "Ping") return 0;  // sd_bus answers that
     if (member == "GetManagedObjects") {
         sendObjects(message);
         return 1;
     }
     calls.push_back(member);
+    lastPath = sd_bus_message_get_path(message);
     if (sd_bus_message_has_signature(message, "a{sv}") > 0) lastOptions = readOptions(message);
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
     const auto method = methods_.find(member);

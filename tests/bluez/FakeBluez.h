@@ -42,10 +42,12 @@ public:
     void change(const std::string& path, const std::string& interface, const Properties& changed,
                 const std::vector<std::string>& invalidated = {});
     void addAdapter(const std::string& path, const std::string& address, bool isPowered);
+    static Properties penProperties(const Properties& more = {});
     void addPen(const Properties& more = {});
 
     // Calls
     std::vector<std::string> calls;  // names of methods, but for GetManagedObjects
+    std::string lastPath;
     std::map<std::string, std::string> lastOptions;
     /// Calls of this method wait until `reply…`.
     void hold(const std::string& member);

@@ -81,6 +81,9 @@ public:
         lines.push_back(nameOf(characteristic) + (isNotifying ? " subscribed" : " not subscribed") +
                         outcome(error));
     }
+    void servicesInvalidated(const UUID&, const std::vector<AttributeHandle>& gone) override {
+        lines.push_back(std::to_string(gone.size()) + " services invalidated");
+    }
     void rssiRead(const UUID&, std::optional<int> rssi,
                   const std::optional<NSError>& error) override {
         lines.push_back("rssi " + (rssi ? std::to_string(*rssi) : "nothing") + outcome(error));

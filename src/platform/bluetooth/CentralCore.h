@@ -66,6 +66,7 @@ public:
                        std::optional<Data> value) override;
     void subscriptionChanged(const UUID& identifier, AttributeHandle characteristic,
                              bool isNotifying, const std::optional<NSError>& error) override;
+    void servicesInvalidated(const UUID&, const std::vector<AttributeHandle>&) override {}
     void rssiRead(const UUID& identifier, std::optional<int> rssi,
                   const std::optional<NSError>& error) override;
 

@@ -90,6 +90,12 @@ public:
                                std::optional<Data> value) = 0;
     virtual void subscriptionChanged(const UUID& peripheral, AttributeHandle characteristic,
                                      bool isNotifying, const std::optional<NSError>& error) = 0;
+    /// The peripheral changed its table of services during the link: these services are no longer
+    /// what they were, and their handles name nothing. What was subscribed stays so where the new
+    /// table has the same characteristic (same service and characteristic UUID): its handle goes on
+    /// naming it.
+    virtual void servicesInvalidated(const UUID& peripheral,
+                                     const std::vector<AttributeHandle>& services) = 0;
     /// The answer to `readRSSI`, in dBm; absent, with an error, where it could not be read.
     virtual void rssiRead(const UUID& peripheral, std::optional<int> rssi,
                           const std::optional<NSError>& error) = 0;
