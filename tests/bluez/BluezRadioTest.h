@@ -40,6 +40,8 @@ protected:
     void startRadio();
     /// The pen is known to BlueZ, and everybody has heard of that.
     void addPen(const Properties& more = {});
+    static Properties serviceProperties();
+    static Properties colourProperties();
     void addColour();
     void resolveServices();
     void linkPen();

@@ -151,6 +151,7 @@ void FakeBluez::addAdapter(const std::string& path, const std::string& address, 
     add(path, ObjectTree::adapter,
         {{"Address", address},
          {"Powered", isPowered},
+         {"Discovering", false},
          {"Roles", std::vector<std::string>{"central", "peripheral"}}});
 }
 
@@ -242,6 +243,10 @@ void FakeBluez::replyError(const std::string& member, const char* name, const ch
 
 std::size_t FakeBluez::count(const std::string& member) const {
     return static_cast<std::size_t>(std::ranges::count(calls, member));
+}
+
+void FakeBluez::answerSomebodyElse() {
+    sd_bus_emit_signal(bus_.get(), "/elsewhere", "org.example.Other", "Answer", nullptr);
 }
 
 void FakeBluez::send(sd_bus_message* message) {

@@ -56,6 +56,8 @@ public:
     void replyBytes(const std::string& member, const Data& value);
     void replyError(const std::string& member, const char* name, const char* text);
     std::size_t count(const std::string& member) const;
+    /// Sends what does not reach the radio, such as the answer to another client's call.
+    void answerSomebodyElse();
 
     // RunLoopSource
     int descriptor() const override;
