@@ -517,6 +517,7 @@ TEST_F(BluezRadioTest, TableOfServicesChanges) {
     fake->add(newColour, ObjectTree::characteristic, colourProperties());
     ASSERT_TRUE(called("StartNotify", 2));
     EXPECT_EQ(fake->lastPath, newColour);
+    ASSERT_TRUE(reported("0 services invalidated"));
     record.take();
     fake->change(newColour, ObjectTree::characteristic, {{"Value", Data{1}}});
     ASSERT_TRUE(reported("1F14 notified <01>"));
