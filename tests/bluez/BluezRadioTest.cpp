@@ -234,6 +234,7 @@ TEST_F(BluezRadioTest, OwnNameDiffersFromTheAdvertisedOne) {
     fake->change(FakeBluez::pen, ObjectTree::device,
                  {{"Connected", true}, {"Name", std::string("Own")}}, {"RSSI"});
     fake->remove(FakeBluez::pen, ObjectTree::device);
+    settle();
     record.take();
     radio->stopScan();
     radio->startScan();
@@ -258,6 +259,9 @@ TEST_F(BluezRadioTest, LinkedPenIsFoundOnceAndTakenOver) {
     radio->connect(pen);
     ASSERT_TRUE(reported("connected"));
     record.take();
+    radio->stopScan();
+    radio->startScan();
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
     settle();
     EXPECT_EQ(record.take(), Lines());  // it is ours now
     radio.reset();
@@ -486,7 +490,9 @@ TEST_F(BluezRadioTest, ValueIsReadBySomebodyElse) {
     startRadio();
     linkPen();
     radio->subscribe(pen, record.handleOf(colourUUID), true);
-    ASSERT_TRUE(reported("1F14 subscribed"));
+    radio->startScan();
+    ASSERT_TRUE(called("StartDiscovery"));
+    settle();
     record.take();
     const auto signal = [this] {
         fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
@@ -530,6 +536,7 @@ TEST_F(BluezRadioTest, TableOfServicesChanges) {
     // Told already, and told once more: no change.
     record.take();
     fake->add(newColour, ObjectTree::characteristic, colourProperties());
+    settle();
     settle();
     EXPECT_EQ(record.take(), Lines());
 }
