@@ -1,10 +1,13 @@
 #include "platform/radios/bluez/BluezErrors.h"
 #include "platform/radios/bluez/DeviceAddress.h"
 #include "platform/radios/bluez/ObjectTree.h"
+#include "platform/radios/bluez/RadioSwitch.h"
 #include "platform/radios/bluez/ValueSieve.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -61,6 +64,19 @@ TEST(DeviceAddress, TextIsNoAddress) {
         EXPECT_FALSE(DeviceAddress::fromText(text, "public")) << text;
     EXPECT_FALSE(DeviceAddress::fromText("C6:11:22:33:44:5F", "other"));
     EXPECT_FALSE(DeviceAddress::fromIdentifier(UUID()));
+}
+
+TEST(RadioSwitch, EitherKindBlocks) {
+    const auto folder = std::filesystem::temp_directory_path() / "bluez-radio-switch";
+    std::filesystem::create_directories(folder / "hci1" / "rfkill3");
+    const auto isBlocked = [&](int soft, int hard) {
+        std::ofstream(folder / "hci1" / "rfkill3" / "soft") << soft << '\n';
+        std::ofstream(folder / "hci1" / "rfkill3" / "hard") << hard << '\n';
+        return isRadioBlocked(1, folder);
+    };
+    EXPECT_TRUE(isBlocked(1, 0) && isBlocked(0, 1) && !isBlocked(0, 0));
+    EXPECT_FALSE(isRadioBlocked(2, folder));
+    std::filesystem::remove_all(folder);
 }
 
 TEST(BluezErrors, AttributeErrorsKeepTheirCodes) {

@@ -22,7 +22,13 @@ class BluezRadioTest : public testing::Test {
 protected:
     using Lines = RadioRecord::Lines;
 
+    struct SkippingClock : Clock {
+        double skipped = 0;
+        double now() const override { return SystemClock().now() + skipped; }
+    };
+
     void SetUp() override;
+    void TearDown() override;
 
     template <class Condition>
     bool until(Condition condition) {
@@ -36,6 +42,9 @@ protected:
     bool called(const std::string& member, std::size_t times = 1) {
         return until([&] { return fake->count(member) >= times; });
     }
+
+    /// Timers fire as if that time had passed.
+    void skip(double seconds) { clock->skipped += seconds; }
 
     void startRadio();
     /// The pen is known to BlueZ, and everybody has heard of that.
@@ -56,6 +65,7 @@ protected:
 
     const UUID pen = DeviceAddress::fromText(FakeBluez::penAddress, "public")->identifier();
     RadioRecord record;
+    std::shared_ptr<SkippingClock> clock = std::make_shared<SkippingClock>();
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<FakeBluez> fake;
     std::unique_ptr<BluezRadio> radio;

@@ -1,3 +1,4 @@
+#include "platform/radios/bluez/Properties.h"
 #include "support/PenScenario.h"
 
 #include <regex>
@@ -122,6 +123,11 @@ TEST_F(LogLinesTest, OfTheSimulation) {
               "startTimeoutMonitor\nstopTimeoutMonitor\n"
               "ServiceDiscoveryForPeripheralCompleted\nBluetoothDeviceConnected\n"
               "didUpdateValueForPeripheralCharacterstic\n");
+}
+
+TEST_F(LogLinesTest, OfAPropertyOfAnotherType) {
+    EXPECT_EQ(find<bool>({{"Powered", std::string("yes")}}, "Powered"), nullptr);
+    EXPECT_EQ(lines(), "D-Bus: Powered has a type that it should not have\n");
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
 using namespace InkoraKit;
 
@@ -128,8 +129,11 @@ TEST_F(SessionTest, WatchWaitsForAnAdapterThatWasSwitchedOff) {
     at(2, [] { radio().setState(CBManagerState::poweredOff); });
     at(30, [] { radio().setState(CBManagerState::poweredOn); });
     EXPECT_EQ(watch({.duration = 40}), success);
-    expectLines({{"connected", 2}, {"disconnected", 1}, {"battery", 2}});
-    EXPECT_EQ(err, "inkora: Bluetooth setting is disabled.\n");
+    expectLines({{"connected", 2},
+                 {"disconnected", 1},
+                 {"battery", 2},
+                 {"bluetooth   not available. The adapter is switched off.", 1}});
+    EXPECT_EQ(err, "inkora: Bluetooth setting is disabled. The adapter is switched off.\n");
 }
 
 TEST_F(SessionTest, WatchAsksEverySoOftenWhateverTheLinkIsDoing) {
@@ -152,10 +156,14 @@ TEST_F(SessionTest, WithoutAFirstConnectionTheStatusSaysWhy) {
 
     using enum CBManagerState;
     const double start = RunLoop::main().now();
-    for (const auto state : {poweredOff, unsupported, unauthorized}) {
+    const std::pair<CBManagerState, const char*> states[] = {
+        {poweredOff, "The adapter is switched off."},
+        {unsupported, "There is no Bluetooth LE adapter."},
+        {unauthorized, "The system does not permit the use of Bluetooth."}};
+    for (const auto& [state, reason] : states) {
         radio().setState(state);
         EXPECT_EQ(watch({}), noBluetooth);
-        EXPECT_EQ(err, "inkora: Bluetooth setting is disabled.\n");
+        EXPECT_EQ(err, std::string("inkora: Bluetooth setting is disabled. ") + reason + '\n');
     }
     EXPECT_LT(RunLoop::main().now(), start + 1);
 }

@@ -3,6 +3,7 @@
 #include <InkoraKit/Export.h>
 #include <InkoraKit/platform/Any.h>
 #include <InkoraKit/platform/CBManagerState.h>
+#include <InkoraKit/platform/CBManagerStateReason.h>
 #include <InkoraKit/platform/CBPeripheral.h>
 #include <InkoraKit/platform/CBUUID.h>
 #include <InkoraKit/platform/NSError.h>
@@ -71,6 +72,10 @@ public:
 
     /// `unknown` until the radio has answered.
     CBManagerState state() const;
+
+    /// Why the adapter cannot be used now, for people and logs: asked for anew with each call, and
+    /// so perhaps a moment ahead of `state`.
+    CBManagerStateReason stateReason() const;
 
     /// True from `scanForPeripherals` to `stopScan` or the loss of power, which ends a scan for
     /// good.

@@ -135,6 +135,10 @@ CBManagerState CentralCore::state() const {
     return state_.value_or(CBManagerState::unknown);
 }
 
+CBManagerStateReason CentralCore::stateReason() const {
+    return radio_ ? radio_->stateReason() : CBManagerStateReason::none;
+}
+
 void CentralCore::adapterStateChanged(CBManagerState state) {
     if (state_ == state) return;
     state_ = state;

@@ -33,6 +33,7 @@ public:
 
     std::weak_ptr<CBCentralManagerDelegate> delegate;
     CBManagerState state() const;
+    CBManagerStateReason stateReason() const;
     bool isScanning() const { return isScanning_; }
 
     void startScan(const std::vector<CBUUID>& services);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <InkoraKit/platform/CBManagerState.h>
+#include <InkoraKit/platform/CBManagerStateReason.h>
 #include <InkoraKit/platform/CBUUID.h>
 #include <InkoraKit/platform/Data.h>
 #include <InkoraKit/platform/NSError.h>
@@ -113,6 +114,9 @@ public:
     /// Called once, first of all. The radio reports its adapter's state as soon as it knows it, and
     /// each change from then on. The listener outlives the radio.
     virtual void start(RadioListener& listener) = 0;
+
+    /// Why the adapter cannot be used now, where the radio knows.
+    virtual CBManagerStateReason stateReason() const { return CBManagerStateReason::none; }
 
     /// Reports every advertiser heard from now on, as often as the system lets it be heard.
     virtual void startScan() = 0;

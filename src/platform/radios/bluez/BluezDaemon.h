@@ -15,13 +15,19 @@ namespace InkoraKit {
 
 /// bluetoothd as seen from here: whether it is there, the objects it exports, kept up to date, and
 /// calls to their methods.
+///
+/// Any user of the bus can send a signal straight to this process, whatever the match rules say. So
+/// a signal counts only if its sender is the connection that owns org.bluez, and a change of that
+/// owner only if the bus itself tells it. Answers need no such look: the policy of system buses lets
+/// nobody answer a call but the one who was called.
 class BluezDaemon {
 public:
     enum class Presence {
         unknown,  // not answered yet
-        absent,   // no bus, or nobody on it who would be or become org.bluez
-        denied,   // the bus does not let us talk to it
-        lost,     // was there, and may be back
+        noBus,
+        absent,  // nobody on the bus who would be or become org.bluez, or he does not answer
+        denied,  // the bus does not let us talk to it
+        lost,    // was there, and may be back
         present,
     };
 
@@ -76,8 +82,11 @@ public:
 private:
     void open();
     void watch();
-    void askForObjects();
+    bool isFromBluez(const MessageReader& signal) const;
+    void askForObjects(bool startsService);
+    void askAgainAfter(double pause, bool startsService);
     void objectsCame(Answer& answer);
+    void refused(const BusError& error);
     void ownerChanged(MessageReader& signal);
     void settle();
     void busLost(int error);
@@ -90,6 +99,9 @@ private:
     Observer& observer_;
     Presence presence_ = Presence::unknown;
     ObjectTree objects_;
+    std::string owner_;    // of org.bluez, by unique name; empty when there is none or not known
+    unsigned owners_ = 0;  // counts them, to tell answers to what a former one was asked
+    Alarm asking_;
     Alarm settling_;
     Alarm reopening_;
     std::unique_ptr<Bus> bus_;

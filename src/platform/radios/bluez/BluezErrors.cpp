@@ -100,6 +100,11 @@ bool isAccessDenied(const BusError& error) {
     return error.name == "org.freedesktop.DBus.Error.AccessDenied";
 }
 
+bool isNobody(const BusError& error) {
+    return error.name == "org.freedesktop.DBus.Error.ServiceUnknown" ||
+           error.name == "org.freedesktop.DBus.Error.NameHasNoOwner";
+}
+
 ConnectFailure connectFailureOf(const BusError& error) {
     for (const NamedFailure& named : connectFailures)
         if (error.text.starts_with(named.start) || error.name == named.start) return named.failure;

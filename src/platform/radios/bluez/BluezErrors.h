@@ -33,6 +33,8 @@ std::string textOf(const BusError& error);
 NSError attributeError(const BusError& error);
 
 bool isAccessDenied(const BusError& error);
+/// Nobody on the bus has the name that was called.
+bool isNobody(const BusError& error);
 ConnectFailure connectFailureOf(const BusError& error);
 /// StopNotify when there was nothing to be stopped.
 bool isNotSubscribed(const BusError& error);

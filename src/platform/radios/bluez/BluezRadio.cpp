@@ -1,8 +1,11 @@
 #include "platform/radios/bluez/BluezRadio.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include "platform/foundation/process/ProcessEnd.h"
 #include "platform/radios/bluez/BluezErrors.h"
 #include "platform/radios/bluez/DeviceAddress.h"
+#include "platform/radios/bluez/RadioSwitch.h"
 
 #include <algorithm>
 #include <array>
@@ -82,6 +85,7 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     switch (daemon_.presence()) {
         case BluezDaemon::Presence::unknown:
             return std::nullopt;
+        case BluezDaemon::Presence::noBus:
         case BluezDaemon::Presence::absent:
             return CBManagerState::unsupported;
         case BluezDaemon::Presence::denied:
@@ -94,8 +98,30 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     if (discovery_.isDenied()) return CBManagerState::unauthorized;
     if (!adapter_.empty())
         return isPowered(adapter_) ? CBManagerState::poweredOn : CBManagerState::poweredOff;
-    if (daemon_.isSettling()) return std::nullopt;
-    return CBManagerState::unsupported;
+    if (!daemon_.isSettling()) return CBManagerState::unsupported;
+    // What went on has ended, also if the adapter is back in a moment (a reset, 5.66).
+    if (state_ == CBManagerState::poweredOn) return CBManagerState::resetting;
+    return std::nullopt;
+}
+
+CBManagerStateReason BluezRadio::stateReason() const {
+    switch (daemon_.presence()) {
+        case BluezDaemon::Presence::unknown:
+            return CBManagerStateReason::none;
+        case BluezDaemon::Presence::noBus:
+            return CBManagerStateReason::noBus;
+        case BluezDaemon::Presence::absent:
+        case BluezDaemon::Presence::lost:
+            return CBManagerStateReason::noService;
+        case BluezDaemon::Presence::denied:
+            return CBManagerStateReason::notPermitted;
+        case BluezDaemon::Presence::present:
+            break;
+    }
+    if (discovery_.isDenied()) return CBManagerStateReason::notPermitted;
+    if (adapter_.empty()) return CBManagerStateReason::noAdapter;
+    if (isPowered(adapter_)) return CBManagerStateReason::none;
+    return isBlocked(adapter_) ? CBManagerStateReason::blocked : CBManagerStateReason::switchedOff;
 }
 
 // Nothing survives the loss of power, and nothing is resumed by itself: who scanned or connected
@@ -110,6 +136,8 @@ void BluezRadio::updateState() {
     updateDiscovery();
     if (!state || state == state_) return;
     state_ = state;
+    const std::string_view reason = description(stateReason());
+    if (!reason.empty()) NSObject::printThisLineToConsole(reason);
     listener_->adapterStateChanged(*state);
 }
 
@@ -123,6 +151,12 @@ bool BluezRadio::isPowered(const std::string& adapter) const {
     const bool* isPowered =
         daemon_.objects().property<bool>(adapter, ObjectTree::adapter, "Powered");
     return isPowered && *isPowered;
+}
+
+bool BluezRadio::isBlocked(const std::string& adapter) const {
+    const auto* state =
+        daemon_.objects().property<std::string>(adapter, ObjectTree::adapter, "PowerState");
+    return (state && *state == "off-blocked") || isRadioBlocked(controllerIndex(adapter));
 }
 
 bool BluezRadio::isFirstUsed(const std::string& adapter) const {
@@ -207,7 +241,7 @@ void BluezRadio::propertiesChanged(const std::string& path, const std::string& i
     } else if (interface == ObjectTree::device) {
         deviceChanged(path, before);
     } else if (interface == ObjectTree::adapter && before.contains("Powered")) {
-        if (path == adapter_) return use(path);
+        if (path == adapter_) return use(bestAdapter());
         adapterImproved(path);
     }
 }

@@ -19,9 +19,9 @@ namespace InkoraKit {
 /// The radio of Linux: bluetoothd, by way of the D-Bus system bus. What is said of its behaviour in
 /// this folder was observed on BlueZ 5.66.
 ///
-/// One adapter is used at a time: the first that is switched on, else the first. It stays in use,
-/// switched off or not, until it goes, or until another is switched on in its stead. The one that
-/// was used first is taken up again when it comes back, unless a link is in the way.
+/// One adapter is used at a time: the first that is switched on, else the first. It stays in use
+/// until it goes or is switched off while another is on, or another is switched on in its stead.
+/// The one that was used first is taken up again when it comes back, unless a link is in the way.
 class BluezRadio final : public Radio, BluezDaemon::Observer, Link::Owner {
 public:
     BluezRadio();
@@ -30,6 +30,7 @@ public:
 
     RadioCapabilities capabilities() const override;
     void start(RadioListener& listener) override;
+    CBManagerStateReason stateReason() const override;
     void startScan() override;
     void stopScan() override;
     void connect(const UUID& peripheral) override;
@@ -61,6 +62,7 @@ private:
     void updateState();
     bool isCentral(const std::string& adapter) const;
     bool isPowered(const std::string& adapter) const;
+    bool isBlocked(const std::string& adapter) const;
     bool isFirstUsed(const std::string& adapter) const;
     std::string addressOf(const std::string& adapter) const;
     std::string bestAdapter() const;

@@ -11,8 +11,8 @@ struct sd_bus_message;
 namespace InkoraKit {
 
 /// Reads the body of a D-Bus message, argument by argument. Where the message holds something else
-/// than what is asked for, the result is empty and so are all later ones; a variant of a type that
-/// nobody needs is skipped.
+/// than what is asked for, the result is empty and so are all later ones, and the log says so; a
+/// variant of a type that nobody needs is skipped.
 class MessageReader {
 public:
     /// Borrows the message, which outlives the reader.
@@ -32,10 +32,12 @@ public:
 
 private:
     Variant readVariant();
+    void refuse(const char* expected);
     template <class Map, class ReadKey, class ReadValue>
     Map readMap(const char* entry, ReadKey readKey, ReadValue readValue);
 
     sd_bus_message* message_;
+    bool isRefused_ = false;  // from the first argument on that is not what was asked for
 };
 
 }  // namespace InkoraKit
