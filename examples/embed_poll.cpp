@@ -1,15 +1,12 @@
-// A host with a loop of its own: the kit's run loop is one more descriptor and one more deadline.
-// It echoes the lines typed between the colours, and ends with the input.
+// A host with a loop of its own: the kit's run loop is one more descriptor. It echoes the lines
+// typed between the colours, and ends with the input.
 #include <InkoraKit/InkoraKit.h>
 #include <poll.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdio>
 #include <memory>
-#include <optional>
 
 using namespace InkoraKit;
 
@@ -24,12 +21,6 @@ struct Swatches : InkoraProtocols {
         std::puts(error.domain().c_str());
     }
 };
-
-// What poll() takes: -1 waits for as long as it takes. Rounded up, or it would wake up too early.
-int milliseconds(std::optional<double> seconds) {
-    constexpr double longest = 60'000;
-    return seconds ? static_cast<int>(std::ceil(std::min(*seconds * 1000, longest))) : -1;
-}
 
 bool echoInput() {
     std::array<char, 512> bytes;
@@ -48,8 +39,8 @@ int main() {
     std::array<pollfd, 2> watched = {{{STDIN_FILENO, POLLIN, 0}, {loop.descriptor(), POLLIN, 0}}};
     bool isOpen = true;
     while (isOpen) {
-        ::poll(watched.data(), watched.size(), milliseconds(loop.timeUntilDue()));
-        loop.runOnce(0);
+        ::poll(watched.data(), watched.size(), -1);
+        loop.runPending();
         if (watched[0].revents != 0) isOpen = echoInput();
     }
 }

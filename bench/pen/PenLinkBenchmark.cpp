@@ -1,5 +1,6 @@
 #include "Allocations.h"
 
+#include "json/LiveMemory.h"
 #include "support/ScriptedRadio.h"
 
 #include <InkoraKit/InkoraKit.h>
@@ -10,6 +11,7 @@
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -160,6 +162,52 @@ void StartToConnected(benchmark::State& state) {
     state.counters["clock_seconds"] = seconds / static_cast<double>(state.iterations());
 }
 BENCHMARK(StartToConnected)->Unit(benchmark::kMicrosecond);
+
+/// An endless scan among a crowd, each of which is heard ten times: the memory that it takes, at
+/// its end and at most, and how many reports too many there were.
+void CrowdInAScan(benchmark::State& state) {
+    struct Listener : CBCentralManagerDelegate {
+        void centralManagerDidDiscoverPeripheral(CBCentralManager&,
+                                                 const std::shared_ptr<CBPeripheral>&,
+                                                 const Dictionary&, const NSNumber&) override {
+            ++reports;
+        }
+        std::int64_t reports = 0;
+    };
+    constexpr int crowd = 20'000;
+    ScriptedRadio::install();
+    const auto listener = std::make_shared<Listener>();
+    CBCentralManager central(listener);
+    RunLoop::main().runFor(0);
+    ScriptedRadio::opened()->events->adapterStateChanged(CBManagerState::poweredOn);
+    RunLoop::main().runFor(0);
+    Sighting sighting{.identifier = UUID(), .name = {}, .advertisement = {}, .rssi = -90};
+    sighting.advertisement.localName = "An advertiser of the crowd";
+    sighting.advertisement.serviceUUIDs = {CBUUID("180F"), CBUUID("180A")};
+    sighting.advertisement.manufacturerData = Data(std::vector<std::uint8_t>(24));
+    double most = 0;
+    for (auto scan : state) {
+        (void)scan;
+        central.scanForPeripherals();
+        const double before = heapInUse();
+        for (int i = 0; i < 10 * crowd; ++i) {
+            UUID::Bytes bytes{};
+            bytes[14] = static_cast<std::uint8_t>(i % crowd >> 8);
+            bytes[15] = static_cast<std::uint8_t>(i % crowd);
+            sighting.identifier = UUID(bytes);
+            ScriptedRadio::opened()->events->sighted(sighting);
+            RunLoop::main().runFor(0);
+            most = std::max(most, heapInUse() - before);
+        }
+        state.counters["bytes"] = heapInUse() - before;
+        central.stopScan();
+    }
+    state.counters["bytes_at_most"] = most;
+    state.counters["repeated"] =
+        static_cast<double>(listener->reports - crowd * state.iterations());
+    installRadio({});
+}
+BENCHMARK(CrowdInAScan)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 /// A second of a connected and silent pen, by the real clock.
 void IdleWhileConnected(benchmark::State& state) {

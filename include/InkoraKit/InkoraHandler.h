@@ -24,6 +24,9 @@ namespace InkoraKit {
 /// random draws stand in for the radio. The steps without arguments can also be run by name
 /// (`performSelector`), which is how timers call them.
 ///
+/// An instance of a subclass belongs to a `std::shared_ptr` before anything is asked of it; the
+/// first step that needs to hand itself on ends the process, saying so, where it does not.
+///
 /// Nothing is locked. Everything belongs on the main run loop's thread, but for `publishHandler`
 /// and `unPublishHandler`, which only queue their work there.
 class INKORA_EXPORT InkoraHandler : public NSObject,
@@ -171,6 +174,11 @@ protected:
 private:
     static const std::shared_ptr<InkoraHandler>& instance();
     std::shared_ptr<InkoraHandler> self();
+
+    /// Calls the host's receiver, if there is one, with arguments of the call's own, which last
+    /// whatever the host does meanwhile.
+    template <class... Parameters, class... Arguments>
+    void tell(void (InkoraProtocols::*call)(Parameters...), Arguments... arguments) const;
 
     void capturedColorValueChanged();
     void batteryLevelValueChanged();

@@ -13,6 +13,10 @@ namespace InkoraKit {
 /// holds its receiver weakly: the host keeps it alive. Every call comes on the main run loop, with
 /// one exception: a start while Bluetooth is off, and `requestInkoraDeviceGeneralInfo`, answer on
 /// the thread that asks, before the request returns.
+///
+/// What a receiver throws disturbs nothing and is not lost: the kit completes what it was at, and
+/// the exception leaves through `RunLoop::run…` in a block of its own, several in the order in
+/// which they were thrown. That also goes for calls that come before a request returns.
 class INKORA_EXPORT InkoraProtocols {
 public:
     virtual ~InkoraProtocols();

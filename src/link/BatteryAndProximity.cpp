@@ -1,6 +1,7 @@
 #include <InkoraKit/InkoraHandler.h>
 
 #include "link/Magnitude.h"
+#include "link/Telling.h"
 #include "platform/foundation/process/Fatal.h"
 
 #include <charconv>
@@ -38,7 +39,7 @@ void InkoraHandler::batteryLevelReceived(const std::shared_ptr<CBCharacteristic>
 void InkoraHandler::batteryLevelValueChanged() {
     printThisLineToConsole("Indicated new battery level");
     if (!hasHostAndPen() || !isBatteryInfoRequested()) return;
-    if (const auto host = delegate()) host->didPeripheralIndicated(*unwrap(batteryLevelValue()));
+    tell(&InkoraProtocols::didPeripheralIndicated, *unwrap(batteryLevelValue()));
     setIsBatteryInfoRequested(false);
 }
 
@@ -51,7 +52,7 @@ void InkoraHandler::peripheralDidReadRSSI(const std::shared_ptr<CBPeripheral>&,
 void InkoraHandler::deviceProximityValueChanged() {
     printThisLineToConsole("Sensored new proximity value");
     if (!hasHostAndPen() || !isProximityInfoRequested()) return;
-    if (const auto host = delegate()) host->didPeripheralSensored(*unwrap(deviceProximityValue()));
+    tell(&InkoraProtocols::didPeripheralSensored, *unwrap(deviceProximityValue()));
     setIsProximityInfoRequested(false);
 }
 
@@ -69,7 +70,7 @@ void InkoraHandler::requestBluetoothSignalInfo() {
 
 void InkoraHandler::requestDeviceGeneralInfo() {
     printThisLineToConsole("requestDeviceGeneralInfo");
-    if (const auto host = delegate()) host->didPeripheralProvided(deviceName(), deviceUdid());
+    tell(&InkoraProtocols::didPeripheralProvided, deviceName(), deviceUdid());
 }
 
 void InkoraHandler::resetDeviceInfoCache() {

@@ -1,6 +1,7 @@
 #include <InkoraKit/InkoraHandler.h>
 #include <InkoraKit/platform/NumberFormatter.h>
 
+#include "link/Telling.h"
 #include "platform/foundation/process/Fatal.h"
 
 #include <charconv>
@@ -89,7 +90,7 @@ void InkoraHandler::capturedColorValueChanged() {
     printThisLineToConsole(red);
     printThisLineToConsole(green);
     printThisLineToConsole(blue);
-    if (const auto host = delegate()) host->didPeripheralCaptured(UIColor(red, green, blue, 1.0));
+    tell(&InkoraProtocols::didPeripheralCaptured, UIColor(red, green, blue, 1.0));
 }
 
 bool InkoraHandler::hasHostAndPen() const {

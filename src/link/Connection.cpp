@@ -2,6 +2,8 @@
 #include <InkoraKit/InkoraErrorDomain.h>
 #include <InkoraKit/InkoraHandler.h>
 
+#include "link/Telling.h"
+
 // The connection, its time-outs, and its end.
 namespace InkoraKit {
 
@@ -47,10 +49,9 @@ void InkoraHandler::connectTimeout() {
     setCurrentState(ManagerState::DeviceDiscoveryTimedout);
     setTimeoutMonitor(nullptr);
     stopScanPeripheral();
-    if (const auto host = delegate())
-        host->didFailedToInterrogate(
-            NSError(std::string(InkoraErrorDomain::DeviceConnectionTimeout),
-                    InkoraErrorCodes::deviceConnectionTimeout));
+    tell(&InkoraProtocols::didFailedToInterrogate,
+         NSError(std::string(InkoraErrorDomain::DeviceConnectionTimeout),
+                 InkoraErrorCodes::deviceConnectionTimeout));
 }
 
 void InkoraHandler::centralManagerDidConnectPeripheral(
@@ -67,7 +68,7 @@ void InkoraHandler::centralManagerDidConnectPeripheral(
 void InkoraHandler::BluetoothDeviceConnected() {
     printThisLineToConsole("BluetoothDeviceConnected");
     setCurrentState(ManagerState::DeviceConnected);
-    if (const auto host = delegate()) host->didConnectedToPeripheral();
+    tell(&InkoraProtocols::didConnectedToPeripheral);
 }
 
 void InkoraHandler::centralManagerDidFailToConnectPeripheral(CBCentralManager&,
@@ -81,9 +82,9 @@ void InkoraHandler::BluetoothDeviceFailedToConnect() {
     printThisLineToConsole("BluetoothDeviceFailedToConnect");
     setCurrentState(ManagerState::DeviceFailedToConnect);
     stopScanPeripheral();
-    if (const auto host = delegate())
-        host->didFailedToInterrogate(NSError(std::string(InkoraErrorDomain::DeviceFailedToConnect),
-                                             InkoraErrorCodes::deviceFailedToConnect));
+    tell(&InkoraProtocols::didFailedToInterrogate,
+         NSError(std::string(InkoraErrorDomain::DeviceFailedToConnect),
+                 InkoraErrorCodes::deviceFailedToConnect));
 }
 
 void InkoraHandler::centralManagerDidDisconnectPeripheral(CBCentralManager&,
@@ -99,7 +100,7 @@ void InkoraHandler::BluetoothDeviceDisconnected(bool isRescanNeeded) {
     setCurrentState(ManagerState::DeviceDisconnected);
     // A stop suppresses the rescan of the one disconnection that it causes.
     setIsReScanNeeded(true);
-    if (const auto host = delegate()) host->didDisconnectPeripheral();
+    tell(&InkoraProtocols::didDisconnectPeripheral);
     if (isRescanNeeded) startScanPeripheral();
 }
 

@@ -3,6 +3,9 @@
 #include <InkoraKit/InkoraHandler.h>
 #include <InkoraKit/platform/RunLoop.h>
 
+#include "link/Telling.h"
+#include "platform/foundation/process/Fatal.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -35,7 +38,9 @@ InkoraHandler::~InkoraHandler() {
 }
 
 std::shared_ptr<InkoraHandler> InkoraHandler::self() {
-    return std::static_pointer_cast<InkoraHandler>(shared_from_this());
+    const auto owned = weak_from_this().lock();
+    if (!owned) fatalError("an InkoraHandler must be owned by a std::shared_ptr before it is used");
+    return std::static_pointer_cast<InkoraHandler>(owned);
 }
 
 NSObject::Method InkoraHandler::methodForSelector(std::string_view selector) const {
@@ -257,10 +262,9 @@ void InkoraHandler::centralManagerDidUpdateState(CBCentralManager& central) {
 }
 
 void InkoraHandler::reportBluetoothDisabled() const {
-    if (const auto host = delegate())
-        host->didFailToConnectWithBlueTooth(
-            NSError(std::string(InkoraErrorDomain::BlueToothNotEnabled),
-                    InkoraErrorCodes::inSufficientResources));
+    tell(&InkoraProtocols::didFailToConnectWithBlueTooth,
+         NSError(std::string(InkoraErrorDomain::BlueToothNotEnabled),
+                 InkoraErrorCodes::inSufficientResources));
 }
 
 void InkoraHandler::stopInkoraHandler() {

@@ -83,6 +83,7 @@ TEST_P(RadioContract, NameArrivesAfterTheFirstAdvertisement) {
     waitFor("sighted InkoraPen");
     EXPECT_EQ(record.lines.front(), "sighted without a name");
     EXPECT_EQ(record.sightings.front().identifier, record.sightings.back().identifier);
+    EXPECT_EQ(record.sightings.back().advertisement.serviceUUIDs, std::vector{CBUUID("1F1F")});
 }
 
 TEST_P(RadioContract, ConnectionIsRefused) {

@@ -49,6 +49,27 @@ std::unique_ptr<RadioWorld> makeVirtualWorld() {
 
 }  // namespace
 
+TEST_P(RadioContract, TableChangesDuringALink) {
+    const UUID pen = linkPen();
+    subscribeTo(pen, *colour);
+    const AttributeHandle kept = handleOf(*colour);
+    const auto heir = std::make_shared<VirtualCharacteristic>(colour->uuid(), Data{0x05});
+    world->setServices({{CBUUID("180F"), {}}, {CBUUID("1F1F"), {heir}}});
+    world->notify(*colour, Data{0x01});
+    world->notify(*heir, Data{0x02});
+    radio->read(pen, kept);
+    waitForQuiet();
+    EXPECT_EQ(record.take(), (Lines{"services gone 1", "1F14 notified <02>", "1F14 read <05>"}));
+
+    radio->discoverServices(pen);
+    waitFor("services");
+    ASSERT_EQ(record.services.size(), 2u);
+    record.characteristics.clear();
+    radio->discoverCharacteristics(pen, record.services[1].handle);
+    waitFor("characteristics 1F14");
+    EXPECT_EQ(handleOf(*heir), kept);
+}
+
 INSTANTIATE_TEST_SUITE_P(VirtualRadio, RadioContract, testing::Values(&makeVirtualWorld));
 
 }  // namespace InkoraKit

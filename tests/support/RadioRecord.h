@@ -68,6 +68,9 @@ public:
         }
         lines.push_back(line + outcome(error));
     }
+    void servicesInvalidated(const UUID&, const std::vector<AttributeHandle>& gone) override {
+        lines.push_back("services gone " + std::to_string(gone.size()));
+    }
     void valueRead(const UUID&, AttributeHandle characteristic, std::optional<Data> value,
                    const std::optional<NSError>& error) override {
         lines.push_back(nameOf(characteristic) + " read " + shown(value) + outcome(error));

@@ -70,15 +70,16 @@ public:
     std::shared_ptr<CBCentralManagerDelegate> delegate() const;
     void setDelegate(std::weak_ptr<CBCentralManagerDelegate> delegate);
 
-    /// `unknown` until the radio has answered.
+    /// `unknown` until the radio has answered. It changes with the callback that tells of it, and
+    /// commands between a loss of power and that callback are ignored without a word.
     CBManagerState state() const;
 
     /// Why the adapter cannot be used now, for people and logs: asked for anew with each call, and
     /// so perhaps a moment ahead of `state`.
     CBManagerStateReason stateReason() const;
 
-    /// True from `scanForPeripherals` to `stopScan` or the loss of power, which ends a scan for
-    /// good.
+    /// True from `scanForPeripherals` to `stopScan`, or to the callback of a loss of power, which
+    /// ends a scan for good.
     bool isScanning() const;
 
     /// Reports advertisers that announce at least one of these services, every advertiser when the

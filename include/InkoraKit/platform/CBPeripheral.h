@@ -38,6 +38,15 @@ public:
         [[maybe_unused]] const std::shared_ptr<CBService>& service,
         [[maybe_unused]] const std::optional<NSError>& error) {}
 
+    /// The peripheral changed its table of services during the link: these have left `services()`
+    /// and are relics, and what takes their place is there to be discovered. A subscription goes on
+    /// where the new table has the same characteristic: the object that was subscribed takes
+    /// commands as before, and gets the values until a new one is discovered in its stead. The list
+    /// is empty where the table has only grown.
+    virtual void peripheralDidModifyServices(
+        [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
+        [[maybe_unused]] const std::vector<std::shared_ptr<CBService>>& invalidatedServices) {}
+
     /// A strength that cannot be read on this system is never made up: there is no call then.
     virtual void peripheralDidReadRSSI(
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
@@ -117,6 +126,8 @@ private:
     bool connectAgain_ = false;  // asked for while the last link was still ending
     std::weak_ptr<CBPeripheralDelegate> delegate_;
     std::optional<std::vector<std::shared_ptr<CBService>>> services_;
+    // Subscribed when their service was invalidated, the last one first.
+    std::vector<std::shared_ptr<CBCharacteristic>> carriedOver_;
     std::deque<std::vector<CBUUID>> discoveries_;  // what each open discovery asked for
 };
 

@@ -16,11 +16,18 @@ class Timer;
 /// traffic. The kit starts no thread of its own; a host either lets the loop run (`run`,
 /// `runUntil`, `runOnce`) or embeds it in its own loop:
 ///
-///     watch descriptor() for reading and wake up after timeUntilDue() seconds at the latest;
-///     then, on either, call runOnce(0)
+///     watch descriptor() for reading, and call runPending() when it is readable;
+///     a host that draws frames calls runPending() once a frame, and needs no descriptor
 ///
 /// Every operation belongs on the loop's thread, but for `post` and `stop`, which any thread may
 /// call. An exception that a block throws leaves through `run…`; no other block is lost by it.
+///
+/// A callback may run a loop inside itself, this one or the host's own (a modal box does). Such an
+/// inner loop serves timers and sources, except those whose callback it runs in. It serves blocks
+/// inside a timer's callback only: inside a block, and thus inside almost all that a receiver
+/// hears, they wait until that block has returned, and neither the descriptor nor `timeUntilDue`
+/// tells of them before. A box that is to hear the pen is therefore not opened inside a callback:
+/// queue that on the host's own loop, return, and let that loop open it.
 class INKORA_EXPORT RunLoop {
 public:
     /// The process's run loop. Its thread is the one that runs it.
@@ -41,6 +48,10 @@ public:
     /// One pass: waits at most `longestWait` seconds for something to do (0: not at all), then does
     /// what is due. Answers whether anything was.
     bool runOnce(double longestWait = 0);
+    /// Passes without waiting until nothing is due any more, what became due meanwhile included, or
+    /// `budget` seconds have gone by on the loop's clock; a pass that has begun is ended. What is
+    /// left then is for the next call. Answers whether anything was due.
+    bool runPending(double budget = 0.005);
     /// Ends the `run` or `runUntil` in progress, or the next one if there is none. Any thread.
     void stop();
 
@@ -50,22 +61,28 @@ public:
     /// reading at which they fire.
     void setClock(std::shared_ptr<Clock> clock);
 
-    /// A descriptor that a poll, select or epoll finds readable when `runOnce` has something to do,
-    /// also when that is a block posted, or an earlier deadline set, from outside the loop. -1 on
-    /// systems other than Linux, where only the deadline is to be had.
+    /// A descriptor that a poll, select or epoll finds readable for as long as there is something
+    /// to do, deadlines included. Of a clock that is not real time (Clock::isRealTime) it shows
+    /// only what is due already: whoever moves such a clock calls `run…` too. -1 on systems other
+    /// than Linux.
     int descriptor() const;
-    /// Seconds until `runOnce` must be called even though the descriptor stays quiet: 0 when
-    /// something is due, absent when nothing is scheduled. Ask right before each wait.
+    /// For a host that cannot watch a descriptor: seconds until there is something to do, 0 when
+    /// there is already, absent when nothing is scheduled. A block that another thread posts
+    /// shortens it.
     std::optional<double> timeUntilDue() const;
 
     /// Watches a source, which its owner removes before it ends.
     /// @throws std::logic_error on systems other than Linux.
     void addSource(RunLoopSource& source);
     void removeSource(RunLoopSource& source);
+    /// A source's interest or deadline has changed other than in its `service`, perhaps while the
+    /// host's loop is asleep on the descriptor.
+    void sourcesChanged();
 
 private:
     friend class Timer;
     struct State;
+    class Leaving;
 
     RunLoop();
     ~RunLoop();
@@ -74,10 +91,13 @@ private:
 
     bool serveBlocks();
     bool fireTimers(double due);
-    bool serveSources();
+    bool serveSources(double due);
+    void serve(RunLoopSource& source);
+    std::optional<double> deadlineOf(const RunLoopSource& source) const;
     void waitUntil(std::optional<double> when);
     bool pass();
     std::optional<double> nextDeadline() const;
+    void show();
     bool takeStop();
 
     std::unique_ptr<State> state_;

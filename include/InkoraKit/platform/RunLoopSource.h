@@ -7,7 +7,7 @@
 namespace InkoraKit {
 
 /// Something besides blocks and timers that a run loop waits for: a file descriptor, a deadline, or
-/// both. The loop asks for both anew before each wait.
+/// both. The loop asks for both anew before each wait, and when told to (RunLoop::sourcesChanged).
 class INKORA_EXPORT RunLoopSource {
 public:
     enum class Interest { none, readable, writable, both };
@@ -21,7 +21,8 @@ public:
     /// When `service` is to be called even if the descriptor stays quiet, on the loop's clock.
     virtual std::optional<double> deadline() const { return std::nullopt; }
 
-    /// The descriptor is ready or the deadline has come.
+    /// The descriptor is ready or the deadline has come. Until it returns, the source is not served
+    /// by a loop that runs inside it either, and blocks wait.
     virtual void service() = 0;
 };
 

@@ -97,9 +97,12 @@ public:
 
     // Services
 
-    /// What discovery finds, in this order. A change shows with the next link.
+    /// What discovery finds, in this order. During a link a central is told of the change at once
+    /// (a Service Changed indication, Bluetooth Core Specification, Vol 3, Part G, 7.1): a service
+    /// that is not the same as before, characteristics and all, is invalid, and a subscription goes
+    /// on with the characteristic of the same UUID in a new service of the same UUID.
     const std::vector<VirtualService>& services() const noexcept { return services_; }
-    void setServices(std::vector<VirtualService> services) { services_ = std::move(services); }
+    void setServices(std::vector<VirtualService> services);
 
     /// Makes the next discovery, of services or of characteristics, fail.
     void failNextDiscovery(const NSError& error) { discoveryError_ = error; }

@@ -40,8 +40,8 @@ public:
     VirtualRadio& operator=(const VirtualRadio&) = delete;
 
     /// What the adapter reports. In any state but `poweredOn` all links are gone, without a word,
-    /// and scans and attempts to connect are forgotten. `unsupported` is an absent adapter; a
-    /// manager hears nothing while it is `unknown`.
+    /// and scans and attempts to connect are forgotten. `unsupported` is an absent adapter;
+    /// `unknown` and `resetting` are told of like the others.
     CBManagerState state() const noexcept { return state_; }
     void setState(CBManagerState state);
 

@@ -9,8 +9,9 @@
 namespace InkoraKit {
 namespace {
 
+// A command that comes between a change of the state and its callback is nobody's misuse.
 bool mayCommand(const CentralCore& core, const CBCentralManager& manager) {
-    if (core.isPoweredOn()) return true;
+    if (core.state() == CBManagerState::poweredOn) return core.isReady();
     reportMisuse(manager.description() +
                  " can only accept this command while in the powered on state");
     return false;

@@ -88,7 +88,7 @@ std::string CBPeripheral::description() const {
 
 std::shared_ptr<CentralCore> CBPeripheral::coreForCommand() const {
     auto core = core_.lock();
-    if (core && core->isPoweredOn() && state_ == CBPeripheralState::connected) return core;
+    if (core && state_ == CBPeripheralState::connected) return core;
     reportMisuse(description() + " can only accept commands while in the connected state");
     return nullptr;
 }
@@ -102,11 +102,13 @@ bool CBPeripheral::owns(const std::shared_ptr<CBService>& service) const {
 }
 
 bool CBPeripheral::owns(const std::shared_ptr<CBCharacteristic>& characteristic) const {
-    if (!characteristic || !services_) return false;
-    return std::ranges::any_of(*services_, [&](const std::shared_ptr<CBService>& service) {
-        const auto& all = service->characteristics_;
-        return all && std::ranges::find(*all, characteristic) != all->end();
-    });
+    if (!characteristic) return false;
+    if (std::ranges::find(carriedOver_, characteristic) != carriedOver_.end()) return true;
+    return services_ &&
+           std::ranges::any_of(*services_, [&](const std::shared_ptr<CBService>& service) {
+               const auto& all = service->characteristics_;
+               return all && std::ranges::find(*all, characteristic) != all->end();
+           });
 }
 
 }  // namespace InkoraKit

@@ -13,17 +13,6 @@ namespace {
 
 using State = CBPeripheralState;
 
-// An advertisement and its scan response make one picture; what came later counts.
-void merge(Advertisement& known, const Advertisement& news) {
-    if (news.localName) known.localName = news.localName;
-    if (!news.serviceUUIDs.empty()) known.serviceUUIDs = news.serviceUUIDs;
-    if (news.manufacturerData) known.manufacturerData = news.manufacturerData;
-    for (const auto& [uuid, data] : news.serviceData)
-        known.serviceData.insert_or_assign(uuid, data);
-    if (news.txPowerLevel) known.txPowerLevel = news.txPowerLevel;
-    if (news.isConnectable) known.isConnectable = news.isConnectable;
-}
-
 Dictionary dictionaryOf(const Advertisement& advertisement) {
     Dictionary entries;
     if (advertisement.localName)
@@ -47,12 +36,17 @@ bool isWanted(const CBUUID& uuid, const std::vector<CBUUID>& wanted) {
 }
 
 template <class Item>
-std::shared_ptr<Item> withHandle(const std::optional<std::vector<std::shared_ptr<Item>>>& items,
+std::shared_ptr<Item> withHandle(const std::vector<std::shared_ptr<Item>>& items,
                                  AttributeHandle handle, AttributeHandle Item::*member) {
-    if (!items) return nullptr;
-    for (const auto& item : *items)
+    for (const auto& item : items)
         if (item.get()->*member == handle) return item;
     return nullptr;
+}
+
+template <class Item>
+std::shared_ptr<Item> withHandle(const std::optional<std::vector<std::shared_ptr<Item>>>& items,
+                                 AttributeHandle handle, AttributeHandle Item::*member) {
+    return items ? withHandle(*items, handle, member) : nullptr;
 }
 
 }  // namespace
@@ -72,10 +66,6 @@ void CentralCore::open() {
 
 void CentralCore::close() {
     manager_ = nullptr;
-}
-
-bool CentralCore::isPoweredOn() const {
-    return state_ == CBManagerState::poweredOn;
 }
 
 template <class Callback>
@@ -131,22 +121,19 @@ std::shared_ptr<CBPeripheral> CentralCore::peripheralFor(const UUID& identifier)
 
 // --- adapter ------------------------------------------------------------------------------------
 
-CBManagerState CentralCore::state() const {
-    return state_.value_or(CBManagerState::unknown);
-}
-
 CBManagerStateReason CentralCore::stateReason() const {
     return radio_ ? radio_->stateReason() : CBManagerStateReason::none;
 }
 
 void CentralCore::adapterStateChanged(CBManagerState state) {
-    if (state_ == state) return;
-    state_ = state;
-    if (!isPoweredOn()) {
-        isScanning_ = false;
-        endAllLinks();
-    }
-    post([](CentralCore& core) {
+    if (radioState_ == state) return;
+    radioState_ = state;
+    ++statesToTell_;
+    if (state != CBManagerState::poweredOn) endAllLinks();
+    post([state](CentralCore& core) {
+        --core.statesToTell_;
+        core.state_ = state;
+        if (state != CBManagerState::poweredOn) core.isScanning_ = false;
         if (const auto listener = core.delegate.lock())
             listener->centralManagerDidUpdateState(*core.manager_);
     });
@@ -155,8 +142,12 @@ void CentralCore::adapterStateChanged(CBManagerState state) {
 // Without power nothing is left to be reported link by link: the state tells it all.
 void CentralCore::endAllLinks() {
     disconnecting_.clear();
-    for (const auto& [identifier, weak] : peripherals_)
-        if (const auto peripheral = weak.lock()) linkEnded(peripheral);
+    for (const auto& [identifier, weak] : peripherals_) {
+        const auto peripheral = weak.lock();
+        if (!peripheral) continue;
+        linkEnded(peripheral);
+        peripheral->connectAgain_ = false;
+    }
 }
 
 // --- scanning -----------------------------------------------------------------------------------
@@ -165,7 +156,7 @@ void CentralCore::startScan(const std::vector<CBUUID>& services) {
     wantedServices_ = services;
     if (std::exchange(isScanning_, true)) return;
     ++scan_;
-    heard_.clear();
+    reported_.clear();
     radio_->startScan();
 }
 
@@ -175,25 +166,19 @@ void CentralCore::stopScan() {
 
 void CentralCore::sighted(const Sighting& sighting) {
     if (!isScanning_) return;
-    Heard& heard = heard_[sighting.identifier];
-    merge(heard.advertisement, sighting.advertisement);
+    const Advertisement& sent = sighting.advertisement;
     const bool isOfInterest =
-        wantedServices_.empty() ||
-        std::ranges::any_of(heard.advertisement.serviceUUIDs,
-                            [&](const CBUUID& uuid) { return isWanted(uuid, wantedServices_); });
+        wantedServices_.empty() || std::ranges::any_of(sent.serviceUUIDs, [&](const CBUUID& uuid) {
+            return isWanted(uuid, wantedServices_);
+        });
     if (!isOfInterest) return;
-    const bool isRenamed = heard.advertisement.localName != heard.reportedName;
-    if (heard.isReported && !isRenamed && !sighting.reportEvenIfKnown) return;
-    heard.isReported = true;
-    heard.reportedName = heard.advertisement.localName;
-    Sighting whole = sighting;
-    whole.advertisement = heard.advertisement;
-    report(whole);
+    const bool isNews = reported_.isNews(sighting.identifier, sent.localName);
+    if (isNews || sighting.reportEvenIfKnown) report(sighting);
 }
 
 void CentralCore::report(const Sighting& sighting) {
     post([sighting, scan = scan_](CentralCore& core) {
-        if (!core.isScanning_ || core.scan_ != scan) return;
+        if (!core.isScanning_ || core.scan_ != scan || !core.isReady()) return;
         const auto peripheral = core.peripheralFor(sighting.identifier);
         if (sighting.name) peripheral->ownName_ = sighting.name;
         if (sighting.advertisement.localName)
@@ -276,26 +261,33 @@ void CentralCore::disconnected(const UUID& identifier, const std::optional<NSErr
         const auto ending = held.lock();
         if (!ending || ending->link_ != link) return;
         if (ending->state_ != State::connected && ending->state_ != State::disconnecting) return;
-        const bool connectAgain = ending->connectAgain_;
         core.linkEnded(ending);
         std::erase(core.disconnecting_, ending);
+        if (ending->connectAgain_) core.postConnectAgain(ending);
         if (const auto listener = core.delegate.lock())
             listener->centralManagerDidDisconnectPeripheral(*core.manager_, ending, error);
-        if (connectAgain && core.isPoweredOn() && ending->state_ == State::disconnected)
-            core.beginConnecting(*ending);
+    });
+}
+
+// Behind the callback of the link's end, which may take it back, and may throw.
+void CentralCore::postConnectAgain(const std::shared_ptr<CBPeripheral>& peripheral) {
+    post([peripheral](CentralCore& core) {
+        const bool isWanted = std::exchange(peripheral->connectAgain_, false);
+        if (isWanted && core.isReady() && peripheral->state_ == State::disconnected)
+            core.beginConnecting(*peripheral);
     });
 }
 
 void CentralCore::linkEnded(const std::shared_ptr<CBPeripheral>& peripheral) {
     peripheral->state_ = State::disconnected;
-    peripheral->connectAgain_ = false;
     peripheral->services_.reset();
+    peripheral->carriedOver_.clear();
     peripheral->discoveries_.clear();
 }
 
 void CentralCore::released(CBPeripheral& peripheral) {
     peripherals_.erase(peripheral.identifier_);
-    if (peripheral.state_ == State::disconnected || !isPoweredOn()) return;
+    if (peripheral.state_ == State::disconnected || !isReady()) return;
     reportMisuse("Cancelling connection for unused peripheral " + peripheral.description() +
                  ", Did you forget to keep a reference to it?");
     radio_->disconnect(peripheral.identifier_);
@@ -337,6 +329,11 @@ void CentralCore::characteristicsDiscovered(const UUID& identifier, AttributeHan
         if (withHandle(found, characteristic.handle, &CBCharacteristic::handle_)) continue;
         found->emplace_back(new CBCharacteristic(characteristic.handle, characteristic.uuid,
                                                  characteristic.properties));
+        const auto earlier =
+            withHandle(peripheral->carriedOver_, characteristic.handle, &CBCharacteristic::handle_);
+        if (!earlier) continue;
+        found->back()->wantsNotifications_ = earlier->wantsNotifications_;
+        found->back()->isNotifying_ = earlier->isNotifying_;
     }
     postForLink(
         peripheral, [service, error](const auto& connected, CBPeripheralDelegate& listener) {
@@ -344,14 +341,38 @@ void CentralCore::characteristicsDiscovered(const UUID& identifier, AttributeHan
         });
 }
 
+void CentralCore::servicesInvalidated(const UUID& identifier,
+                                      const std::vector<AttributeHandle>& services) {
+    const auto peripheral = knownIn(State::connected, identifier);
+    if (!peripheral || !peripheral->services_) return;
+    auto& carriedOver = peripheral->carriedOver_;
+    std::vector<std::shared_ptr<CBService>> invalidated;
+    for (const AttributeHandle handle : services) {
+        const auto service = withHandle(peripheral->services_, handle, &CBService::handle_);
+        if (!service) continue;
+        std::erase(*peripheral->services_, service);
+        invalidated.push_back(service);
+        if (!service->characteristics_) continue;
+        for (const auto& characteristic : *service->characteristics_) {
+            if (!characteristic->wantsNotifications_) continue;
+            carriedOver.insert(carriedOver.begin(), characteristic);
+        }
+    }
+    postForLink(peripheral, [invalidated = std::move(invalidated)](const auto& connected,
+                                                                   CBPeripheralDelegate& listener) {
+        listener.peripheralDidModifyServices(connected, invalidated);
+    });
+}
+
 std::shared_ptr<CBCharacteristic> CentralCore::characteristicOf(const CBPeripheral& peripheral,
                                                                 AttributeHandle handle) {
-    if (!peripheral.services_) return nullptr;
-    for (const auto& service : *peripheral.services_) {
-        auto found = withHandle(service->characteristics_, handle, &CBCharacteristic::handle_);
-        if (found) return found;
+    if (peripheral.services_) {
+        for (const auto& service : *peripheral.services_) {
+            auto found = withHandle(service->characteristics_, handle, &CBCharacteristic::handle_);
+            if (found) return found;
+        }
     }
-    return nullptr;
+    return withHandle(peripheral.carriedOver_, handle, &CBCharacteristic::handle_);
 }
 
 void CentralCore::valueRead(const UUID& identifier, AttributeHandle handle,

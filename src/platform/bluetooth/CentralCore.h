@@ -2,6 +2,7 @@
 
 #include <InkoraKit/platform/CBCentralManager.h>
 
+#include "platform/bluetooth/ReportedAdvertisers.h"
 #include "platform/bluetooth/radio.h"
 
 #include <cstdint>
@@ -17,9 +18,10 @@ namespace InkoraKit {
 /// radio's events become callbacks.
 ///
 /// Every callback is a block of its own on the main queue, posted in the order of the radio's
-/// events. What an event changes it changes when it arrives, but for the outcome of a connection
-/// and for values: those change right before their callback, so that the callback finds what it is
-/// told of. A callback of a link that has ended by the time its block runs is dropped.
+/// events. What an event changes it changes when it arrives, but for the adapter's state, the
+/// outcome of a connection, and values: those change right before their callback, so that the
+/// callback finds what it is told of. A callback of a link that has ended by the time its block
+/// runs is dropped.
 class CentralCore final : public RadioListener, public std::enable_shared_from_this<CentralCore> {
 public:
     CentralCore(CBCentralManager& manager, std::weak_ptr<CBCentralManagerDelegate> delegate);
@@ -32,7 +34,8 @@ public:
     void close();
 
     std::weak_ptr<CBCentralManagerDelegate> delegate;
-    CBManagerState state() const;
+    /// As the delegate was told last.
+    CBManagerState state() const { return state_; }
     CBManagerStateReason stateReason() const;
     bool isScanning() const { return isScanning_; }
 
@@ -41,8 +44,11 @@ public:
     void connect(const std::shared_ptr<CBPeripheral>& peripheral);
     void cancel(const std::shared_ptr<CBPeripheral>& peripheral);
 
+    /// Whether the radio takes commands, which it does not while the delegate has yet to hear of a
+    /// change of its state: what the delegate knows has ended with it.
+    bool isReady() const { return state_ == CBManagerState::poweredOn && statesToTell_ == 0; }
+
     // Of connected peripherals, whose side has checked that they are.
-    bool isPoweredOn() const;
     Radio& radio() { return *radio_; }
     void reportNotificationState(const std::shared_ptr<CBPeripheral>& peripheral,
                                  const std::shared_ptr<CBCharacteristic>& characteristic,
@@ -61,6 +67,8 @@ public:
     void characteristicsDiscovered(const UUID& identifier, AttributeHandle service,
                                    std::vector<RemoteCharacteristic> characteristics,
                                    const std::optional<NSError>& error) override;
+    void servicesInvalidated(const UUID& identifier,
+                             const std::vector<AttributeHandle>& services) override;
     void valueRead(const UUID& identifier, AttributeHandle characteristic,
                    std::optional<Data> value, const std::optional<NSError>& error) override;
     void valueNotified(const UUID& identifier, AttributeHandle characteristic,
@@ -71,13 +79,6 @@ public:
                   const std::optional<NSError>& error) override;
 
 private:
-    // What this scan knows of an advertiser, and the name it was reported with.
-    struct Heard {
-        Advertisement advertisement;
-        bool isReported = false;
-        std::optional<std::string> reportedName;
-    };
-
     /// Queues `callback(*this)`, to run if the manager still exists.
     template <class Callback>
     void post(Callback callback);
@@ -97,17 +98,20 @@ private:
                                                               AttributeHandle handle);
     void report(const Sighting& sighting);
     void beginConnecting(CBPeripheral& peripheral);
+    void postConnectAgain(const std::shared_ptr<CBPeripheral>& peripheral);
     void linkEnded(const std::shared_ptr<CBPeripheral>& peripheral);
     void endAllLinks();
 
     CBCentralManager* manager_;  // null once it is gone
     std::unique_ptr<Radio> radio_;
-    std::optional<CBManagerState> state_;  // absent until the radio has told
+    std::optional<CBManagerState> radioState_;  // absent until the radio has told
+    CBManagerState state_ = CBManagerState::unknown;
+    int statesToTell_ = 0;
 
     bool isScanning_ = false;
     std::uint64_t scan_ = 0;  // counts scans, to tell a report of an earlier one
     std::vector<CBUUID> wantedServices_;
-    std::unordered_map<UUID, Heard> heard_;
+    ReportedAdvertisers reported_;  // by this scan
 
     std::unordered_map<UUID, std::weak_ptr<CBPeripheral>> peripherals_;
     // A peripheral whose link is being ended is kept until that is done and reported.

@@ -25,7 +25,8 @@ namespace InkoraKit {
 /// Names a service or characteristic within one link; meaningless once the link has ended.
 using AttributeHandle = std::uint32_t;
 
-/// What an advertiser sent, advertisement and scan response together, as far as it is known.
+/// What an advertiser sent, advertisement and scan response together: all of it that the radio has
+/// heard in this scan, not only what is new.
 struct Advertisement {
     std::optional<std::string> localName;
     std::vector<CBUUID> serviceUUIDs;
@@ -83,6 +84,12 @@ public:
     virtual void characteristicsDiscovered(const UUID& peripheral, AttributeHandle service,
                                            std::vector<RemoteCharacteristic> characteristics,
                                            const std::optional<NSError>& error) = 0;
+    /// The peripheral changed its table of services during the link: these services are no longer
+    /// what they were, and their handles name nothing. What was subscribed stays so where the new
+    /// table has the same characteristic (same service and characteristic UUID): its handle goes on
+    /// naming it.
+    virtual void servicesInvalidated(const UUID& peripheral,
+                                     const std::vector<AttributeHandle>& services) = 0;
     /// Exactly one answer to each `read`. A read that succeeds may still carry no value.
     virtual void valueRead(const UUID& peripheral, AttributeHandle characteristic,
                            std::optional<Data> value, const std::optional<NSError>& error) = 0;

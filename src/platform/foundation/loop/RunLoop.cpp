@@ -15,9 +15,10 @@
 namespace InkoraKit {
 namespace {
 
-// The loop whose pass is under way on this thread. What is queued meanwhile needs no wake-up: the
-// loop looks once more before it sleeps.
-thread_local const void* inPass = nullptr;
+// The loop that serves a block or a source on this thread. Until that has ended the loop's blocks
+// wait, also from a loop that runs inside it; and what is queued meanwhile needs no wake-up, since
+// the loop looks once more.
+thread_local const void* holdsBlocks = nullptr;
 
 // Sets a variable for as long as a scope lasts.
 template <class T>
@@ -43,25 +44,45 @@ struct RunLoop::State {
 
     std::vector<Block> served;  // the snapshot being run, from `next` on
     std::size_t next = 0;
-    bool servingBlocks = false;
 
     std::map<TimerKey, std::shared_ptr<Timer>> timers;
     std::uint64_t timersAdded = 0;
     std::vector<std::shared_ptr<Timer>> dueTimers;
 
+    struct Service {
+        RunLoopSource* source;  // none when it was removed meanwhile
+        bool isUnwatched;
+    };
     std::vector<RunLoopSource*> sources;
+    std::vector<Service> services;  // under way, the innermost last
+
     std::shared_ptr<Clock> clock = std::make_shared<SystemClock>();
+    std::optional<double> alarm;  // the deadline that the waiter was told
     std::atomic<bool> stopping = false;
     Waiter waiter;
 
+    bool mayServeBlocks() const { return holdsBlocks != this; }
     bool hasBlocks() const {
+        if (!mayServeBlocks()) return false;
         const std::lock_guard lock(mutex);
         return !posted.empty() || next < served.size();
     }
 
-    void wakeFromOutside() {
-        if (inPass != this) waiter.wake();
+    auto findService(const RunLoopSource& source) {
+        return std::ranges::find(services, &source, &Service::source);
     }
+};
+
+// Shows a host what is left to do when a run ends, be it by an exception.
+class RunLoop::Leaving {
+public:
+    explicit Leaving(RunLoop& loop) : loop_(loop) {}
+    ~Leaving() { loop_.show(); }
+    Leaving(const Leaving&) = delete;
+    Leaving& operator=(const Leaving&) = delete;
+
+private:
+    RunLoop& loop_;
 };
 
 RunLoop& RunLoop::main() {
@@ -78,7 +99,7 @@ void RunLoop::post(Block block) {
         const std::lock_guard lock(state_->mutex);
         state_->posted.push_back(std::move(block));
     }
-    state_->wakeFromOutside();
+    if (state_->mayServeBlocks()) state_->waiter.wake();
 }
 
 void RunLoop::run() {
@@ -86,7 +107,7 @@ void RunLoop::run() {
 }
 
 void RunLoop::runUntil(double when) {
-    const Scoped<const void*> scope(inPass, state_.get());
+    const Leaving leaving(*this);
     while (!takeStop()) {
         const bool busy = pass();
         const double reading = now();
@@ -94,27 +115,32 @@ void RunLoop::runUntil(double when) {
             takeStop();
             break;
         }
-        if (busy) continue;
+        // The pass may have taken the wake-up of a stop.
+        if (busy || state_->stopping) continue;
         const auto deadline = nextDeadline();
         waitUntil(when < std::numeric_limits<double>::infinity()
                       ? std::min(when, deadline.value_or(when))
                       : deadline);
     }
-    if (state_->hasBlocks()) state_->waiter.wake();
 }
 
 bool RunLoop::runOnce(double longestWait) {
+    const Leaving leaving(*this);
+    if (pass()) return true;
+    if (!(longestWait > 0)) return false;
+    const double end = now() + longestWait;
+    waitUntil(std::min(end, nextDeadline().value_or(end)));
+    return pass();
+}
+
+bool RunLoop::runPending(double budget) {
+    const Leaving leaving(*this);
+    const double end = now() + budget;
     bool busy = false;
-    {
-        const Scoped<const void*> scope(inPass, state_.get());
-        busy = pass();
-        if (!busy && longestWait > 0) {
-            const double end = now() + longestWait;
-            waitUntil(std::min(end, nextDeadline().value_or(end)));
-            busy = pass();
-        }
+    while (pass()) {
+        busy = true;
+        if (now() >= end) break;
     }
-    if (state_->hasBlocks()) state_->waiter.wake();
     return busy;
 }
 
@@ -133,6 +159,9 @@ double RunLoop::now() const {
 
 void RunLoop::setClock(std::shared_ptr<Clock> clock) {
     state_->clock = std::move(clock);
+    state_->alarm.reset();
+    state_->waiter.setAlarm(std::nullopt);
+    show();
 }
 
 int RunLoop::descriptor() const {
@@ -147,40 +176,46 @@ std::optional<double> RunLoop::timeUntilDue() const {
 }
 
 void RunLoop::addSource(RunLoopSource& source) {
-    state_->sources.push_back(&source);
     state_->waiter.add(source);
-    state_->wakeFromOutside();
+    state_->sources.push_back(&source);
+    show();
 }
 
 void RunLoop::removeSource(RunLoopSource& source) {
     std::erase(state_->sources, &source);
+    const auto service = state_->findService(source);
+    if (service != state_->services.end()) service->source = nullptr;
     state_->waiter.remove(source);
+    show();
+}
+
+void RunLoop::sourcesChanged() {
+    show();
 }
 
 void RunLoop::addTimer(const std::shared_ptr<Timer>& timer) {
     timer->order_ = state_->timersAdded++;
     state_->timers.emplace(State::TimerKey{timer->fireDate_, timer->order_}, timer);
-    state_->wakeFromOutside();
+    show();
 }
 
 void RunLoop::removeTimer(Timer& timer) {
-    state_->timers.erase({timer.fireDate_, timer.order_});
+    if (state_->timers.erase({timer.fireDate_, timer.order_}) != 0) show();
 }
 
 // Blocks first, then the timers due when the pass began, so that neither kind can starve the other;
 // what either queues or schedules waits for the next pass.
 bool RunLoop::pass() {
     const double began = now();
-    bool busy = serveSources();
+    bool busy = serveSources(began);
     busy |= serveBlocks();
     busy |= fireTimers(began);
-    state_->waiter.refresh();
     return busy;
 }
 
 bool RunLoop::serveBlocks() {
-    if (state_->servingBlocks) return false;  // a loop run from inside a block serves timers only
-    const Scoped<bool> scope(state_->servingBlocks, true);
+    if (!state_->mayServeBlocks()) return false;
+    const Scoped<const void*> scope(holdsBlocks, state_.get());
     if (state_->next == state_->served.size()) {
         state_->served.clear();
         state_->next = 0;
@@ -215,41 +250,81 @@ bool RunLoop::fireTimers(double due) {
     return busy;
 }
 
-bool RunLoop::serveSources() {
+bool RunLoop::serveSources(double due) {
     bool busy = false;
-    const double reading = now();
-    for (RunLoopSource* source : std::vector(state_->sources)) {
-        const auto deadline = source->deadline();
-        if (!deadline || *deadline > reading) continue;
-        if (std::ranges::find(state_->sources, source) == state_->sources.end()) continue;
-        source->service();
+    for (std::size_t i = 0; i < state_->sources.size(); ++i) {  // a service may remove some
+        RunLoopSource& source = *state_->sources[i];
+        const auto deadline = deadlineOf(source);
+        if (!deadline || *deadline > due) continue;
+        serve(source);
         busy = true;
     }
-    for (RunLoopSource* source : std::vector(state_->waiter.wait(0.0))) {
-        if (std::ranges::find(state_->sources, source) == state_->sources.end()) continue;
-        source->service();
-        busy = true;
+    state_->waiter.refresh();
+    state_->waiter.wait(0.0);
+    while (RunLoopSource* const source = state_->waiter.takeReady()) {
+        const auto service = state_->findService(*source);
+        if (service == state_->services.end()) {
+            serve(*source);
+            busy = true;
+        } else {
+            // It would stay ready, and a loop inside its service spin.
+            state_->waiter.remove(*source);
+            service->isUnwatched = true;
+        }
     }
     return busy;
+}
+
+void RunLoop::serve(RunLoopSource& source) {
+    const Scoped<const void*> scope(holdsBlocks, state_.get());
+    struct Ending {
+        State& state;
+        ~Ending() {
+            const auto [source, isUnwatched] = state.services.back();
+            state.services.pop_back();
+            if (source && isUnwatched) state.waiter.add(*source);
+        }
+    };
+    state_->services.push_back({&source, false});
+    const Ending ending{*state_};
+    source.service();
+}
+
+std::optional<double> RunLoop::deadlineOf(const RunLoopSource& source) const {
+    if (state_->findService(source) != state_->services.end()) return std::nullopt;
+    return source.deadline();
 }
 
 std::optional<double> RunLoop::nextDeadline() const {
     std::optional<double> earliest;
     if (!state_->timers.empty()) earliest = state_->timers.begin()->first.first;
     for (const RunLoopSource* source : state_->sources) {
-        const auto deadline = source->deadline();
+        const auto deadline = deadlineOf(*source);
         if (deadline && (!earliest || *deadline < *earliest)) earliest = deadline;
     }
     return earliest;
 }
 
 void RunLoop::waitUntil(std::optional<double> when) {
-    // A loop run from inside a block cannot serve the blocks that wait for that one to end.
-    if (!state_->servingBlocks && state_->hasBlocks()) return;
+    if (state_->hasBlocks()) return;
     if (when && state_->clock->skipTo(*when)) return;
+    show();
     std::optional<double> seconds;
     if (when) seconds = std::max(0.0, *when - now());
     state_->waiter.wait(seconds);
+}
+
+// Makes the descriptor say what there is to do, and when. Costs a system call only where that has
+// changed.
+void RunLoop::show() {
+    state_->waiter.refresh();
+    std::optional<double> deadline = nextDeadline();
+    const double reading = deadline ? now() : 0;
+    if (state_->hasBlocks() || (deadline && *deadline <= reading)) state_->waiter.wake();
+    if (!state_->clock->isRealTime()) deadline.reset();
+    if (deadline == state_->alarm) return;
+    state_->alarm = deadline;
+    state_->waiter.setAlarm(deadline ? std::optional(*deadline - reading) : std::nullopt);
 }
 
 }  // namespace InkoraKit

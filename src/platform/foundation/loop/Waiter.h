@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace InkoraKit {
 
@@ -23,14 +22,22 @@ public:
     /// Passes the sources' present interests on to the system.
     void refresh();
 
-    /// Sleeps for `seconds` at most, for ever when absent, and answers the sources whose
-    /// descriptors are ready.
-    const std::vector<RunLoopSource*>& wait(std::optional<double> seconds);
+    /// Ends a wait, and makes the descriptor readable, in `seconds`; never when absent. In force
+    /// until it is set anew.
+    void setAlarm(std::optional<double> seconds);
+
+    /// Sleeps for `seconds` at most, for ever when absent.
+    void wait(std::optional<double> seconds);
+
+    /// The next of the sources whose descriptors the last wait found ready; none when all of them
+    /// were taken.
+    RunLoopSource* takeReady();
 
     /// Ends the present or the next wait. Any thread.
     void wake();
 
-    /// Readable while a source is ready or a wake-up is pending.
+    /// Readable while a source is ready, a wake-up is pending or the alarm has gone off; -1 where
+    /// there is no such thing.
     int descriptor() const;
 
 private:

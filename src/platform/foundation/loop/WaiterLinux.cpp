@@ -2,6 +2,7 @@
 
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <cstdint>
 #include <system_error>
+#include <vector>
 
 namespace InkoraKit {
 namespace {
@@ -45,6 +47,19 @@ int milliseconds(std::optional<double> seconds) {
     return wanted < INT_MAX ? static_cast<int>(wanted) : INT_MAX;
 }
 
+// From now on; all zero disarms.
+itimerspec alarmTime(std::optional<double> seconds) {
+    constexpr double longest = 1e9;
+    itimerspec time{};
+    if (!seconds) return time;
+    const double wanted = std::clamp(*seconds, 1e-9, longest);
+    const double whole = std::floor(wanted);
+    time.it_value.tv_sec = static_cast<time_t>(whole);
+    time.it_value.tv_nsec =
+        static_cast<long>(std::min(std::ceil((wanted - whole) * 1e9), 999'999'999.0));
+    return time;
+}
+
 }  // namespace
 
 struct Waiter::State {
@@ -55,6 +70,7 @@ struct Waiter::State {
 
     int poll = checked(::epoll_create1(EPOLL_CLOEXEC), "epoll_create1");
     int wakeUp = checked(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd");
+    int alarm = checked(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK), "timerfd");
     std::atomic<bool> woken = false;
     std::vector<Watched> watched;
     std::vector<RunLoopSource*> ready;
@@ -71,10 +87,12 @@ Waiter::Waiter() : state_(std::make_unique<State>()) {
     epoll_event event{};
     event.events = EPOLLIN;
     event.data.ptr = nullptr;
-    checked(::epoll_ctl(state_->poll, EPOLL_CTL_ADD, state_->wakeUp, &event), "epoll_ctl");
+    for (const int own : {state_->wakeUp, state_->alarm})
+        checked(::epoll_ctl(state_->poll, EPOLL_CTL_ADD, own, &event), "epoll_ctl");
 }
 
 Waiter::~Waiter() {
+    ::close(state_->alarm);
     ::close(state_->wakeUp);
     ::close(state_->poll);
 }
@@ -100,10 +118,15 @@ void Waiter::refresh() {
     }
 }
 
-const std::vector<RunLoopSource*>& Waiter::wait(std::optional<double> seconds) {
+void Waiter::setAlarm(std::optional<double> seconds) {
+    const itimerspec time = alarmTime(seconds);
+    ::timerfd_settime(state_->alarm, 0, &time, nullptr);
+}
+
+void Waiter::wait(std::optional<double> seconds) {
     state_->ready.clear();
     const bool onlyLooking = seconds && *seconds <= 0;
-    if (onlyLooking && state_->watched.empty() && !state_->woken) return state_->ready;
+    if (onlyLooking && state_->watched.empty() && !state_->woken) return;
     std::array<epoll_event, 16> events;
     const int count = ::epoll_wait(state_->poll, events.data(), static_cast<int>(events.size()),
                                    milliseconds(seconds));
@@ -113,11 +136,17 @@ const std::vector<RunLoopSource*>& Waiter::wait(std::optional<double> seconds) {
             state_->ready.push_back(static_cast<RunLoopSource*>(event.data.ptr));
             continue;
         }
+        // A wake-up, or the alarm, which setting it anew silences.
         std::uint64_t wakeUps = 0;
-        [[maybe_unused]] const auto got = ::read(state_->wakeUp, &wakeUps, sizeof wakeUps);
-        state_->woken = false;
+        if (::read(state_->wakeUp, &wakeUps, sizeof wakeUps) > 0) state_->woken = false;
     }
-    return state_->ready;
+}
+
+RunLoopSource* Waiter::takeReady() {
+    if (state_->ready.empty()) return nullptr;
+    RunLoopSource* const next = state_->ready.front();
+    state_->ready.erase(state_->ready.begin());
+    return next;
 }
 
 void Waiter::wake() {

@@ -14,7 +14,6 @@ struct Waiter::State {
     std::mutex mutex;
     std::condition_variable woke;
     bool isWoken = false;
-    std::vector<RunLoopSource*> ready;  // always empty
 };
 
 Waiter::Waiter() : state_(std::make_unique<State>()) {}
@@ -26,8 +25,9 @@ void Waiter::add(RunLoopSource&) {
 
 void Waiter::remove(RunLoopSource&) {}
 void Waiter::refresh() {}
+void Waiter::setAlarm(std::optional<double>) {}
 
-const std::vector<RunLoopSource*>& Waiter::wait(std::optional<double> seconds) {
+void Waiter::wait(std::optional<double> seconds) {
     // Longer waits than this come to nothing but another one; the clocks below cannot count on for
     // ever.
     constexpr double longest = 86400;
@@ -40,7 +40,10 @@ const std::vector<RunLoopSource*>& Waiter::wait(std::optional<double> seconds) {
                               isWoken);
     }
     state_->isWoken = false;
-    return state_->ready;
+}
+
+RunLoopSource* Waiter::takeReady() {
+    return nullptr;
 }
 
 void Waiter::wake() {

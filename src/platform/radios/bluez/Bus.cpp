@@ -114,6 +114,7 @@ void Bus::keepForBus(sd_bus_slot* slot) {
                                      [](void* handler) { delete static_cast<Handler*>(handler); });
     sd_bus_slot_set_floating(slot, true);
     sd_bus_slot_unref(slot);
+    RunLoop::main().sourcesChanged();
 }
 
 void Bus::call(const MethodCall& call, Completion completion) {
@@ -133,7 +134,8 @@ void Bus::send(const MethodCall& call) {
     int result = newMessage(bus_.get(), call, message);
     if (result >= 0) result = sd_bus_message_set_expect_reply(message.get(), false);
     if (result >= 0) result = sd_bus_send(bus_.get(), message.get(), nullptr);
-    if (result < 0) fail(-result);
+    if (result < 0) return fail(-result);
+    RunLoop::main().sourcesChanged();
 }
 
 void Bus::match(const std::string& rule, SignalHandler handler) {
@@ -153,6 +155,7 @@ void Bus::flush() {
 // A bus that takes no message any more is lost; the next turn of the run loop tells so.
 void Bus::fail(int error) {
     if (failure_ == 0) failure_ = error;
+    RunLoop::main().sourcesChanged();
 }
 
 int Bus::descriptor() const {

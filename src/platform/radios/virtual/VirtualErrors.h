@@ -14,6 +14,9 @@ inline NSError connectionRefused() {
 inline NSError rssiUnavailable() {
     return radioErrors::error(CBError::operationNotSupported, "The operation is not supported.");
 }
+inline NSError invalidHandle() {
+    return radioErrors::attributeError(0x01, "The handle is invalid.");
+}
 inline NSError readNotPermitted() {
     return radioErrors::attributeError(0x02, "Reading is not permitted.");
 }

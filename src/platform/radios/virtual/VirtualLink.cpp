@@ -6,6 +6,7 @@
 #include "platform/radios/virtual/Cancel.h"
 #include "platform/radios/virtual/VirtualErrors.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace InkoraKit {
@@ -17,11 +18,8 @@ constexpr int unavailableRSSI = 127;
 
 VirtualLink::VirtualLink(VirtualPeripheral& peripheral, RadioListener& listener)
     : peripheral_(peripheral), listener_(listener) {
-    for (const VirtualService& service : peripheral.services()) {
-        attributes_.push_back({service.uuid, service.isPrimary, nullptr});
-        for (const auto& characteristic : service.characteristics)
-            attributes_.push_back({characteristic->uuid(), false, characteristic});
-    }
+    for (const VirtualService& service : peripheral.services())
+        services_.push_back(numbered(service));
 }
 
 VirtualLink::~VirtualLink() {
@@ -35,34 +33,35 @@ void VirtualLink::discoverServices() {
         if (const auto error = takeDiscoveryError())
             return listener_.servicesDiscovered(peripheral_.identifier(), {}, error);
         std::vector<RemoteService> services;
-        AttributeHandle handle = 0;
-        for (const Attribute& attribute : attributes_) {
-            ++handle;
-            if (attribute.characteristic) continue;
-            services.push_back({handle, attribute.uuid, attribute.isPrimary});
-        }
+        for (const Service& service : services_)
+            services.push_back({service.handle, service.uuid, service.isPrimary});
         listener_.servicesDiscovered(peripheral_.identifier(), std::move(services), std::nullopt);
     });
 }
 
-void VirtualLink::discoverCharacteristics(AttributeHandle service) {
-    ask(0, [this, service] {
-        if (const auto error = takeDiscoveryError())
-            return listener_.characteristicsDiscovered(peripheral_.identifier(), service, {},
-                                                       error);
+void VirtualLink::discoverCharacteristics(AttributeHandle handle) {
+    ask(0, [this, handle] {
+        std::optional<NSError> error = takeDiscoveryError();
         std::vector<RemoteCharacteristic> characteristics;
-        AttributeHandle handle = service + 1;
-        for (; handle <= attributes_.size() && at(handle).characteristic; ++handle)
-            characteristics.push_back(
-                {handle, at(handle).uuid, at(handle).characteristic->properties()});
-        listener_.characteristicsDiscovered(peripheral_.identifier(), service,
-                                            std::move(characteristics), std::nullopt);
+        const auto service = std::ranges::find(services_, handle, &Service::handle);
+        if (!error && service == services_.end()) error = virtualErrors::invalidHandle();
+        if (!error) {
+            for (const auto& [number, sent, isSubscribed] : service->characteristics)
+                characteristics.push_back({number, sent->uuid(), sent->properties()});
+        }
+        listener_.characteristicsDiscovered(peripheral_.identifier(), handle,
+                                            std::move(characteristics), error);
     });
 }
 
 void VirtualLink::read(AttributeHandle handle) {
-    ask(at(handle).characteristic->readDelay(), [this, handle] {
-        auto [value, error] = at(handle).characteristic->nextReadAnswer();
+    const Characteristic* const asked = find(handle);
+    ask(asked ? asked->sent->readDelay() : 0, [this, handle] {
+        const Characteristic* const characteristic = find(handle);
+        if (!characteristic)
+            return listener_.valueRead(peripheral_.identifier(), handle, std::nullopt,
+                                       virtualErrors::invalidHandle());
+        auto [value, error] = characteristic->sent->nextReadAnswer();
         listener_.valueRead(peripheral_.identifier(), handle, std::move(value), error);
     });
 }
@@ -71,15 +70,17 @@ void VirtualLink::subscribe(AttributeHandle handle, bool on) {
     ask(0, [this, handle, on] {
         constexpr auto subscribable =
             VirtualCharacteristic::notifiable | VirtualCharacteristic::indicatable;
-        Attribute& attribute = at(handle);
+        Characteristic* const characteristic = find(handle);
         std::optional<NSError> error;
-        if (attribute.characteristic->properties() & subscribable) {
-            attribute.isSubscribed = on;
+        if (!characteristic) {
+            error = virtualErrors::invalidHandle();
+        } else if (characteristic->sent->properties() & subscribable) {
+            characteristic->isSubscribed = on;
         } else {
             error = virtualErrors::requestNotSupported();
         }
-        listener_.subscriptionChanged(peripheral_.identifier(), handle, attribute.isSubscribed,
-                                      error);
+        listener_.subscriptionChanged(peripheral_.identifier(), handle,
+                                      characteristic && characteristic->isSubscribed, error);
     });
 }
 
@@ -115,14 +116,79 @@ void VirtualLink::answerRequest() {
     answer();
 }
 
+// The table
+
+VirtualLink::Service VirtualLink::numbered(const VirtualService& service) {
+    Service result{++lastHandle_, service.uuid, service.isPrimary, {}};
+    for (const auto& sent : service.characteristics)
+        result.characteristics.push_back({++lastHandle_, sent});
+    return result;
+}
+
+void VirtualLink::servicesChanged() {
+    const AttributeHandle lastBefore = lastHandle_;
+    std::vector<Service> gone = std::exchange(services_, {});
+    for (const VirtualService& service : peripheral_.services()) {
+        const auto same = std::ranges::find_if(
+            gone, [&](const Service& earlier) { return isSame(earlier, service); });
+        services_.push_back(same == gone.end() ? numbered(service) : std::move(*same));
+        if (same != gone.end()) gone.erase(same);
+    }
+    std::vector<AttributeHandle> handles;
+    for (const Service& service : gone) {
+        handles.push_back(service.handle);
+        for (const Characteristic& characteristic : service.characteristics)
+            bequeath(service, characteristic, lastBefore);
+    }
+    send([this, handles = std::move(handles)] {
+        listener_.servicesInvalidated(peripheral_.identifier(), handles);
+    });
+}
+
+bool VirtualLink::isSame(const Service& earlier, const VirtualService& service) {
+    return earlier.uuid == service.uuid && earlier.isPrimary == service.isPrimary &&
+           std::ranges::equal(earlier.characteristics, service.characteristics, {},
+                              &Characteristic::sent);
+}
+
+// Gives handle and subscription to the first of the same UUIDs that is new and has none yet.
+void VirtualLink::bequeath(const Service& gone, const Characteristic& characteristic,
+                           AttributeHandle lastBefore) {
+    for (Service& service : services_) {
+        if (service.uuid != gone.uuid) continue;
+        for (Characteristic& heir : service.characteristics) {
+            if (heir.handle <= lastBefore || heir.sent->uuid() != characteristic.sent->uuid())
+                continue;
+            heir.handle = characteristic.handle;
+            heir.isSubscribed = characteristic.isSubscribed;
+            return;
+        }
+    }
+}
+
+VirtualLink::Characteristic* VirtualLink::find(AttributeHandle handle) {
+    for (Service& service : services_) {
+        const auto found =
+            std::ranges::find(service.characteristics, handle, &Characteristic::handle);
+        if (found != service.characteristics.end()) return &*found;
+    }
+    return nullptr;
+}
+
 // Notifications
 
 void VirtualLink::notify(const VirtualCharacteristic& characteristic, std::optional<Data> value) {
     const AttributeHandle handle = subscribedHandle(characteristic);
     if (!handle) return;
-    // A link layer repeats what was not acknowledged, so that nothing is lost while the link lives.
-    if (!carries()) return heldBack_.push_back({handle, std::move(value)});
-    listener_.valueNotified(peripheral_.identifier(), handle, std::move(value));
+    send([this, handle, value = std::move(value)] {
+        listener_.valueNotified(peripheral_.identifier(), handle, value);
+    });
+}
+
+// A link layer repeats what was not acknowledged, so that nothing is lost while the link lives.
+void VirtualLink::send(std::function<void()> report) {
+    if (carries()) return report();
+    heldBack_.push_back(std::move(report));
 }
 
 bool VirtualLink::isSubscribed(const VirtualCharacteristic& characteristic) const {
@@ -130,11 +196,9 @@ bool VirtualLink::isSubscribed(const VirtualCharacteristic& characteristic) cons
 }
 
 AttributeHandle VirtualLink::subscribedHandle(const VirtualCharacteristic& characteristic) const {
-    AttributeHandle handle = 0;
-    for (const Attribute& attribute : attributes_) {
-        ++handle;
-        if (attribute.isSubscribed && attribute.characteristic.get() == &characteristic)
-            return handle;
+    for (const Service& service : services_) {
+        for (const Characteristic& one : service.characteristics)
+            if (one.isSubscribed && one.sent.get() == &characteristic) return one.handle;
     }
     return 0;
 }
@@ -142,10 +206,9 @@ AttributeHandle VirtualLink::subscribedHandle(const VirtualCharacteristic& chara
 void VirtualLink::sendHeldBack() {
     const auto self = shared_from_this();  // a listener may end the link
     while (carries() && !heldBack_.empty()) {
-        Notification notification = std::move(heldBack_.front());
+        const std::function<void()> report = std::move(heldBack_.front());
         heldBack_.pop_front();
-        listener_.valueNotified(peripheral_.identifier(), notification.characteristic,
-                                std::move(notification.value));
+        report();
     }
 }
 

@@ -36,6 +36,9 @@ public:
     void notify(const VirtualCharacteristic& characteristic, std::optional<Data> value);
     bool isSubscribed(const VirtualCharacteristic& characteristic) const;
 
+    /// The peripheral has another table of services than before.
+    void servicesChanged();
+
     void reportName(const std::string& name);
 
     /// The central closes the link: nothing more is answered, and soon the peripheral ends it.
@@ -53,38 +56,45 @@ public:
 private:
     enum class Phase { open, lost, closing, ended };
 
-    // A service, followed by its characteristics; an attribute's handle is its place, from 1 on.
-    struct Attribute {
+    // What has a handle. No handle is given twice during a link.
+    struct Characteristic {
+        AttributeHandle handle;
+        std::shared_ptr<VirtualCharacteristic> sent;
+        bool isSubscribed = false;
+    };
+    struct Service {
+        AttributeHandle handle;
         CBUUID uuid;
         bool isPrimary;
-        std::shared_ptr<VirtualCharacteristic> characteristic;  // null for a service
-        bool isSubscribed = false;
+        std::vector<Characteristic> characteristics;
     };
     struct Request {
         double delay;
         std::function<void()> answer;
     };
-    struct Notification {
-        AttributeHandle characteristic;
-        std::optional<Data> value;
-    };
 
     bool carries() const;
-    Attribute& at(AttributeHandle handle) { return attributes_.at(handle - 1); }
+    Service numbered(const VirtualService& service);
+    static bool isSame(const Service& earlier, const VirtualService& service);
+    void bequeath(const Service& gone, const Characteristic& characteristic,
+                  AttributeHandle lastBefore);
+    Characteristic* find(AttributeHandle handle);
     AttributeHandle subscribedHandle(const VirtualCharacteristic& characteristic) const;
     std::optional<NSError> takeDiscoveryError();
 
     void ask(double extraDelay, std::function<void()> answer);
     void scheduleRequest();
     void answerRequest();
+    void send(std::function<void()> report);
     void sendHeldBack();
 
     VirtualPeripheral& peripheral_;
     RadioListener& listener_;
     Phase phase_ = Phase::open;
-    std::vector<Attribute> attributes_;
+    AttributeHandle lastHandle_ = 0;
+    std::vector<Service> services_;
     std::deque<Request> requests_;
-    std::deque<Notification> heldBack_;  // while out of range
+    std::deque<std::function<void()>> heldBack_;  // while out of range
     std::shared_ptr<Timer> requestTimer_;
     std::shared_ptr<Timer> endTimer_;  // closing, or the supervision time-out
 };

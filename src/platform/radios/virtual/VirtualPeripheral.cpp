@@ -138,6 +138,11 @@ void VirtualPeripheral::changed() {
 
 // Services
 
+void VirtualPeripheral::setServices(std::vector<VirtualService> services) {
+    services_ = std::move(services);
+    if (link_) link_->servicesChanged();
+}
+
 void VirtualPeripheral::notify(const VirtualCharacteristic& characteristic,
                                std::optional<Data> value) {
     if (link_) link_->notify(characteristic, std::move(value));

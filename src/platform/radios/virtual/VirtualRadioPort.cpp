@@ -38,8 +38,7 @@ void VirtualRadioPort::start(RadioListener& listener) {
 
 void VirtualRadioPort::reportState() {
     if (!listener_) return;
-    const CBManagerState state = radio_ ? radio_->state() : CBManagerState::unsupported;
-    if (state != CBManagerState::unknown) listener_->adapterStateChanged(state);
+    listener_->adapterStateChanged(radio_ ? radio_->state() : CBManagerState::unsupported);
 }
 
 // Scanning
@@ -64,9 +63,6 @@ void VirtualRadioPort::stopScan() {
 
 void VirtualRadioPort::hear(const VirtualPeripheral& peripheral, bool reportEvenIfKnown) {
     if (!scanning_) return;
-    const double now = RunLoop::main().now();
-    const double first = firstHeard_.try_emplace(peripheral.identifier(), now).first->second;
-
     const VirtualAdvertisement& sent = peripheral.advertisement();
     Sighting sighting{.identifier = peripheral.identifier(),
                       .name = peripheral.gapNameKnown_ ? peripheral.gapName() : std::nullopt,
@@ -78,7 +74,11 @@ void VirtualRadioPort::hear(const VirtualPeripheral& peripheral, bool reportEven
                                         .isConnectable = sent.isConnectable},
                       .rssi = peripheral.rssi(),
                       .reportEvenIfKnown = reportEvenIfKnown};
-    if (now < first + sent.nameDelay) sighting.advertisement.localName.reset();
+    if (sent.nameDelay > 0) {
+        const double now = RunLoop::main().now();
+        const double first = firstHeard_.try_emplace(peripheral.identifier(), now).first->second;
+        if (now < first + sent.nameDelay) sighting.advertisement.localName.reset();
+    }
     listener_->sighted(sighting);
 }
 

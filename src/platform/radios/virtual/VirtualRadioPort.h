@@ -50,7 +50,7 @@ private:
     VirtualRadio* radio_;  // null once it has ended
     RadioListener* listener_ = nullptr;
     bool scanning_ = false;
-    std::map<UUID, double> firstHeard_;  // by this scan, and when
+    std::map<UUID, double> firstHeard_;  // by this scan, of those whose name is delayed
     std::map<UUID, std::shared_ptr<Timer>>
         attempts_;  // without a timer: waiting for the peripheral
 };
