@@ -178,8 +178,14 @@ std::string BluezRadio::bestAdapter() const {
 // It came, or was switched on.
 void BluezRadio::adapterImproved(const std::string& adapter) {
     if (!isCentral(adapter)) return;
+    const auto isInTheWay = [](const auto& entry) {
+        using enum Link::Stage;
+        const Link::Stage stage = entry.second->stage();
+        return stage == connecting || stage == resolving || stage == up || stage == closing;
+    };
+    const bool isFree = std::ranges::none_of(links_, isInTheWay);
     const bool isBetter =
-        isPowered(adapter) && (!isPowered(adapter_) || (isFirstUsed(adapter) && links_.empty()));
+        isPowered(adapter) && (!isPowered(adapter_) || (isFirstUsed(adapter) && isFree));
     if (adapter_.empty() || isBetter) use(adapter);
 }
 
