@@ -172,6 +172,18 @@ TEST_F(BluezRadioTest, ScanMovesToTheAdapterThatIsOn) {
     EXPECT_EQ(started, (Lines{FakeBluez::hci0, "/org/bluez/hci1", "/org/bluez/hci2"}));
 }
 
+TEST_F(BluezRadioTest, SecondAdapterStandsInForAMoment) {
+    startRadio();
+    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43", true);
+    linkPen();
+    endLink(*fake);
+    switchAdapter(*fake, false);
+    switchAdapter(*fake, true);
+    ASSERT_TRUE(reported("disconnected with error"));
+    EXPECT_EQ(record.take(), Lines{"disconnected with error"});
+    linkPen();
+}
+
 struct Disturbance {
     const char* name;
     void (*happen)(FakeBluez& fake);  // null: bluetoothd is killed and started again

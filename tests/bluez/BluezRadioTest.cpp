@@ -44,13 +44,18 @@ void BluezRadioTest::addPen(const Properties& more) {
     fake->addPen(more);
 }
 
+Properties BluezRadioTest::serviceProperties() {
+    return {{"UUID", std::string("00001f1f-0000-1000-8000-00805f9b34fb")}, {"Primary", true}};
+}
+
+Properties BluezRadioTest::colourProperties() {
+    return {{"UUID", std::string("00001f14-0000-1000-8000-00805f9b34fb")},
+            {"Flags", std::vector<std::string>{"read", "notify"}}};
+}
+
 void BluezRadioTest::addColour() {
-    fake->addSilently(
-        service, ObjectTree::service,
-        {{"UUID", std::string("00001f1f-0000-1000-8000-00805f9b34fb")}, {"Primary", true}});
-    fake->addSilently(colour, ObjectTree::characteristic,
-                      {{"UUID", std::string("00001f14-0000-1000-8000-00805f9b34fb")},
-                       {"Flags", std::vector<std::string>{"read", "notify"}}});
+    fake->addSilently(service, ObjectTree::service, serviceProperties());
+    fake->addSilently(colour, ObjectTree::characteristic, colourProperties());
 }
 
 void BluezRadioTest::resolveServices() {
@@ -72,6 +77,7 @@ void BluezRadioTest::linkPen() {
     radio->discoverCharacteristics(pen, record.services.front().handle);
     ASSERT_TRUE(record.has("characteristics 1F14"));
     record.take();
+    fake->calls.clear();
 }
 
 namespace {
@@ -222,7 +228,44 @@ TEST_F(BluezRadioTest, OwnNameDiffersFromTheAdvertisedOne) {
     EXPECT_EQ(record.sightings.back().name, "Own");
     fake->change(FakeBluez::pen, ObjectTree::device,
                  {{"RSSI", std::int16_t{-60}}, {"Name", std::string("Renamed")}});
+    ASSERT_TRUE(reported("sighted Renamed"));
+
+    // Linked by somebody else, and back as an object, it has not advertised since.
+    fake->change(FakeBluez::pen, ObjectTree::device,
+                 {{"Connected", true}, {"Name", std::string("Own")}}, {"RSSI"});
+    fake->remove(FakeBluez::pen, ObjectTree::device);
+    settle();
+    record.take();
+    radio->stopScan();
+    radio->startScan();
+    addPen({{"Connected", true}, {"Name", std::string("Own")}});
     EXPECT_TRUE(reported("sighted Renamed"));
+}
+
+TEST_F(BluezRadioTest, LinkedPenIsFoundOnceAndTakenOver) {
+    addPen({{"Name", std::string("InkoraPen")}, {"Connected", true}, {"ServicesResolved", true}});
+    addColour();
+    startRadio();
+    radio->startScan();
+    ASSERT_TRUE(reported("sighted InkoraPen"));
+    EXPECT_EQ(record.sightings.back().rssi, 127);
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+    settle();
+    EXPECT_EQ(record.take(), Lines{"sighted InkoraPen"});
+    radio->stopScan();
+    radio->startScan();
+    ASSERT_TRUE(reported("sighted InkoraPen"));
+
+    radio->connect(pen);
+    ASSERT_TRUE(reported("connected"));
+    record.take();
+    radio->stopScan();
+    radio->startScan();
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+    settle();
+    EXPECT_EQ(record.take(), Lines());  // it is ours now
+    radio.reset();
+    EXPECT_TRUE(called("Disconnect"));
 }
 
 TEST_F(BluezRadioTest, PropertiesHaveTypesNobodyExpects) {
@@ -277,25 +320,72 @@ TEST_F(BluezRadioTest, ServicesAreResolvedBeforeTheyAreThere) {
     EXPECT_EQ(record.services.front().uuid, CBUUID("1F1F"));
 }
 
-TEST_F(BluezRadioTest, ConnectIsNeverAnswered) {
-    fake->hold("Connect");
+TEST_F(BluezRadioTest, DeviceIsRemovedWhileItIsConnectedTo) {
+    fake->hold("Connect");  // never answered, as of a device that goes
     startRadio();
     addPen();
     radio->connect(pen);
     ASSERT_TRUE(called("Connect"));
     fake->remove(FakeBluez::pen, ObjectTree::device);
-    EXPECT_TRUE(reported("connection failed"));
-    settle();
-    EXPECT_EQ(record.lines, Lines{"connection failed"});
+    ASSERT_TRUE(called("StartDiscovery"));
+    // Found again, under a path that an address has which was resolved since.
+    addColour();
+    fake->add(elsewhere, ObjectTree::device,
+              FakeBluez::penProperties({{"RSSI", std::int16_t{-60}}}));
+    ASSERT_TRUE(called("Connect", 2));
+    EXPECT_EQ(fake->lastPath, elsewhere);
+    EXPECT_EQ(fake->count("StopDiscovery"), 1u);
+    EXPECT_EQ(record.lines, Lines());
 }
 
-TEST_F(BluezRadioTest, DeviceIsUnknown) {
-    fake->hold("Connect");
+TEST_F(BluezRadioTest, LinkIsThereWithoutASignal) {
+    fake->on("Connect", [this](const std::string&) {
+        fake->addSilently(
+            FakeBluez::pen, ObjectTree::device,
+            FakeBluez::penProperties({{"Connected", true}, {"ServicesResolved", true}}));
+        addColour();
+        fake->reply("Connect");
+    });
     startRadio();
+    addPen();
     radio->connect(pen);
-    ASSERT_TRUE(called("Connect"));
-    fake->replyError("Connect", "org.freedesktop.DBus.Error.UnknownObject", "no such device");
-    EXPECT_TRUE(reported("connection failed"));
+    EXPECT_TRUE(reported("connected"));
+    EXPECT_EQ(fake->count("Connect"), 1u);
+}
+
+TEST_F(BluezRadioTest, AttemptThatFailsLeavesNoLink) {
+    fake->on("Connect", [this](const std::string&) {
+        fake->replyError("Connect", "org.bluez.Error.Failed", "le-connection-abort-by-local");
+    });
+    startRadio();
+    addPen();
+    radio->connect(pen);
+    ASSERT_TRUE(reported("connection failed"));
+    EXPECT_EQ(fake->count("Connect"), 10u);
+    EXPECT_TRUE(called("Disconnect"));
+
+    fake->on("Connect", [this](const std::string&) { resolveServices(); });  // and no services
+    radio->connect(pen);
+    ASSERT_TRUE(called("Disconnect", 2));
+    settle();
+    EXPECT_EQ(record.lines, (Lines{"connection failed", "connection failed"}));
+}
+
+TEST_F(BluezRadioTest, LossIsFollowedByAScanAtOnce) {
+    fake->hold("StartDiscovery");
+    startRadio();
+    linkPen();
+    fake->change(FakeBluez::pen, ObjectTree::device,
+                 {{"Connected", false}, {"ServicesResolved", false}});
+    ASSERT_TRUE(called("StartDiscovery"));
+    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
+    fake->reply("StartDiscovery");
+    ASSERT_TRUE(reported("disconnected with error"));
+    radio->startScan();
+    ASSERT_TRUE(reported("sighted without a name"));
+    EXPECT_EQ(fake->calls, (Lines{"SetDiscoveryFilter", "StartDiscovery"}));
+    radio->stopScan();
+    ASSERT_TRUE(called("StopDiscovery"));
 }
 
 TEST_F(BluezRadioTest, LinkIsLostAsSoonAsItIsThere) {
@@ -343,7 +433,7 @@ TEST_F(BluezRadioTest, RadioEndsWithALink) {
     radio->subscribe(pen, record.handleOf(colourUUID), true);
     radio.reset();
     ASSERT_TRUE(called("Disconnect"));
-    EXPECT_EQ(fake->calls, (Lines{"Connect", "StartNotify", "StopNotify", "Disconnect"}));
+    EXPECT_EQ(fake->calls, (Lines{"StartNotify", "StopNotify", "Disconnect"}));
 }
 
 // --- values -------------------------------------------------------------------------------------
@@ -394,6 +484,61 @@ TEST_F(BluezRadioTest, ValuesComeBeforeTheSubscriptionIsConfirmed) {
     ASSERT_TRUE(reported("1F14 subscribed"));
     EXPECT_EQ(record.take(),
               (Lines{"1F14 notified <02>", "1F14 notified <02>", "1F14 subscribed"}));
+}
+
+TEST_F(BluezRadioTest, ValueIsReadBySomebodyElse) {
+    startRadio();
+    linkPen();
+    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    radio->startScan();
+    ASSERT_TRUE(called("StartDiscovery"));
+    settle();
+    record.take();
+    const auto signal = [this] {
+        fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
+    };
+    signal();
+    settle();
+    signal();
+    fake->answerSomebodyElse();
+    settle();
+    EXPECT_EQ(record.lines, Lines{"1F14 notified <01>"});
+    signal();  // with nothing after it but what the radio has asked for
+    EXPECT_TRUE(until([&] { return record.lines.size() == 2; }));
+}
+
+TEST_F(BluezRadioTest, TableOfServicesChanges) {
+    startRadio();
+    linkPen();
+    const AttributeHandle handle = record.handleOf(colourUUID);
+    radio->subscribe(pen, handle, true);
+    ASSERT_TRUE(reported("1F14 subscribed"));
+    fake->remove(colour, ObjectTree::characteristic);
+    fake->remove(service, ObjectTree::service);
+    ASSERT_TRUE(reported("1 services invalidated"));
+
+    const std::string newService = std::string(FakeBluez::pen) + "/service0025";
+    const std::string newColour = newService + "/char0026";
+    fake->add(newService, ObjectTree::service, serviceProperties());
+    fake->add(newColour, ObjectTree::characteristic, colourProperties());
+    ASSERT_TRUE(called("StartNotify", 2));
+    EXPECT_EQ(fake->lastPath, newColour);
+    ASSERT_TRUE(reported("0 services invalidated"));
+    record.take();
+    fake->change(newColour, ObjectTree::characteristic, {{"Value", Data{1}}});
+    ASSERT_TRUE(reported("1F14 notified <01>"));
+
+    record.characteristics.clear();
+    radio->discoverServices(pen);
+    ASSERT_EQ(record.services.size(), 1u);
+    radio->discoverCharacteristics(pen, record.services.front().handle);
+    EXPECT_EQ(record.handleOf(colourUUID), handle);
+    // Told already, and told once more: no change.
+    record.take();
+    fake->add(newColour, ObjectTree::characteristic, colourProperties());
+    settle();
+    settle();
+    EXPECT_EQ(record.take(), Lines());
 }
 
 }  // namespace

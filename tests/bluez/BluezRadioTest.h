@@ -49,6 +49,8 @@ protected:
     void startRadio();
     /// The pen is known to BlueZ, and everybody has heard of that.
     void addPen(const Properties& more = {});
+    static Properties serviceProperties();
+    static Properties colourProperties();
     void addColour();
     void resolveServices();
     void linkPen();
@@ -58,6 +60,8 @@ protected:
     static constexpr const char* service = "/org/bluez/hci0/dev_00_11_22_33_44_55/service0015";
     static constexpr const char* colour =
         "/org/bluez/hci0/dev_00_11_22_33_44_55/service0015/char0016";
+
+    static constexpr const char* elsewhere = "/org/bluez/hci0/dev_5A_00_00_00_00_01";
 
     const UUID pen = DeviceAddress::fromText(FakeBluez::penAddress, "public")->identifier();
     RadioRecord record;

@@ -152,17 +152,22 @@ void FakeBluez::addAdapter(const std::string& path, const std::string& address, 
     add(path, ObjectTree::adapter,
         {{"Address", address},
          {"Powered", isPowered},
+         {"Discovering", false},
          {"Roles", std::vector<std::string>{"central", "peripheral"}}});
 }
 
-void FakeBluez::addPen(const Properties& more) {
+Properties FakeBluez::penProperties(const Properties& more) {
     Properties properties = {{"Address", std::string(penAddress)},
                              {"AddressType", std::string("public")},
                              {"Alias", std::string("00-11-22-33-44-55")},
                              {"Connected", false},
                              {"ServicesResolved", false}};
     for (const auto& [name, value] : more) properties.insert_or_assign(name, value);
-    add(pen, ObjectTree::device, properties);
+    return properties;
+}
+
+void FakeBluez::addPen(const Properties& more) {
+    add(pen, ObjectTree::device, penProperties(more));
 }
 
 // --- calls --------------------------------------------------------------------------------------
@@ -171,12 +176,14 @@ int FakeBluez::received(sd_bus_message* message) {
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
     caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
+    if (member == "Ping") return 0;  // sd_bus answers that
     if (member == "GetManagedObjects") {
         ++timesAskedForObjects;
         if (!isSilent) sendObjects(message);
         return 1;
     }
     calls.push_back(member);
+    lastPath = sd_bus_message_get_path(message);
     if (sd_bus_message_has_signature(message, "a{sv}") > 0) lastOptions = readOptions(message);
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
     const auto method = methods_.find(member);
@@ -232,6 +239,10 @@ void FakeBluez::replyError(const std::string& member, const char* name, const ch
 
 std::size_t FakeBluez::count(const std::string& member) const {
     return static_cast<std::size_t>(std::ranges::count(calls, member));
+}
+
+void FakeBluez::answerSomebodyElse() {
+    sd_bus_emit_signal(bus_.get(), "/elsewhere", "org.example.Other", "Answer", nullptr);
 }
 
 void FakeBluez::send(sd_bus_message* message) {

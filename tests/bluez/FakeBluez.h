@@ -43,10 +43,12 @@ public:
     void change(const std::string& path, const std::string& interface, const Properties& changed,
                 const std::vector<std::string>& invalidated = {});
     void addAdapter(const std::string& path, const std::string& address, bool isPowered);
+    static Properties penProperties(const Properties& more = {});
     void addPen(const Properties& more = {});
 
     // Calls
     std::vector<std::string> calls;  // names of methods, but for GetManagedObjects
+    std::string lastPath;
     std::map<std::string, std::string> lastOptions;
     /// Calls of this method wait until `reply…`.
     void hold(const std::string& member);
@@ -55,6 +57,8 @@ public:
     void replyBytes(const std::string& member, const Data& value);
     void replyError(const std::string& member, const char* name, const char* text);
     std::size_t count(const std::string& member) const;
+    /// Sends what does not reach the radio, such as the answer to another client's call.
+    void answerSomebodyElse();
     /// From now on it reads calls but answers none, also not for its objects.
     bool isSilent = false;
     int timesAskedForObjects = 0;

@@ -87,7 +87,7 @@ public:
     /// The peripheral changed its table of services during the link: these services are no longer
     /// what they were, and their handles name nothing. What was subscribed stays so where the new
     /// table has the same characteristic (same service and characteristic UUID): its handle goes on
-    /// naming it.
+    /// naming it. The list is empty where the table has only grown.
     virtual void servicesInvalidated(const UUID& peripheral,
                                      const std::vector<AttributeHandle>& services) = 0;
     /// Exactly one answer to each `read`. A read that succeeds may still carry no value.

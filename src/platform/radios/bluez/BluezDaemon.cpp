@@ -59,6 +59,7 @@ void BluezDaemon::watch() {
         "interface='org.freedesktop.DBus.ObjectManager'",
         [this](MessageReader& signal) {
             if (!isFromBluez(signal)) return;
+            heard(signal);
             if (signal.member() == "InterfacesAdded") addInterfaces(signal);
             if (signal.member() == "InterfacesRemoved") removeInterfaces(signal);
         });
@@ -66,7 +67,9 @@ void BluezDaemon::watch() {
         "type='signal',sender='org.bluez',path_namespace='/org/bluez',"
         "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'",
         [this](MessageReader& signal) {
-            if (isFromBluez(signal)) changeProperties(signal.path(), signal);
+            if (!isFromBluez(signal)) return;
+            heard(signal);
+            changeProperties(signal.path(), signal);
         });
 }
 
@@ -178,6 +181,7 @@ void BluezDaemon::refresh(std::function<void()> done) {
     if (!bus_) return;
     bus_->call({bluez, "/", objectManager, "GetManagedObjects"},
                [this, owners = owners_, done = std::move(done)](Answer& answer) {
+                   heard(answer.body);
                    if (!answer.error && owners == owners_)
                        objects_.replace(answer.body.readObjects());
                    done();
@@ -192,7 +196,19 @@ void BluezDaemon::call(const std::string& path, const char* interface, const cha
                        Completion completion, std::optional<Options> options, double timeout) {
     if (!bus_) return;
     bus_->call({bluez, path, interface, member, std::move(options), timeout},
-               std::move(completion));
+               [this, completion = std::move(completion)](Answer& answer) {
+                   heard(answer.body);
+                   completion(answer);
+               });
+}
+
+void BluezDaemon::ping(Completion completion) {
+    call("/", "org.freedesktop.DBus.Peer", "Ping", std::move(completion), std::nullopt, 1);
+}
+
+// Errors of the bus itself, and of time-outs, are not bluetoothd's.
+void BluezDaemon::heard(const MessageReader& message) {
+    if (message.sender().starts_with(':')) observer_.messageHeard(message.serial());
 }
 
 void BluezDaemon::send(const std::string& path, const char* interface, const char* member) {

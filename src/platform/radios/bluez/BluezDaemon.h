@@ -4,6 +4,7 @@
 #include "platform/radios/bluez/Bus.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -33,6 +34,8 @@ public:
     /// Told of changes after they were made.
     class Observer {
     public:
+        /// Another message of bluetoothd has come; what it says may be told next.
+        virtual void messageHeard(std::uint64_t serial) = 0;
         virtual void presenceChanged() = 0;
         virtual void interfaceAdded(const std::string& path, const std::string& interface) = 0;
         virtual void interfaceRemoved(const std::string& path, const std::string& interface) = 0;
@@ -70,6 +73,8 @@ public:
     void call(const std::string& path, const char* interface, const char* member,
               Completion completion, std::optional<Options> options = std::nullopt,
               double timeout = 25);
+    /// Asks for nothing but a sign of life, at the latest after a second.
+    void ping(Completion completion);
     /// Sends without waiting for an answer; `flush` sees to it that it has left this process.
     void send(const std::string& path, const char* interface, const char* member);
     void flush();
@@ -86,6 +91,7 @@ private:
     void settle();
     void busLost(int error);
     void become(Presence presence);
+    void heard(const MessageReader& message);
     void addInterfaces(MessageReader& signal);
     void removeInterfaces(MessageReader& signal);
     void changeProperties(const std::string& path, MessageReader& signal);

@@ -7,10 +7,12 @@
 #include "platform/radios/bluez/Link.h"
 #include "platform/radios/bluez/ManagementSocket.h"
 
-#include <map>
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace InkoraKit {
 
@@ -44,6 +46,7 @@ public:
 
 private:
     // BluezDaemon::Observer
+    void messageHeard(std::uint64_t serial) override;
     void presenceChanged() override;
     void interfaceAdded(const std::string& path, const std::string& interface) override;
     void interfaceRemoved(const std::string& path, const std::string& interface) override;
@@ -52,6 +55,7 @@ private:
 
     // Link::Owner
     void linkMoved(Link& link) override;
+    std::string deviceOf(const UUID& peripheral) const override;
 
     // The adapter in use
     std::optional<CBManagerState> adapterState() const;
@@ -69,9 +73,15 @@ private:
     void discoveryMoved();
     void updateDiscovery();
     void deviceChanged(const std::string& path, const Properties& before);
+    void reportAll();
     void reportIfHeard(const std::string& device);
+    void reportLinked(const std::string& device, const UUID& identifier);
+    Sighting sightingOf(const std::string& device, const UUID& identifier, int rssi) const;
 
     // Links
+    void adapterIsOn();
+    std::shared_ptr<GattSession> sessionOf(const std::string& path,
+                                           const std::string& interface) const;
     std::shared_ptr<Link> linkAt(const std::string& device) const;
     std::shared_ptr<Link> linkTo(const UUID& peripheral) const;
     std::shared_ptr<GattSession> sessionWith(const UUID& peripheral) const;
@@ -88,7 +98,10 @@ private:
     std::string adapter_;                  // in use; empty when there is none
     std::string firstUsed_;                // the address of the first adapter that was in use
     bool isScanWanted_ = false;
-    std::map<std::string, std::shared_ptr<Link>> links_;  // by device
+    std::set<UUID> linkedElsewhere_;  // what the present scan has reported as that
+    Alarm anticipation_;  // set for a while after a link was lost, when a scan is to be expected
+    bool provesPower_ = false;  // the discovery begun now will, by beginning
+    std::vector<std::shared_ptr<Link>> links_;
 };
 
 }  // namespace InkoraKit

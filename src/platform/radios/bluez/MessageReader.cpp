@@ -15,6 +15,12 @@ std::string MessageReader::sender() const {
     return sender ? sender : "";
 }
 
+std::uint64_t MessageReader::serial() const {
+    std::uint64_t serial = 0;
+    sd_bus_message_get_cookie(message_, &serial);
+    return serial;
+}
+
 std::string MessageReader::path() const {
     const char* path = sd_bus_message_get_path(message_);
     return path ? path : "";

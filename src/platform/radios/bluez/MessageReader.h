@@ -2,6 +2,7 @@
 
 #include "platform/radios/bluez/Properties.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,9 +18,10 @@ public:
     /// Borrows the message, which outlives the reader.
     explicit MessageReader(sd_bus_message* message) : message_(message) {}
 
-    std::string sender() const;  // the unique name that the bus has put down, or the bus's own
-    std::string path() const;    // of the object that sent a signal
-    std::string member() const;  // the signal's name
+    std::string sender() const;    // the unique name that the bus has put down, or the bus's own
+    std::uint64_t serial() const;  // by which the sender numbers its messages
+    std::string path() const;      // of the object that sent a signal
+    std::string member() const;    // the signal's name
 
     std::string readText();                // s or o
     std::vector<std::string> readTexts();  // as or ao
