@@ -42,6 +42,10 @@ public:
     virtual std::shared_ptr<InkoraProtocols> delegate() const;
     virtual void setDelegate(const std::shared_ptr<InkoraProtocols>& delegate);
 
+    /// Why Bluetooth cannot be used at present, where `didFailToConnectWithBlueTooth` has told that
+    /// it cannot: for people and logs. `none` before the first start.
+    CBManagerStateReason bluetoothStateReason() const;
+
 protected:
     /// The central manager, created by the first start and kept.
     virtual std::shared_ptr<CBCentralManager> manager() const;

@@ -15,4 +15,5 @@
 #include <InkoraKit/Version.h>
 #include <InkoraKit/platform/NSError.h>
 #include <InkoraKit/platform/RunLoop.h>
+#include <InkoraKit/platform/RunLoopSource.h>
 #include <InkoraKit/platform/UIColor.h>

@@ -20,7 +20,10 @@ public:
     /// Drops the receiver, likewise. A link stays up: stop pairing first to end it.
     static void unRegisterInkoraManager();
 
-    /// Looks for a pen and connects to the first one found. Harmless while that is going on.
+    /// Looks for a pen and connects to the first one found. While a scan goes on it changes
+    /// nothing. While a pen is being connected or is connected it scans besides: what it finds
+    /// takes that pen's place, and finding none is told like any scan without a pen (code 19), the
+    /// link staying as it is.
     static void startDevicePairing();
 
     /// Disconnects the pen without scanning for it again. While no pen was found yet there is

@@ -87,6 +87,11 @@ void InkoraHandler::setDelegate(const std::shared_ptr<InkoraProtocols>& delegate
     delegate_ = delegate;
 }
 
+CBManagerStateReason InkoraHandler::bluetoothStateReason() const {
+    const auto central = manager();
+    return central ? central->stateReason() : CBManagerStateReason::none;
+}
+
 std::shared_ptr<CBCentralManager> InkoraHandler::manager() const {
     return manager_;
 }

@@ -22,7 +22,13 @@ class BluezRadioTest : public testing::Test {
 protected:
     using Lines = RadioRecord::Lines;
 
+    struct SkippingClock : Clock {
+        double skipped = 0;
+        double now() const override { return SystemClock().now() + skipped; }
+    };
+
     void SetUp() override;
+    void TearDown() override;
 
     template <class Condition>
     bool until(Condition condition) {
@@ -37,9 +43,14 @@ protected:
         return until([&] { return fake->count(member) >= times; });
     }
 
+    /// Timers fire as if that time had passed.
+    void skip(double seconds) { clock->skipped += seconds; }
+
     void startRadio();
     /// The pen is known to BlueZ, and everybody has heard of that.
     void addPen(const Properties& more = {});
+    static Properties serviceProperties();
+    static Properties colourProperties();
     void addColour();
     void resolveServices();
     void linkPen();
@@ -50,8 +61,11 @@ protected:
     static constexpr const char* colour =
         "/org/bluez/hci0/dev_00_11_22_33_44_55/service0015/char0016";
 
+    static constexpr const char* elsewhere = "/org/bluez/hci0/dev_5A_00_00_00_00_01";
+
     const UUID pen = DeviceAddress::fromText(FakeBluez::penAddress, "public")->identifier();
     RadioRecord record;
+    std::shared_ptr<SkippingClock> clock = std::make_shared<SkippingClock>();
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<FakeBluez> fake;
     std::unique_ptr<BluezRadio> radio;

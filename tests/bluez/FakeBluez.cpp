@@ -9,6 +9,7 @@
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace InkoraKit {
@@ -16,11 +17,33 @@ namespace {
 
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
 
+template <class Fill>
+void within(sd_bus_message* message, char kind, const std::string& contents, Fill fill) {
+    sd_bus_message_open_container(message, kind, contents.c_str());
+    fill();
+    sd_bus_message_close_container(message);
+}
+
+void append(sd_bus_message* message, const Variant& value);
+void append(sd_bus_message* message, const Properties& properties);
+void append(sd_bus_message* message, const Interfaces& interfaces);
+
+template <class Map>
+void appendMap(sd_bus_message* message, const std::string& entry, const Map& map) {
+    within(message, 'a', "{" + entry + "}", [&] {
+        for (const auto& each : map)
+            within(message, 'e', entry, [&] {
+                if constexpr (std::is_same_v<typename Map::key_type, std::string>)
+                    sd_bus_message_append_basic(message, entry.front(), each.first.c_str());
+                else
+                    sd_bus_message_append_basic(message, entry.front(), &each.first);
+                append(message, each.second);
+            });
+    });
+}
+
 // An alternative that stands for no type of interest goes out as a number of another type.
 void append(sd_bus_message* message, const Variant& value) {
-    const auto appendBytes = [&](const Data& data) {
-        sd_bus_message_append_array(message, 'y', data.data(), data.size());
-    };
     if (const auto* truth = std::get_if<bool>(&value)) {
         sd_bus_message_append(message, "v", "b", static_cast<int>(*truth));
     } else if (const auto* number = std::get_if<std::int16_t>(&value)) {
@@ -28,51 +51,28 @@ void append(sd_bus_message* message, const Variant& value) {
     } else if (const auto* text = std::get_if<std::string>(&value)) {
         sd_bus_message_append(message, "v", "s", text->c_str());
     } else if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
-        sd_bus_message_open_container(message, 'v', "as");
-        sd_bus_message_open_container(message, 'a', "s");
-        for (const std::string& each : *texts) sd_bus_message_append(message, "s", each.c_str());
-        sd_bus_message_close_container(message);
-        sd_bus_message_close_container(message);
+        within(message, 'v', "as", [&] {
+            within(message, 'a', "s", [&] {
+                for (const std::string& each : *texts)
+                    sd_bus_message_append(message, "s", each.c_str());
+            });
+        });
     } else if (const auto* data = std::get_if<Data>(&value)) {
-        sd_bus_message_open_container(message, 'v', "ay");
-        appendBytes(*data);
-        sd_bus_message_close_container(message);
+        within(message, 'v', "ay",
+               [&] { sd_bus_message_append_array(message, 'y', data->data(), data->size()); });
     } else if (const auto* byCompany = std::get_if<std::map<std::uint16_t, Data>>(&value)) {
-        sd_bus_message_open_container(message, 'v', "a{qv}");
-        sd_bus_message_open_container(message, 'a', "{qv}");
-        for (const auto& [company, bytes] : *byCompany) {
-            sd_bus_message_open_container(message, 'e', "qv");
-            sd_bus_message_append(message, "q", static_cast<int>(company));
-            append(message, bytes);
-            sd_bus_message_close_container(message);
-        }
-        sd_bus_message_close_container(message);
-        sd_bus_message_close_container(message);
+        within(message, 'v', "a{qv}", [&] { appendMap(message, "qv", *byCompany); });
     } else {
         sd_bus_message_append(message, "v", "i", -60);
     }
 }
 
 void append(sd_bus_message* message, const Properties& properties) {
-    sd_bus_message_open_container(message, 'a', "{sv}");
-    for (const auto& [name, value] : properties) {
-        sd_bus_message_open_container(message, 'e', "sv");
-        sd_bus_message_append(message, "s", name.c_str());
-        append(message, value);
-        sd_bus_message_close_container(message);
-    }
-    sd_bus_message_close_container(message);
+    appendMap(message, "sv", properties);
 }
 
 void append(sd_bus_message* message, const Interfaces& interfaces) {
-    sd_bus_message_open_container(message, 'a', "{sa{sv}}");
-    for (const auto& [name, properties] : interfaces) {
-        sd_bus_message_open_container(message, 'e', "sa{sv}");
-        sd_bus_message_append(message, "s", name.c_str());
-        append(message, properties);
-        sd_bus_message_close_container(message);
-    }
-    sd_bus_message_close_container(message);
+    appendMap(message, "sa{sv}", interfaces);
 }
 
 std::map<std::string, std::string> readOptions(sd_bus_message* call) {
@@ -141,9 +141,10 @@ void FakeBluez::change(const std::string& path, const std::string& interface,
                               "PropertiesChanged");
     sd_bus_message_append(signal, "s", interface.c_str());
     append(signal, changed);
-    sd_bus_message_open_container(signal, 'a', "s");
-    for (const std::string& name : invalidated) sd_bus_message_append(signal, "s", name.c_str());
-    sd_bus_message_close_container(signal);
+    within(signal, 'a', "s", [&] {
+        for (const std::string& name : invalidated)
+            sd_bus_message_append(signal, "s", name.c_str());
+    });
     send(signal);
 }
 
@@ -151,34 +152,43 @@ void FakeBluez::addAdapter(const std::string& path, const std::string& address, 
     add(path, ObjectTree::adapter,
         {{"Address", address},
          {"Powered", isPowered},
+         {"Discovering", false},
          {"Roles", std::vector<std::string>{"central", "peripheral"}}});
 }
 
-void FakeBluez::addPen(const Properties& more) {
+Properties FakeBluez::penProperties(const Properties& more) {
     Properties properties = {{"Address", std::string(penAddress)},
                              {"AddressType", std::string("public")},
                              {"Alias", std::string("00-11-22-33-44-55")},
                              {"Connected", false},
                              {"ServicesResolved", false}};
     for (const auto& [name, value] : more) properties.insert_or_assign(name, value);
-    add(pen, ObjectTree::device, properties);
+    return properties;
+}
+
+void FakeBluez::addPen(const Properties& more) {
+    add(pen, ObjectTree::device, penProperties(more));
 }
 
 // --- calls --------------------------------------------------------------------------------------
 
 int FakeBluez::received(sd_bus_message* message) {
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
+    caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
+    if (member == "Ping") return 0;  // sd_bus answers that
     if (member == "GetManagedObjects") {
-        sendObjects(message);
+        ++timesAskedForObjects;
+        if (!isSilent) sendObjects(message);
         return 1;
     }
     calls.push_back(member);
+    lastPath = sd_bus_message_get_path(message);
     if (sd_bus_message_has_signature(message, "a{sv}") > 0) lastOptions = readOptions(message);
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
     const auto method = methods_.find(member);
     if (method == methods_.end()) {
-        reply(member);
+        if (!isSilent) reply(member);
     } else {
         const Method run = method->second;
         run(sd_bus_message_get_path(message));
@@ -189,14 +199,7 @@ int FakeBluez::received(sd_bus_message* message) {
 void FakeBluez::sendObjects(sd_bus_message* call) {
     sd_bus_message* answer = nullptr;
     sd_bus_message_new_method_return(call, &answer);
-    sd_bus_message_open_container(answer, 'a', "{oa{sa{sv}}}");
-    for (const auto& [path, interfaces] : objects_) {
-        sd_bus_message_open_container(answer, 'e', "oa{sa{sv}}");
-        sd_bus_message_append(answer, "o", path.c_str());
-        append(answer, interfaces);
-        sd_bus_message_close_container(answer);
-    }
-    sd_bus_message_close_container(answer);
+    appendMap(answer, "oa{sa{sv}}", objects_);
     send(answer);
 }
 
@@ -238,9 +241,29 @@ std::size_t FakeBluez::count(const std::string& member) const {
     return static_cast<std::size_t>(std::ranges::count(calls, member));
 }
 
+void FakeBluez::answerSomebodyElse() {
+    sd_bus_emit_signal(bus_.get(), "/elsewhere", "org.example.Other", "Answer", nullptr);
+}
+
 void FakeBluez::send(sd_bus_message* message) {
+    if (!addressee.empty()) sd_bus_message_set_destination(message, addressee.c_str());
     sd_bus_send(bus_.get(), message, nullptr);
     sd_bus_message_unref(message);
+}
+
+// --- what any user of the bus may do ------------------------------------------------------------
+
+void FakeBluez::claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner) {
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus_.get(), &signal, "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                              "NameOwnerChanged");
+    sd_bus_message_append(signal, "sss", "org.bluez", oldOwner.c_str(), newOwner.c_str());
+    send(signal);
+}
+
+void FakeBluez::sync() {
+    sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
+                       nullptr, nullptr, nullptr);
 }
 
 // --- the run loop -------------------------------------------------------------------------------

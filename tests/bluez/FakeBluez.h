@@ -28,6 +28,7 @@ public:
     /// What a method does besides being recorded; it answers by `reply…`, now or later.
     using Method = std::function<void(const std::string& path)>;
 
+    /// Becomes org.bluez; where there is one already it is a stranger on the bus.
     explicit FakeBluez(const std::string& busAddress);
     ~FakeBluez() override;  // bluetoothd is gone
     FakeBluez(const FakeBluez&) = delete;
@@ -42,10 +43,12 @@ public:
     void change(const std::string& path, const std::string& interface, const Properties& changed,
                 const std::vector<std::string>& invalidated = {});
     void addAdapter(const std::string& path, const std::string& address, bool isPowered);
+    static Properties penProperties(const Properties& more = {});
     void addPen(const Properties& more = {});
 
     // Calls
     std::vector<std::string> calls;  // names of methods, but for GetManagedObjects
+    std::string lastPath;
     std::map<std::string, std::string> lastOptions;
     /// Calls of this method wait until `reply…`.
     void hold(const std::string& member);
@@ -54,6 +57,18 @@ public:
     void replyBytes(const std::string& member, const Data& value);
     void replyError(const std::string& member, const char* name, const char* text);
     std::size_t count(const std::string& member) const;
+    /// Sends what does not reach the radio, such as the answer to another client's call.
+    void answerSomebodyElse();
+    /// From now on it reads calls but answers none, also not for its objects.
+    bool isSilent = false;
+    int timesAskedForObjects = 0;
+
+    // What any user of the bus may do
+    std::string caller;     // who has called last, by unique name
+    std::string addressee;  // whom signals go to, and nobody else; empty for all
+    void claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner);
+    /// Returns when the bus has dealt with all that was sent.
+    void sync();
 
     // RunLoopSource
     int descriptor() const override;

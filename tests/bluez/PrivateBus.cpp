@@ -15,13 +15,20 @@ namespace {
 
 constexpr const char* program = "/usr/bin/dbus-daemon";
 
-std::string configuration(PrivateBus::Policy policy) {
+std::string configuration(PrivateBus::Policy policy, const std::string& folder) {
     const std::string denial =
         policy == PrivateBus::Policy::bluezDenied ? R"(<deny send_destination="org.bluez"/>)" : "";
-    return R"(<busconfig><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth>)"
+    return R"(<busconfig><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth><servicedir>)" +
+           folder +
+           R"(</servicedir><limit name="max_match_rules_per_connection">4</limit>)"
            R"(<policy context="default"><allow user="*"/><allow own="*"/>)"
            R"(<allow send_destination="*"/><allow receive_sender="*"/>)" +
            denial + "</policy></busconfig>";
+}
+
+std::string service(const std::string& folder) {
+    return "[D-BUS Service]\nName=org.bluez\nExec=/bin/sh -c 'echo >> " + folder +
+           "/starts; false'\n";
 }
 
 // The daemon writes its address, a line, once it accepts connections.
@@ -39,10 +46,11 @@ bool PrivateBus::isAvailable() {
 }
 
 PrivateBus::PrivateBus(Policy policy) {
-    const std::filesystem::path file = std::filesystem::temp_directory_path() /
-                                       ("bluez-test-" + std::to_string(::getpid()) + ".conf");
-    std::ofstream(file) << configuration(policy);
-    const std::string option = "--config-file=" + file.string();
+    folder_ = std::filesystem::temp_directory_path() / ("bluez-test-" + std::to_string(::getpid()));
+    std::filesystem::create_directory(folder_);
+    std::ofstream(folder_ / "org.bluez.service") << service(folder_);
+    std::ofstream(folder_ / "bus.conf") << configuration(policy, folder_);
+    const std::string option = "--config-file=" + (folder_ / "bus.conf").string();
 
     std::array<int, 2> pipe{};
     if (::pipe(pipe.data()) != 0) return;
@@ -57,15 +65,24 @@ PrivateBus::PrivateBus(Policy policy) {
     ::close(pipe[1]);
     address_ = readLine(pipe[0]);
     ::close(pipe[0]);
-    std::filesystem::remove(file);
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address_.c_str(), 1);
 }
 
 PrivateBus::~PrivateBus() {
     ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    if (daemon_ <= 0) return;
-    ::kill(daemon_, SIGKILL);
-    ::waitpid(daemon_, nullptr, 0);
+    if (daemon_ > 0) {
+        ::kill(daemon_, SIGKILL);
+        ::waitpid(daemon_, nullptr, 0);
+    }
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+int PrivateBus::starts() const {
+    std::ifstream file(folder_ / "starts");
+    int starts = 0;
+    for (std::string line; std::getline(file, line);) ++starts;
+    return starts;
 }
 
 }  // namespace InkoraKit

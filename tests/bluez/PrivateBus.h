@@ -2,11 +2,13 @@
 
 #include <sys/types.h>
 
+#include <filesystem>
 #include <string>
 
 namespace InkoraKit {
 
-/// A message bus of this process's own. While it lives, it is the system bus.
+/// A message bus of this process's own, which takes no more than four match rules of anybody, and
+/// starts org.bluez by writing down that it was to. While it lives, it is the system bus.
 class PrivateBus {
 public:
     enum class Policy { open, bluezDenied };
@@ -22,7 +24,11 @@ public:
     /// Empty when the bus did not start.
     const std::string& address() const { return address_; }
 
+    /// How often org.bluez was to be started.
+    int starts() const;
+
 private:
+    std::filesystem::path folder_;
     pid_t daemon_ = -1;
     std::string address_;
 };

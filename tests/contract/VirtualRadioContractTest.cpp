@@ -59,7 +59,8 @@ TEST_P(RadioContract, TableChangesDuringALink) {
     world->notify(*heir, Data{0x02});
     radio->read(pen, kept);
     waitForQuiet();
-    EXPECT_EQ(record.take(), (Lines{"services gone 1", "1F14 notified <02>", "1F14 read <05>"}));
+    EXPECT_EQ(record.take(),
+              (Lines{"1 services invalidated", "1F14 notified <02>", "1F14 read <05>"}));
 
     radio->discoverServices(pen);
     waitFor("services");

@@ -5,77 +5,77 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <map>
+#include <numeric>
 #include <span>
 #include <sstream>
 
 namespace InkoraKit {
 namespace {
 
-using Steps = std::vector<JSONKey>;
+using Steps = std::span<const JSONKey>;
 
 /// What the kit reads at the end of the steps, taken one by one.
-JSON taken(const JSON& json, std::span<const JSONKey> steps) {
+JSON taken(const JSON& json, Steps steps) {
     if (steps.empty()) return json;
     const JSONKey& step = steps.front();
     return taken(step.index() ? json[*step.index()] : json[*step.key()], steps.subspan(1));
 }
 
-/// Does something to the place at the end of the steps, taken one by one.
-template <class Action>
-void atPlace(JSONPlace&& place, std::span<const JSONKey> steps, const Action& action) {
-    if (steps.empty()) {
-        action(std::move(place));
-    } else if (const auto index = steps.front().index()) {
-        atPlace(std::move(place)[*index], steps.subspan(1), action);
-    } else {
-        atPlace(std::move(place)[*steps.front().key()], steps.subspan(1), action);
-    }
-}
-template <class Action>
-void atPlace(JSON& json, std::span<const JSONKey> steps, const Action& action) {
+/// Does something to the place at the end of the steps, of which there is one at least, taken one
+/// by one.
+template <class Place, class Action>
+void atPlace(Place&& place, Steps steps, const Action& action) {
+    const auto next = [&](JSONPlace&& inner) {
+        if (steps.size() == 1) {
+            action(std::move(inner));
+        } else {
+            atPlace(std::move(inner), steps.subspan(1), action);
+        }
+    };
     if (const auto index = steps.front().index()) {
-        atPlace(json[*index], steps.subspan(1), action);
+        next(std::forward<Place>(place)[*index]);
     } else {
-        atPlace(json[*steps.front().key()], steps.subspan(1), action);
+        next(std::forward<Place>(place)[*steps.front().key()]);
     }
 }
 
-PlainJSON taken(const PlainJSON& plain, std::span<const JSONKey> steps) {
-    const PlainJSON* place = &plain;
-    for (const JSONKey& step : steps)
-        if (place) place = place->child(step);
-    return place ? *place : PlainJSON();
+PlainJSON* find(PlainJSON& plain, Steps steps) {
+    if (steps.empty()) return &plain;
+    const auto index = steps.front().index();
+    if (plain.is_array() && index && *index >= 0 && static_cast<std::size_t>(*index) < plain.size())
+        return find(plain[static_cast<std::size_t>(*index)], steps.subspan(1));
+    if (!plain.is_object() || index || !plain.contains(*steps.front().key())) return nullptr;
+    return find(plain[*steps.front().key()], steps.subspan(1));
+}
+
+PlainJSON takenPlainly(PlainJSON& plain, Steps steps) {
+    const PlainJSON* const found = find(plain, steps);
+    return found ? *found : PlainJSON();
 }
 
 /// What is before the last step, if that is there.
-PlainJSON* parentOf(PlainJSON& plain, const Steps& steps) {
-    PlainJSON* place = &plain;
-    for (const JSONKey& step : std::span(steps).first(steps.size() - 1))
-        if (place) place = place->child(step);
-    return place;
+PlainJSON* parentOf(PlainJSON& plain, Steps steps) {
+    return steps.empty() ? nullptr : find(plain, steps.first(steps.size() - 1));
 }
 
-void write(PlainJSON& plain, const Steps& steps, PlainJSON value) {
+void write(PlainJSON& plain, Steps steps, PlainJSON value) {
     PlainJSON* const parent = parentOf(plain, steps);
-    if (!parent) return;
-    if (PlainJSON* const known = parent->child(steps.back())) {
+    if (PlainJSON* const known = find(plain, steps)) {
         *known = std::move(value);
-    } else if (parent->type == Type::dictionary && steps.back().key()) {
-        parent->set(*steps.back().key(), std::move(value));
+    } else if (parent && parent->is_object() && steps.back().key()) {
+        (*parent)[*steps.back().key()] = std::move(value);
     }
 }
 
 /// Whether the types allow it.
 bool merge(PlainJSON& plain, const PlainJSON& other) {
-    if (plain.type != other.type) return false;
-    if (plain.type == Type::array) {
-        plain.members.insert(plain.members.end(), other.members.begin(), other.members.end());
-    } else if (plain.type == Type::dictionary) {
-        for (const auto& [key, value] : other.members) {
-            PlainJSON* const known = plain.child(key);
-            const bool isContainer = value.type == Type::array || value.type == Type::dictionary;
-            if (!known || !isContainer || !merge(*known, value)) plain.set(key, value);
+    if (typeOf(plain) != typeOf(other)) return false;
+    if (plain.is_array()) {
+        plain.insert(plain.end(), other.begin(), other.end());
+    } else if (plain.is_object()) {
+        for (const auto& [key, value] : other.items()) {
+            PlainJSON& member = plain[key];
+            if (!value.is_structured() || !merge(member, value)) member = value;
         }
     } else {
         plain = other;
@@ -83,221 +83,177 @@ bool merge(PlainJSON& plain, const PlainJSON& other) {
     return true;
 }
 
+/// A value that is equal to another one's where the kit finds both equal within arrays and
+/// dictionaries: true is 1, and the order of members does not count.
+nlohmann::json comparable(const PlainJSON& plain) {
+    if (plain.is_boolean()) return plain.get<bool>() ? 1 : 0;
+    if (!plain.is_structured()) return plain;
+    nlohmann::json result(plain.type());
+    for (const auto& [key, value] : plain.items()) {
+        if (plain.is_array()) {
+            result.push_back(comparable(value));
+        } else {
+            result[key] = comparable(value);
+        }
+    }
+    return result;
+}
+
+/// How many values it consists of.
+std::size_t sizeOf(const PlainJSON& plain) {
+    if (!plain.is_structured()) return 1;
+    return std::accumulate(plain.begin(), plain.end(), std::size_t{1},
+                           [](auto sum, const auto& part) { return sum + sizeOf(part); });
+}
+
+struct Variable {
+    JSON json;
+    PlainJSON plain;
+};
+
+using Path = std::vector<JSONKey>;
+
 class Player {
 public:
     void play(std::string_view script) {
         std::istringstream lines{std::string(script)};
         for (std::string line; std::getline(lines, line);) {
-            arguments = std::istringstream(line);
-            const auto action = actions.find(word());
-            if (action == actions.end()) continue;
-            (this->*action->second)();
+            step(std::istringstream(line));
             check();
         }
     }
 
 private:
-    struct Variable {
-        JSON json;
-        PlainJSON plain;
-    };
+    void step(std::istringstream words) {
+        std::string action;
+        words >> action;
+        Variable& to = variable(words);
+        if (action == "parse") {
+            std::string text;
+            std::getline(words >> std::ws, text);
+            parse(to, text);
+            return;
+        }
+        const Path path = readPath(words);
+        Variable& from = variable(words);
+        const Path fromPath = readPath(words);
+        // A negative position in an array would end the process.
+        const PlainJSON* const parent = parentOf(to.plain, path);
+        if (parent && parent->is_array() && path.back().index().value_or(0) < 0) return;
+        if (action == "put") put(to, path, from, fromPath);
+        if (action == "merge") mergeAt(to, path, from);
+        if (action == "detach") to.json = to.json.detached();
+        if (action == "erase") erase(to, path);
+        if (action == "loop") loop(to, from);
+    }
 
     void check() {
+        std::vector<nlohmann::json> compared;
         for (Variable& variable : variables) {
-            require(variable.plain.matches(variable.json), "a value is what it should be");
-            if (variable.plain.size() > largestSize) variable = {};
+            require(matches(variable.plain, variable.json), "a value is what it should be");
+            if (sizeOf(variable.plain) > largestSize) variable = {};
+            compared.push_back(comparable(variable.plain));
         }
-        for (const auto& [json, plain] : variables) {
-            for (const auto& [otherJson, otherPlain] : variables) {
-                require((json == otherJson) == (plain == otherPlain), "what is equal");
-                require(!(json == otherJson) || json.hash() == otherJson.hash(), "equal hashes");
-                const bool isBefore =
-                    plain.type == otherPlain.type &&
-                    ((plain.type == Type::number && plain.number < otherPlain.number) ||
-                     (plain.type == Type::string && plain.text < otherPlain.text));
-                require((json < otherJson) == isBefore, "what is before");
+        for (std::size_t i = 0; i < variables.size(); ++i) {
+            for (std::size_t k = 0; k < variables.size(); ++k) {
+                const auto& [json, plain] = variables[i];
+                const auto& [otherJson, otherPlain] = variables[k];
+                const bool isSameType = typeOf(plain) == typeOf(otherPlain);
+                const bool areEqual = isSameType && compared[i] == compared[k];
+                const bool hasOrder = isSameType && (plain.is_number() || plain.is_string());
+                require((json == otherJson) == areEqual, "what is equal");
+                require(!areEqual || json.hash() == otherJson.hash(), "equal hashes");
+                require((json < otherJson) == (hasOrder && plain < otherPlain), "what is before");
             }
         }
     }
 
-    std::string word() {
-        std::string text;
-        arguments >> text;
-        return text;
-    }
-    Variable& variable() {
+    Variable& variable(std::istringstream& words) {
         unsigned number = 0;
-        arguments >> number;
+        words >> number;
         return variables[number % variables.size()];
     }
-    Steps steps() {
-        Steps steps;
-        std::istringstream parts(word());
+    static Path readPath(std::istringstream& words) {
+        Path path;
+        std::string word;
+        words >> word;
+        std::istringstream parts(word);
         std::string part;
         std::getline(parts, part, '/');
         while (std::getline(parts, part, '/')) {
             std::int64_t index = 0;
             const char* const end = part.data() + part.size();
             const bool isIndex = std::from_chars(part.data(), end, index).ptr == end;
-            steps.push_back(isIndex && !part.empty() ? JSONKey(index) : JSONKey(part));
+            path.push_back(isIndex && !part.empty() ? JSONKey(index) : JSONKey(part));
         }
-        return steps;
-    }
-    /// Whether one may try to write: a negative position in an array ends the process.
-    static bool isWritable(PlainJSON& plain, const Steps& steps) {
-        if (steps.empty()) return false;
-        const PlainJSON* const parent = parentOf(plain, steps);
-        return !parent || parent->type != Type::array || steps.back().index().value_or(0) >= 0;
+        return path;
     }
 
-    void parse() {
-        Variable& to = variable();
-        std::string text;
-        std::getline(arguments >> std::ws, text);
-        auto plain = PlainJSON::parse(text);
+    static void parse(Variable& to, const std::string& text) {
+        // Both readers make numbers that compare alike only of what fits into a double.
+        const auto isOfNumeral = [](char c, int) { return c == '.' || (c >= '0' && c <= '9'); };
+        if (std::search_n(text.begin(), text.end(), 16, 0, isOfNumeral) != text.end()) return;
+        auto plain = parsePlainly(text);
         to = {plain ? JSON::parse(text) : JSON(), std::move(plain).value_or(PlainJSON())};
     }
-    void many() {
-        Variable& to = variable();
-        unsigned count = 0;
-        arguments >> count;
-        std::string text;
-        for (unsigned i = 0; i < count % 100; ++i)
-            text += (i > 0 ? ",\"" : "\"") + std::string(i % 20, 'k') + std::to_string(i) +
-                    "\":" + std::to_string(i);
-        text = "{" + text + "}";
-        to = {JSON::parse(text), *PlainJSON::parse(text)};
-    }
-    void copy() {
-        Variable& to = variable();
-        to = variable();
-    }
-    void take() {
-        Variable& to = variable();
-        const Variable& from = variable();
-        const Steps path = steps();
-        PlainJSON plain = taken(from.plain, path);
-        require(plain.matches(from.json[JSONPath(path)]), "a path leads where its steps lead");
-        to = {taken(from.json, path), std::move(plain)};
-    }
-    void put() {
-        Variable& to = variable();
-        const Steps path = steps();
-        const Variable& from = variable();
-        if (!isWritable(to.plain, path)) return;
-        atPlace(to.json, path, [&](JSONPlace&& place) { std::move(place) = from.json; });
-        write(to.plain, path, from.plain);
-    }
-    void path() {
-        Variable& to = variable();
-        const Steps path = steps();
-        const Variable& from = variable();
-        if (!path.empty() && !isWritable(to.plain, path)) return;
-        to.json[JSONPath(path)] = from.json;
-        if (!path.empty()) write(to.plain, path, from.plain);
-    }
-    void part() {
-        Variable& to = variable();
-        const Steps path = steps();
-        Variable& from = variable();
-        const Steps fromPath = steps();
-        if (!isWritable(to.plain, path) || fromPath.empty()) return;
+    static void put(Variable& to, const Path& path, Variable& from, const Path& fromPath) {
+        PlainJSON plain = takenPlainly(from.plain, fromPath);
+        const JSON part = from.json[JSONPath(fromPath)];
+        require(matches(plain, part), "a path leads where its steps lead");
+        if (path.empty()) {
+            to = {taken(from.json, fromPath), std::move(plain)};
+            return;
+        }
+        Variable byPath = to;
+        byPath.json[JSONPath(path)] = part;
+        write(byPath.plain, path, plain);
+        require(matches(byPath.plain, byPath.json), "a path writes where its steps would");
+        byPath = {};  // so that what changes now is not always shared
         atPlace(to.json, path, [&](JSONPlace&& place) {
-            atPlace(from.json, fromPath, [&](JSONPlace&& other) { std::move(place) = other; });
-        });
-        write(to.plain, path, taken(from.plain, fromPath));
-    }
-    /// Whether the operation is refused for the types of what it is to merge.
-    template <class Operation>
-    static bool isRefused(const Operation& operation) {
-        try {
-            operation();
-            return false;
-        } catch (const NSError& error) {
-            require(error.code() == ErrorWrongType, "the error of a merge");
-            return true;
-        }
-    }
-    void mergeAll() {
-        Variable& to = variable();
-        const Variable& from = variable();
-        const bool isPossible = merge(to.plain, PlainJSON(from.plain));
-        require(isRefused([&] { to.json.merge(from.json); }) != isPossible, "what can be merged");
-    }
-    void join() {
-        Variable& to = variable();
-        const Steps path = steps();
-        const Variable& from = variable();
-        if (!isWritable(to.plain, path)) return;
-        PlainJSON merged = taken(to.plain, path);
-        const bool isPossible = merge(merged, from.plain);
-        const bool isRefusedHere = isRefused([&] {
-            atPlace(to.json, path, [&](JSONPlace&& place) { std::move(place).merge(from.json); });
-        });
-        require(isRefusedHere != isPossible, "what can be merged at a place");
-        if (isPossible) write(to.plain, path, std::move(merged));
-    }
-    void detach() {
-        JSON& json = variable().json;
-        json = json.detached();
-    }
-    void list() {
-        Variable& to = variable();
-        const Variable& first = variable();
-        const Variable& second = variable();
-        PlainJSON plain{Type::array, 0, {}, {{"", first.plain}, {"", second.plain}}};
-        to = {JSON::arrayOf(first.json, second.json), std::move(plain)};
-    }
-    void append() {
-        Variable& to = variable();
-        const Variable& from = variable();
-        auto elements = to.json.arrayObject();
-        require(elements.has_value() == (to.plain.type == Type::array), "which are arrays");
-        if (!elements) return;
-        elements->append(from.json.object());
-        to.json.setArrayObject(elements);
-        to.plain.members.push_back({"", PlainJSON(from.plain)});
-    }
-    void erase() {
-        Variable& to = variable();
-        const std::string key = word();
-        auto members = to.json.dictionaryObject();
-        if (!members) return;
-        const bool isThere = to.plain.child(key) != nullptr;
-        require(members->erase(key) == isThere, "which members can be erased");
-        to.json.setDictionaryObject(members);
-        std::erase_if(to.plain.members, [&](const auto& member) { return member.key == key; });
-    }
-    void loop() {
-        Variable& to = variable();
-        const PlainJSON start = to.plain;
-        const Variable replacement = variable();
-        std::size_t position = 0;
-        for (const auto& [key, value] : to.json) {
-            if (position == 0) {
-                to = replacement;
+            if (fromPath.empty()) {
+                std::move(place) = from.json;
             } else {
-                to.json[key] = value;
-                write(to.plain, {JSONKey(key)}, start.members[position].value);
+                atPlace(from.json, fromPath, [&](auto&& other) { std::move(place) = other; });
             }
-            require(start.members[position++].value.matches(value), "a loop shows its start");
-        }
-        require(position == start.members.size(), "a loop goes to its end");
+        });
+        write(to.plain, path, std::move(plain));
     }
-
-    using Action = void (Player::*)();
-    // clang-format off
-    inline static const std::map<std::string, Action> actions = {
-        {"parse", &Player::parse},    {"many", &Player::many},     {"copy", &Player::copy},
-        {"take", &Player::take},      {"put", &Player::put},       {"path", &Player::path},
-        {"part", &Player::part},      {"merge", &Player::mergeAll}, {"join", &Player::join},
-        {"detach", &Player::detach},  {"list", &Player::list},     {"append", &Player::append},
-        {"erase", &Player::erase},    {"loop", &Player::loop}};
-    // clang-format on
+    static void mergeAt(Variable& to, Steps path, const Variable& from) {
+        PlainJSON merged = takenPlainly(to.plain, path);
+        const bool isPossible = merge(merged, PlainJSON(from.plain));
+        try {
+            if (path.empty()) {
+                to.json.merge(from.json);
+            } else {
+                atPlace(to.json, path, [&](auto&& at) { std::move(at).merge(from.json); });
+            }
+            require(isPossible, "what cannot be merged is refused");
+            write(to.plain, path, std::move(merged));
+        } catch (const NSError& error) {
+            require(!isPossible && error.code() == ErrorWrongType, "why merging is refused");
+        }
+    }
+    static void erase(Variable& to, Steps path) {
+        auto members = to.json.dictionaryObject();
+        if (!members || path.empty() || !path[0].key()) return;
+        const bool isErased = members->erase(*path[0].key());
+        require(isErased == (to.plain.erase(*path[0].key()) > 0), "which members can be erased");
+        to.json.setDictionaryObject(members);
+    }
+    static void loop(Variable& to, const Variable& from) {
+        const Variable replacement = from;
+        const PlainJSON start = to.plain;
+        auto expected = start.begin();
+        for (const auto& [key, value] : to.json) {
+            if (expected == start.begin()) to = replacement;
+            to.json[key] = value;
+            write(to.plain, std::array{JSONKey(key)}, *expected);
+            require(matches(*expected++, value), "a loop shows its start");
+        }
+    }
 
     static constexpr std::size_t largestSize = 300;  // beyond which a value is dropped
     std::array<Variable, 4> variables;
-    std::istringstream arguments;
 };
 
 }  // namespace

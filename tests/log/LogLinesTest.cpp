@@ -1,3 +1,4 @@
+#include "platform/radios/bluez/Properties.h"
 #include "support/PenScript.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +33,14 @@ protected:
 TEST(LogLinesTest, EveryStepWritesItsLine) {
     expectTranscripts(INKORA_TESTS "/log/transcripts",
                       [] { return std::make_unique<LogScript>(); });
+}
+
+TEST(LogLinesTest, APropertyOfAnotherTypeIsToldOf) {
+    testing::internal::CaptureStdout();
+    const bool* const found = find<bool>({{"Powered", std::string("yes")}}, "Powered");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "D-Bus: Powered has a type that it should not have\n");
+    EXPECT_EQ(found, nullptr);
 }
 
 }  // namespace

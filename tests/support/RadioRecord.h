@@ -68,9 +68,6 @@ public:
         }
         lines.push_back(line + outcome(error));
     }
-    void servicesInvalidated(const UUID&, const std::vector<AttributeHandle>& gone) override {
-        lines.push_back("services gone " + std::to_string(gone.size()));
-    }
     void valueRead(const UUID&, AttributeHandle characteristic, std::optional<Data> value,
                    const std::optional<NSError>& error) override {
         lines.push_back(nameOf(characteristic) + " read " + shown(value) + outcome(error));
@@ -83,6 +80,9 @@ public:
                              const std::optional<NSError>& error) override {
         lines.push_back(nameOf(characteristic) + (isNotifying ? " subscribed" : " not subscribed") +
                         outcome(error));
+    }
+    void servicesInvalidated(const UUID&, const std::vector<AttributeHandle>& gone) override {
+        lines.push_back(std::to_string(gone.size()) + " services invalidated");
     }
     void rssiRead(const UUID&, std::optional<int> rssi,
                   const std::optional<NSError>& error) override {

@@ -21,20 +21,12 @@ std::string faultOf(const std::string& text) {
 }
 
 std::string times(std::size_t count, const std::string& text) {
-    std::string result;
-    for (std::size_t i = 0; i < count; ++i) result += text;
-    return result;
+    return count == 0 ? "" : text + times(count - 1, text);
 }
 
 TEST(JsonTextFault, ShowsTheLineAndThePlaceInIt) {
-    struct Case {
-        std::string text;
-        std::string place;
-        std::string line;
-        std::size_t caret;
-    };
     // clang-format off
-    const Case cases[] = {
+    const struct { std::string text, place, line; std::size_t caret; } cases[] = {
         {"01", "line 1, column 2 (characters from 1; byte 1 from 0)", "01", 1},
         {"{\n \"a\": ?\n}", "line 2, column 7 (characters from 1; byte 8 from 0)", " \"a\": ?", 6},
         {"[1]\r\n\r\n?", "line 3, column 1 (characters from 1; byte 7 from 0)", "?", 0},

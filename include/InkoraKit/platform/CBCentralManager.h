@@ -3,6 +3,7 @@
 #include <InkoraKit/Export.h>
 #include <InkoraKit/platform/Any.h>
 #include <InkoraKit/platform/CBManagerState.h>
+#include <InkoraKit/platform/CBManagerStateReason.h>
 #include <InkoraKit/platform/CBPeripheral.h>
 #include <InkoraKit/platform/CBUUID.h>
 #include <InkoraKit/platform/NSError.h>
@@ -72,6 +73,10 @@ public:
     /// `unknown` until the radio has answered. It changes with the callback that tells of it, and
     /// commands between a loss of power and that callback are ignored without a word.
     CBManagerState state() const;
+
+    /// Why the adapter cannot be used now, for people and logs: asked for anew with each call, and
+    /// so perhaps a moment ahead of `state`.
+    CBManagerStateReason stateReason() const;
 
     /// True from `scanForPeripherals` to `stopScan`, or to the callback of a loss of power, which
     /// ends a scan for good.

@@ -42,6 +42,10 @@ CBManagerState CBCentralManager::state() const {
     return core_->state();
 }
 
+CBManagerStateReason CBCentralManager::stateReason() const {
+    return core_->stateReason();
+}
+
 bool CBCentralManager::isScanning() const {
     return core_->isScanning();
 }

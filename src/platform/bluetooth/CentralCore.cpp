@@ -121,6 +121,10 @@ std::shared_ptr<CBPeripheral> CentralCore::peripheralFor(const UUID& identifier)
 
 // --- adapter ------------------------------------------------------------------------------------
 
+CBManagerStateReason CentralCore::stateReason() const {
+    return radio_ ? radio_->stateReason() : CBManagerStateReason::none;
+}
+
 void CentralCore::adapterStateChanged(CBManagerState state) {
     if (radioState_ == state) return;
     radioState_ = state;

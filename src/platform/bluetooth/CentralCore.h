@@ -36,6 +36,7 @@ public:
     std::weak_ptr<CBCentralManagerDelegate> delegate;
     /// As the delegate was told last.
     CBManagerState state() const { return state_; }
+    CBManagerStateReason stateReason() const;
     bool isScanning() const { return isScanning_; }
 
     void startScan(const std::vector<CBUUID>& services);

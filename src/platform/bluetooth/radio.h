@@ -1,6 +1,7 @@
 #pragma once
 
 #include <InkoraKit/platform/CBManagerState.h>
+#include <InkoraKit/platform/CBManagerStateReason.h>
 #include <InkoraKit/platform/CBUUID.h>
 #include <InkoraKit/platform/Data.h>
 #include <InkoraKit/platform/NSError.h>
@@ -86,7 +87,7 @@ public:
     /// The peripheral changed its table of services during the link: these services are no longer
     /// what they were, and their handles name nothing. What was subscribed stays so where the new
     /// table has the same characteristic (same service and characteristic UUID): its handle goes on
-    /// naming it.
+    /// naming it. The list is empty where the table has only grown.
     virtual void servicesInvalidated(const UUID& peripheral,
                                      const std::vector<AttributeHandle>& services) = 0;
     /// Exactly one answer to each `read`. A read that succeeds may still carry no value.
@@ -114,6 +115,9 @@ public:
     /// Called once, first of all. The radio reports its adapter's state as soon as it knows it, and
     /// each change from then on. The listener outlives the radio.
     virtual void start(RadioListener& listener) = 0;
+
+    /// Why the adapter cannot be used now, where the radio knows.
+    virtual CBManagerStateReason stateReason() const { return CBManagerStateReason::none; }
 
     /// Reports every advertiser heard from now on, as often as the system lets it be heard.
     virtual void startScan() = 0;

@@ -12,6 +12,7 @@ public:
     void start(RadioListener& listener) override {
         listener.adapterStateChanged(CBManagerState::unsupported);
     }
+    CBManagerStateReason stateReason() const override { return CBManagerStateReason::noService; }
     void startScan() override {}
     void stopScan() override {}
     void connect(const UUID&) override {}

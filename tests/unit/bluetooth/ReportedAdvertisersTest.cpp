@@ -12,6 +12,8 @@ TEST(ReportedAdvertisersTest, OneThatGoesOnBeingHeardIsNewsByItsNameAlone) {
     const UUID pen;
     std::uint32_t passersBy = 0;
     EXPECT_TRUE(reported.isNews(pen, std::nullopt));
+    const UUID silent;
+    EXPECT_TRUE(reported.isNews(silent, "Lamp"));
     for (const char* name : {"InkoraPen", "HuveloPen"}) {
         EXPECT_TRUE(reported.isNews(pen, name));
         for (int passer = 0; passer < 60'000; ++passer) {
@@ -24,6 +26,7 @@ TEST(ReportedAdvertisersTest, OneThatGoesOnBeingHeardIsNewsByItsNameAlone) {
             ASSERT_FALSE(reported.isNews(pen, std::nullopt)) << passer;
         }
     }
+    EXPECT_TRUE(reported.isNews(silent, "Lamp")) << "the crowd that is remembered has a limit";
     reported.clear();
     EXPECT_TRUE(reported.isNews(pen, "HuveloPen"));
 }

@@ -55,34 +55,32 @@ TEST(JSONAccessTest, NumbersAreReadAndKeptInEveryWidth) {
                 json.uInt32Value() == 4294967294);
     EXPECT_TRUE(JSON(0.1f).doubleValue() == 0.1f && JSON(1e300).floatValue() > 1e38f);
 
-    const auto kept = [](auto set) {
+    const auto kept = []<class V>(void (JSON::*set)(V)&, std::type_identity_t<V> value) {
         JSON result = JSON()["missing"];
-        set(result);
+        (result.*set)(value);
         EXPECT_FALSE(result.error());
         return std::string(result.numberValue().objCType()) + compact(result);
     };
+    // clang-format off
     const std::pair<std::string, std::string> cases[] = {
-        {kept([](JSON& value) { value.setInt8(-1); }), "q-1"},  // widened
-        {kept([](JSON& value) { value.setUInt8Value(255); }), "s255"},
-        {kept([](JSON& value) { value.setInt16(-1); }), "s-1"},
-        {kept([](JSON& value) { value.setUInt16(1); }), "i1"},
-        {kept([](JSON& value) { value.setUInt32(1); }), "q1"},
-        {kept([](JSON& value) { value.setUIntValue(UINT64_MAX); }), "Q18446744073709551615"},
-        {kept([](JSON& value) { value.setFloat(1.5f); }), "f1.5"},
-        {kept([](JSON& value) { value.setBool(true); }), "qtrue"},
-        {kept([](JSON& value) { value.setNumber(NSNumber(true)); }), "qtrue"},
-        {kept([](JSON& value) { value.setString(std::nullopt); }), "dnull"},
-        {kept([](JSON& value) { value.setUrl(URL::fromString("a%20b")); }), "da%20b"}};
+        {kept(&JSON::setInt8, -1), "q-1"},  // widened
+        {kept(&JSON::setUInt8Value, 255), "s255"}, {kept(&JSON::setInt16, -1), "s-1"},
+        {kept(&JSON::setUInt16, 1), "i1"},         {kept(&JSON::setUInt32, 1), "q1"},
+        {kept(&JSON::setUIntValue, UINT64_MAX), "Q18446744073709551615"},
+        {kept(&JSON::setFloat, 1.5f), "f1.5"},     {kept(&JSON::setBool, true), "qtrue"},
+        {kept(&JSON::setNumber, NSNumber(true)), "qtrue"},
+        {kept(&JSON::setString, std::nullopt), "dnull"},
+        {kept(&JSON::setUrl, URL::fromString("a%20b")), "da%20b"}};
+    // clang-format on
     for (const auto& [found, wanted] : cases) EXPECT_EQ(found, wanted);
 }
 
 TEST(JSONAccessTest, UrlsAreEscapedUnlessTheyAreAlready) {
+    // clang-format off
     const std::pair<const char*, const char*> cases[] = {
-        {"a b", "a%20b"},       {"a%20b", "a%20b"}, {"100%", "100%25"},
-        {"a%2", "a%252"},       {"a%zz", "a%25zz"}, {"http://x/é", "http://x/%C3%A9"},
-        {"q?x=1&y", "q?x=1&y"}, {"#", "%23"},       {"http://[::1]/", "http://%5B::1%5D/"},
-        {"a%20b#c", "a%20b#c"}, {"", nullptr},      {"a%20b c", nullptr},
-        {"a%20b#c#d", nullptr}, {"é%20", nullptr},  {"😀", "%F0%9F%98%80"}};
+        {"é b", "%C3%A9%20b"}, {"a%20b#c", "a%20b#c"}, {"a%zz", "a%25zz"}, {"", nullptr},
+        {"a%20b c", nullptr}};
+    // clang-format on
     for (const auto& [text, url] : cases) {
         const auto found = JSON(text).url();
         EXPECT_EQ(found ? found->absoluteString() : "", url ? url : "");
@@ -122,47 +120,19 @@ TEST(JSONAccessTest, TheFirstFailedStepOfAPathIsReported) {
 }
 
 TEST(JSONAccessTest, WritesDoWhatTheTypesAllowAndNothingElse) {
-    const JSON failed = JSON("x")[0];
-    // clang-format off
-    const struct { const char* before; JSONPath path; JSON value; const char* after; } cases[] = {
-        {R"({"a":{}})", {"a", "b"}, 5, R"({"a":{"b":5}})"}, {"{}", {"a", "b"}, 5, "{}"},
-        {R"({"a":1,"b":2})", {"a"}, "x", R"({"a":"x","b":2})"}, {"{}", {"a"}, 5, R"({"a":5})"},
-        {R"({"a":1})", {"a", "b"}, 5, R"({"a":1})"}, {R"({"a":1})", {0}, 5, R"({"a":1})"},
-        {"[0]", {1}, "q", "[0]"},        {"[0]", {0}, "q", R"(["q"])"}, {"[0]", {"k"}, "q", "[0]"},
-        {"[0]", {}, 5, "[0]"},           {"5", {"k"}, 6, "5"},
-        {"[[0,[1]]]", {0, 1, 0}, JSON{{"k", 2}}, R"([[0,[{"k":2}]]])"},
-        {"[[0]]", {-1, 0}, 5, "[[0]]"},  // a negative step before the last one leads nowhere
-        {"{}", {"k"}, failed, R"({"k":null})"},  // the error is not written
-        {"[1]", {0}, JSON(NSError("", 0)), "[null]"}};
-    // clang-format on
-    for (const auto& [before, path, value, after] : cases) {
-        JSON json = JSON::parse(before);
-        const JSON copy = json;
-        json[path] = value;
-        EXPECT_EQ(compact(json), after);
-        JSON own = copy.detached();
-        own[path] = value;
-        EXPECT_EQ(compact(own), after);
-        EXPECT_EQ(compact(copy), before);
-    }
-    JSON list = JSON::arrayOf(1);
-    EXPECT_DEATH(list[-1] = 5, "Fatal error: Index out of range");
+    JSON json = JSON::parse(R"({"a":[0,1],"b":{}})");
+    json[{"a", 0}] = JSON("x")[0];  // whose error is not written
+    json["a"][1] = JSON(NSError("", 0));
+    json["b"] = JSON{{"k", 2}};
+    json[JSONPath{}] = 5;
+    json["a"][-1][0] = 5;  // a negative step before the last one leads nowhere
+    EXPECT_EQ(compact(json), R"({"a":[null,null],"b":{"k":2}})");
+    EXPECT_DEATH(json["a"][-1] = 5, "Fatal error: Index out of range");
 }
 
-TEST(JSONAccessTest, ADocumentCanBeWrittenIntoItself) {
-    JSON json = JSON::parse(R"({"a":{"b":[1]},"c":2})");
-    json["c"] = json["a"]["b"];
-    json["a"]["b"][0] = json;
-    EXPECT_EQ(compact(json), R"({"a":{"b":[{"a":{"b":[1]},"c":[1]}]},"c":[1]})");
-    json["a"] = json["a"]["b"][0]["a"];
-    EXPECT_EQ(compact(json), R"({"a":{"b":[1]},"c":[1]})");
-    json["a"]["b"].merge(json["c"]);
-    json["c"].setObject("long enough to need memory of its own");
-    EXPECT_EQ(compact(json["a"]), R"({"b":[1,1]})");
-    EXPECT_THROW(json["a"].merge(json["c"]), NSError);
-
+TEST(JSONAccessTest, WhatIsWrittenOnTheWayIsConverted) {
     JSON holder(Array{Data::fromText(R"({"k":[1]})"), Any(std::vector<JSON>{1, 2})});
-    holder[0]["k"][0] = holder[1][1];  // bytes and arrays of JSON are converted on the way
+    holder[0]["k"][0] = holder[1][1];
     holder[{1, 0}] = "x";
     EXPECT_EQ(compact(holder), R"([{"k":[2]},["x",2]])");
 }
@@ -187,28 +157,22 @@ TEST(JSONAccessTest, APlaceKeptIsAValueOfItsOwn) {
 TEST(JSONAccessTest, IterationShowsTheContentsAtItsStart) {
     std::ostringstream shown;
     JSON json = JSON::parse(R"(["x",{"a long, long key":[null]},-1])");
-    for (const auto& [key, value] : json) {
-        json[0] = "changed";
-        json = json[key == "0" ? 1 : 0];
-        shown << key << '=' << compact(value) << ' ';
-    }
-    for (const auto& [key, value] : JSON::parse(R"({"a long, long key":[null],"b":1})"))
-        shown << std::string(key) << '=' << compact(value) << ' ';
-    EXPECT_EQ(shown.str(),
-              "0=x 1={\"a long, long key\":[null]} 2=-1 "
-              "a long, long key=[null] b=1 ");
     std::vector<JSONMember> kept;
-    {
-        const JSON gone = JSON::parse(R"({"a long, long key":"a long, long text"})");
-        for (auto member = gone.begin(); member != gone.end(); member++) kept.push_back(*member);
+    for (auto member = json.begin(); member != json.end(); member++) {
+        json = json[member->key == "0" ? 1 : 0];
+        shown << member->key << '=' << compact(member->value) << ' ';
+        kept.push_back(*member);
     }
-    EXPECT_EQ(kept[0].key, "a long, long key");
-    EXPECT_EQ(kept[0].value, "a long, long text");
+    for (const auto& [key, value] : kept[1].value) shown << key << '=' << compact(value);
+    EXPECT_EQ(shown.str(), "0=x 1={\"a long, long key\":[null]} 2=-1 a long, long key=[null]");
+    EXPECT_EQ(kept[1].key, "1");
     for (const JSON& none : {JSON(5), JSON(), JSON("x"), JSON(NSError("", 0)), JSON::arrayOf()})
         EXPECT_TRUE(none.begin() == none.end() && none.startIndex() == none.endIndex());
 }
 
 TEST(JSONAccessTest, PositionsLeadThroughTheContents) {
+    using Position = JSON::Index;
+    const std::pair<std::string, JSON> nothing;
     for (const char* text : {R"(["x","y"])", R"({"0":"x","1":"y"})"}) {
         const JSON json = JSON::parse(text);
         std::string shown;
@@ -216,10 +180,12 @@ TEST(JSONAccessTest, PositionsLeadThroughTheContents) {
             shown += json[i].first + json[i].second.stringValue();
         EXPECT_EQ(shown, "0x1y");
         EXPECT_EQ(json[json.endIndex()].first, "");
+        const auto other =
+            json.type() == Type::array ? Position::dictionary(0) : Position::array(0);
+        EXPECT_EQ(json[other], nothing);  // a position in another kind of container
     }
-    using Position = JSON::Index;
     EXPECT_EQ(JSON(5).indexAfter(JSON(5).startIndex()), Position::null());
-    EXPECT_EQ(JSON(5)[Position::null()], std::pair(std::string(), JSON()));
+    EXPECT_EQ(JSON(5)[Position::null()], nothing);
     EXPECT_FALSE(Position::null() < Position::null() ||
                  Position::array(0) < Position::dictionary(1));
 }

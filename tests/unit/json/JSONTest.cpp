@@ -102,6 +102,11 @@ TEST(JSONTest, SettingTheObjectDecidesTheTypeAnew) {
     json.setNull();
     json.setObject(list);
     EXPECT_EQ(compact(json), "[4]");
+    json.setObject(Dictionary{{"k", 1}});
+    json["k"] = 2;  // which changes nothing about what it was
+    json.merge(JSON{{"k", 3}});
+    json.setObject(list);
+    EXPECT_EQ(compact(json), "[4]");
     json = 5;  // with nothing left of what it was
     json.setObject(list);
     EXPECT_EQ(compact(json), "[]");
@@ -131,9 +136,8 @@ TEST(JSONTest, WhatJSONCannotHoldIsUnknown) {
 
 TEST(JSONTest, TextThatCannotBeReadIsNullAndTellsWhyIfAsked) {
     using enum JSONSerialization::ReadingOptions;
-    std::optional<NSError> error;
+    std::optional<NSError> error = NSError("of before", 1);
     EXPECT_EQ(JSON(Data::fromText("1"), none, &error).error(), std::nullopt);
-    ASSERT_TRUE(error);
     EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
     EXPECT_EQ(JSON(Data::fromText("1"), allowFragments).int_(), 1);
     const std::string utf16("\xFF\xFE[\0]\0", 6);

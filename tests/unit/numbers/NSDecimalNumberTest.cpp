@@ -44,18 +44,14 @@ TEST(NSDecimalNumberTest, KeepsWithinTheRoomOfMantissaAndExponent) {
     const std::string digits = "123456789012345678901234567890123456789";
     const std::string nines(39, '9');
     expectReadings({
-        {"1" + zeros, {"1e127"}},
-        {"10" + zeros, {"10e127", "1.0e128"}},
-        {"0." + zeros + "1", {"1e-128"}},
-        {"1" + zeros.substr(1), {"0." + zeros + "1e254"}},
+        {"1" + zeros, {"1e127"}},            {"10" + zeros, {"10e127", "1.0e128"}},
+        {"0." + zeros + "1", {"1e-128"}},    {"1" + zeros.substr(1), {"0." + zeros + "1e254"}},
         {"NaN", {"0." + zeros + "1e255", "1e128", "1e-129", "1e200", "1e-200", "0e200",
                  "1e99999999999999999999"}},
         {"100000000000000000000000007", {"100000000000000000000000007"}},
-        {largest + "5", {largest + "5"}},
-        {largest + "0", {largest + "6", largest + "6.5"}},
+        {largest + "5", {largest + "5"}},    {largest + "0", {largest + "6", largest + "6.5"}},
         {nines.substr(1) + "0", {nines + ".5"}},
-        {digits + "000", {digits + "099"}},
-        {"1." + digits.substr(1), {"1." + digits.substr(1) + "099"}}});
+        {digits + "000", {digits + "099"}},  {"1." + digits.substr(1), {"1." + digits.substr(1) + "099"}}});
 }
 // clang-format on
 
@@ -75,10 +71,8 @@ TEST(NSDecimalNumberTest, ConvertsToTheExactIntegerPart) {
 }
 
 TEST(NSDecimalNumberTest, ConvertsToTheNearestDouble) {
-    EXPECT_EQ(decimal("0.1").doubleValue(), 0.1);
-    EXPECT_EQ(decimal("-9348.31").doubleValue(), -9348.31);
-    EXPECT_EQ(decimal("1.7976931348623157e126").doubleValue(), 1.7976931348623157e126);
-    EXPECT_EQ(decimal("9007199254740993").doubleValue(), 9007199254740992.0);
+    for (const std::string text : {"0.1", "-9348.31", "1.7976931348623157e126", "9007199254740993"})
+        EXPECT_EQ(decimal(text).doubleValue(), std::stod(text));
     EXPECT_TRUE(std::isnan(NSDecimalNumber::notANumber().doubleValue()));
 }
 

@@ -45,32 +45,31 @@ TEST(NSNumberTest, RemembersWhatItWasMadeFrom) {
 }
 
 TEST(NSNumberTest, ConvertsToIntegersOfEveryWidth) {
-    using std::tuple, std::int8_t, std::int16_t, std::int32_t, std::int64_t;
-    using std::uint8_t, std::uint16_t, std::uint32_t, std::uint64_t;
+    using std::tuple, std::int64_t, std::uint64_t;
     // clang-format off
     const struct { NSNumber number; int64_t integer; uint64_t unsignedInteger; } cases[] = {
         {true, 1, 1},      {300, 300, 300},     {-1, -1, uint64Max},  {uint64Max, -1, uint64Max},
         {300.7, 300, 300}, {255.9f, 255, 255},  {-0.5, 0, 0},  {-300.7, -300, uint64Max - 299},
         {1e10, 10000000000, 10000000000},          {1e19, int64Max, 10000000000000000000u},
         {1e21, int64Max, uint64Max},               {-1e21, int64Min, uint64_t{1} << 63},
-        {0x1p63, int64Max, uint64_t{1} << 63},     {-inf, int64Min, uint64_t{1} << 63},
+        {0x1p64, int64Max, uint64Max}, {0x1p63, int64Max, uint64_t{1} << 63},     {-inf, int64Min, uint64_t{1} << 63},
         {nan, 0, 0},                               {decimal("128"), 128, 128},
         {decimal("x"), 0, 0},                      {decimal("-129.9"), -129, uint64Max - 128},
         {decimal("18446744073709551615"), -1, uint64Max}};
     // clang-format on
     for (const auto& [number, integer, unsignedInteger] : cases) {
         SCOPED_TRACE(number.stringValue());
-        EXPECT_EQ(tuple(number.integerValue(), number.unsignedIntegerValue()),
-                  tuple(integer, unsignedInteger));
-        EXPECT_EQ(tuple(number.longLongValue(), number.unsignedLongLongValue()),
-                  tuple(integer, unsignedInteger));
+        EXPECT_EQ(tuple(number.integerValue(), number.unsignedIntegerValue(),
+                        number.longLongValue(), number.unsignedLongLongValue()),
+                  tuple(integer, unsignedInteger, integer, unsignedInteger));
         // The narrower ones keep the low bits, also of what was cut to 64.
-        EXPECT_EQ(tuple(number.intValue(), number.unsignedIntValue()),
-                  tuple(static_cast<int32_t>(integer), static_cast<uint32_t>(integer)));
-        EXPECT_EQ(tuple(number.shortValue(), number.unsignedShortValue()),
-                  tuple(static_cast<int16_t>(integer), static_cast<uint16_t>(integer)));
-        EXPECT_EQ(tuple(number.charValue(), number.unsignedCharValue()),
-                  tuple(static_cast<int8_t>(integer), static_cast<uint8_t>(integer)));
+        EXPECT_EQ(tuple(number.intValue(), number.shortValue(), number.charValue()),
+                  tuple(static_cast<std::int32_t>(integer), static_cast<std::int16_t>(integer),
+                        static_cast<std::int8_t>(integer)));
+        EXPECT_EQ(tuple(number.unsignedIntValue(), number.unsignedShortValue(),
+                        number.unsignedCharValue()),
+                  tuple(static_cast<std::uint32_t>(integer), static_cast<std::uint16_t>(integer),
+                        static_cast<std::uint8_t>(integer)));
     }
 }
 
@@ -81,17 +80,18 @@ TEST(NSNumberTest, ConvertsToTruthAndFloatingPoint) {
     for (const NSNumber& number : std::vector<NSNumber>{{}, false, -0.0, decimal("0.0")})
         EXPECT_FALSE(number.boolValue()) << number.stringValue();
 
-    using Float = std::numeric_limits<float>;
-    const std::pair<NSNumber, double> doubles[] = {
-        {uint64Max, 18446744073709551616.0}, {0.1f, 0.10000000149011612}, {decimal("0.1"), 0.1}};
-    for (const auto& [number, value] : doubles) EXPECT_EQ(number.doubleValue(), value);
+    constexpr float largest = std::numeric_limits<float>::max();
     // clang-format off
-    const std::pair<NSNumber, float> floats[] = {
-        {uint64Max, 18446744073709551616.0f}, {decimal("0.1"), 0.1f},
-        {16777217, 16777216.0f},              {-1e300, -Float::infinity()},
-        {0x1.fffffe8p127, Float::max()},      {0x1.ffffffp127, Float::infinity()}};
+    const struct { NSNumber number; double real; float shortened; } cases[] = {
+        {uint64Max, 0x1p64, 0x1p64f},            {decimal("0.1"), 0.1, 0.1f},
+        {0.1f, 0.10000000149011612, 0.1f},       {16777217, 16777217, 16777216},
+        {-1e300, -1e300, -static_cast<float>(inf)},
+        {0x1.fffffe8p127, 0x1.fffffe8p127, largest}, {0x1.ffffffp127, 0x1.ffffffp127, static_cast<float>(inf)}};
     // clang-format on
-    for (const auto& [number, value] : floats) EXPECT_EQ(number.floatValue(), value);
+    for (const auto& [number, real, shortened] : cases) {
+        EXPECT_EQ(number.doubleValue(), real);
+        EXPECT_EQ(number.floatValue(), shortened);
+    }
     EXPECT_TRUE(std::isnan(NSNumber(nan).floatValue()));
 }
 
@@ -146,12 +146,8 @@ TEST(NSNumberTest, ComparesExactlyAcrossKinds) {
             EXPECT_TRUE(wanted != 0 || left.hash() == right.hash());
         }
     }
-}
-
-TEST(NSNumberTest, ADecimalMeetsIntegersExactlyAndFloatingPointAsADouble) {
-    const NSNumber number = decimal("9007199254740993");
-    EXPECT_TRUE(number.isEqual(9007199254740993));
-    EXPECT_FALSE(number.isEqual(9007199254740992));
+    const NSNumber number = decimal("9007199254740993");  // exact to integers, to others a double
+    EXPECT_TRUE(number.isEqual(9007199254740993) && !number.isEqual(9007199254740992));
     EXPECT_TRUE(number.isEqual(9007199254740992.0));
     EXPECT_EQ(number.hash(), NSNumber(9007199254740992.0).hash());
 }

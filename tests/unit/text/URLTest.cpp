@@ -1,60 +1,41 @@
 #include <InkoraKit/platform/URL.h>
 
-#include <gtest/gtest.h>
-
 #include "platform/foundation/text/PercentEncoding.h"
+
+#include <gtest/gtest.h>
 
 namespace InkoraKit {
 namespace {
 
-TEST(URLTest, KeepsALegalTextByteForByte) {
+constexpr std::string_view illegal = "\"<>\\^`{|}%";
+
+TEST(URLTest, KeepsALegalTextByteForByteAndRefusesAnyOther) {
     for (const std::string text :
-         {"HTTP://Example.com", "a%20b", "a%2fB%C3", "a%20b#c", "#", "1:2", "://", "?q=1", "[::1]",
-          "azAZ09!$&'()*+,-./:;=?@_~[]", "]%41["}) {
-        const auto url = URL::fromString(text);
-        ASSERT_TRUE(url) << text;
-        EXPECT_EQ(url->absoluteString(), text);
-        EXPECT_EQ(url->description(), text);
+         {"HTTP://Example.com", "a%2fB%C3", "a%20b#c", "#", "://", "]%41["})
+        EXPECT_EQ(URL::fromString(text).value().absoluteString(), text);
+    for (const std::string text : {"", "%", "a%2", "a%zz", "a%2g", "%%20", "a#b#c", "##"})
+        EXPECT_FALSE(URL::fromString(text)) << text;
+    for (int byte = 0; byte < 0x100; ++byte) {
+        const char character = static_cast<char>(byte);
+        const bool isLegal =
+            byte > ' ' && byte <= '~' && illegal.find(character) == std::string_view::npos;
+        EXPECT_EQ(URL::fromString(std::string("a") + character).has_value(), isLegal) << byte;
     }
-    EXPECT_EQ(URL::fromString("a"), URL::fromString("a"));
+    EXPECT_EQ(URL::fromString("a")->description(), "a");
     EXPECT_NE(URL::fromString("a"), URL::fromString("A"));
     EXPECT_EQ(std::hash<URL>{}(*URL::fromString("a")), std::hash<URL>{}(*URL::fromString("a")));
 }
 
-TEST(URLTest, RefusesWhatNoURLMayHold) {
-    for (const std::string text : {"", "%", "100%", "a%2", "a%zz", "a%2g", "%%20", "a#b#c", "##",
-                                   "a%20b c", "é%20", "a%20b#c#d", "😀"})
-        EXPECT_FALSE(URL::fromString(text)) << text;
-    for (int byte = 0; byte < 0x100; ++byte) {
-        const char character = static_cast<char>(byte);
-        const bool isIllegal =
-            byte <= ' ' || byte > '~' ||
-            std::string_view("\"<>\\^`{|}%").find(character) != std::string::npos;
-        EXPECT_EQ(URL::fromString(std::string("a") + character).has_value(), !isIllegal) << byte;
-    }
-}
-
 TEST(URLTest, EncodesWhatAQueryMayNotHold) {
+    const std::string kept = "azAZ09!$&'()*+,-./:;=?@_~";
+    // clang-format off
     const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
-        {"a b", "a%20b"},
-        {"100%", "100%25"},
-        {"a%2", "a%252"},
-        {"a%zz", "a%25zz"},
-        {"http://x/é", "http://x/%C3%A9"},
-        {"q?x=1&y=2", "q?x=1&y=2"},
-        {"a+b", "a+b"},
-        {"x#y", "x%23y"},
-        {"http://[::1]/", "http://%5B::1%5D/"},
-        {"😀", "%F0%9F%98%80"},
-        {std::string("\0\x1F\x7F", 3), "%00%1F%7F"},
-        {"\"<>\\^`{|}", "%22%3C%3E%5C%5E%60%7B%7C%7D"},
-        {"azAZ09!$&'()*+,-./:;=?@_~", "azAZ09!$&'()*+,-./:;=?@_~"},
-    };
-    for (const auto& [text, encoded] : cases) {
+        {"", ""}, {kept, kept}, {"é😀", "%C3%A9%F0%9F%98%80"}, {"#[]", "%23%5B%5D"},
+        {std::string("\0\x1F \x7F", 4), "%00%1F%20%7F"},
+        {std::string(illegal), "%22%3C%3E%5C%5E%60%7B%7C%7D%25"}};
+    // clang-format on
+    for (const auto& [text, encoded] : cases)
         EXPECT_EQ(addingPercentEncodingForQuery(text), encoded);
-        EXPECT_EQ(URL::fromString(encoded).has_value(), !encoded.empty()) << encoded;
-    }
     EXPECT_FALSE(addingPercentEncodingForQuery("a\xED\xA0\x80"));
 }
 

@@ -1,3 +1,4 @@
+#include <InkoraKit/JSON.h>
 #include <InkoraKit/platform/Any.h>
 #include <InkoraKit/platform/JSONSerialization.h>
 #include <InkoraKit/platform/NSError.h>
@@ -7,8 +8,6 @@
 #include <cmath>
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace InkoraKit {
 namespace {
@@ -21,53 +20,25 @@ Any read(std::string_view text) {
     return JSONSerialization::jsonObject(text);
 }
 
-/// The same, built by hand.
+/// The same in memory of its own, and not that of a text.
 Any built(const Any& value) {
-    if (const auto array = value.as<Array>()) {
-        Array copy;
-        for (const Any& element : *array) copy.append(built(element));
-        return copy;
-    }
-    if (const auto dictionary = value.as<Dictionary>()) {
-        Dictionary copy;
-        for (const auto& [key, member] : *dictionary) copy.set(key, built(member));
-        return copy;
-    }
-    if (const auto number = value.as<NSNumber>()) return *number;
-    if (const auto text = value.as<std::string>()) return *text;
-    return value;
-}
-
-/// The value with a change in its innermost first container, and in all that this is in.
-Any changed(const Any& value) {
-    if (auto array = value.as<Array>()) {
-        const bool isInnermost =
-            array->empty() || (*array)[0].kind() == Any::Kind::number || !(*array)[0].hasValue();
-        if (!isInnermost) array->set(0, changed((*array)[0]));
-        array->append("a change of more than fourteen");
-        return *array;
-    }
-    if (auto dictionary = value.as<Dictionary>()) {
-        for (const auto& [key, member] : Dictionary(*dictionary))
-            if (!member.as<NSNumber>()) dictionary->set(key, changed(member));
-        dictionary->set("a change", 1);
-        dictionary->erase("number");
-        return *dictionary;
-    }
-    return Array{value};
+    return JSON(value).detached().object();
 }
 
 TEST(AnyTest, ACopyNeverChangesWithItsOriginal) {
     for (const Any& original : {read(document), built(read(document))}) {
-        Any copy = original;
-        std::vector<std::pair<Any, std::string>> kept;
-        for (int i = 0; i < 6; ++i) {
-            kept.emplace_back(copy, copy.description());
-            copy = changed(i == 3 ? kept.front().first : copy);
-            EXPECT_NE(copy.description(), kept.back().second);
-        }
-        EXPECT_EQ(kept.front().second, document);
-        for (const auto& [value, text] : kept) EXPECT_EQ(value.description(), text);
+        Dictionary members = *original.as<Dictionary>();
+        Array pens = *members.find("pens")->second.as<Array>();
+        pens.set(0, pens[1]);
+        pens.append(2);
+        members.set("pens", pens);
+        members.set("text", members);
+        members.erase("number");
+        pens.append(pens);
+        EXPECT_EQ(original.description(), document);
+        EXPECT_EQ(Any(*members.find("pens")->second.as<Array>()).description(),
+                  "[[1.5,true,null],[1.5,true,null],2]");
+        EXPECT_TRUE(members.size() == 2 && pens.size() == 4);
     }
     Array array{1, Array{2}};
     Array same = array;
@@ -77,27 +48,14 @@ TEST(AnyTest, ACopyNeverChangesWithItsOriginal) {
     EXPECT_EQ(array.description() + same.description(), "[1,[2]][1,[1,[2]]]");
 }
 
-TEST(AnyTest, AnEmptyOneIsSharedByAllButNotChanged) {
-    Array array;
-    Dictionary dictionary;
-    array.append(1);
-    dictionary.set("a", 1);
-    dictionary.erase("a");
-    EXPECT_EQ(Array().size() + Dictionary().size() + dictionary.size(), 0u);
-    EXPECT_TRUE(Array().begin() == Array().end() && !dictionary.contains("a"));
-}
-
 TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {
-    const auto keyOf = [](std::size_t i) {
-        return std::string(i % 25, i % 2 != 0 ? 'o' : '\xE9') + std::to_string(i);
-    };
+    const auto keyOf = [](std::size_t i) { return std::string(i % 25, 'o') + std::to_string(i); };
     const auto expectMembers = [&](const Dictionary& members, std::size_t count) {
         ASSERT_EQ(members.size(), count);
         for (std::size_t i = 0; i < count; ++i) ASSERT_EQ(members.find(keyOf(i))->second, Any(i));
         ASSERT_FALSE(members.contains(keyOf(count)) || members.contains(""));
     };
     Dictionary members;
-    std::string text;
     for (std::size_t i = 0; i < 140; ++i) {
         const Dictionary before = members;
         Dictionary reserved = before;
@@ -108,21 +66,12 @@ TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {
         expectMembers(members, i + 1);
         expectMembers(before, i);
         ASSERT_TRUE(reserved.contains("another") && !reserved.contains(keyOf(i)));
-
-        text += (text.empty() ? "{\"" : ",\"") + std::string(i % 25, 'o') + std::to_string(i) +
-                "\":" + std::to_string(i);
-        const Dictionary whole = *read(text + "}").as<Dictionary>();
-        Dictionary grown = whole;
-        grown.set("another", 1);
-        ASSERT_EQ(grown.find("another"),
-                  std::next(grown.begin(), static_cast<std::ptrdiff_t>(i) + 1));
-        ASSERT_EQ(grown.find(std::string(i % 25, 'o') + std::to_string(i))->second, Any(i));
-        ASSERT_TRUE(grown.erase("another") && !grown.erase("another") && grown == whole);
     }
     for (std::size_t i = 140; i-- > 0;) {
         ASSERT_TRUE(members.erase(keyOf(i)));
         expectMembers(members, i);
     }
+    EXPECT_TRUE(Array().size() + Dictionary().size() == 0 && Array().begin() == Array().end());
 }
 
 TEST(AnyTest, EqualValuesHaveEqualHashes) {
@@ -132,7 +81,7 @@ TEST(AnyTest, EqualValuesHaveEqualHashes) {
     const struct { Any left; bool areEqual; Any right; } cases[] = {
         {Array{1, "a", NSNull()}, true, Array{1.0, "a", NSNull()}}, {Array{true}, true, Array{1}},
         {Array{1}, false, Array{"1"}}, {read(R"({"a":1,"b":2})"), true, Dictionary{{"b", 2.0}, {"a", true}}},
-        {read(document), true, built(read(document))}, {read(document), false, changed(read(document))},
+        {read(document), true, built(read(document))}, {read(document), false, Dictionary()},
         {Dictionary{{"a", 1}}, false, Dictionary{{"b", 1}}}, {Array{1}, false, Array{1, 1}},
         {Array{}, false, Dictionary{}}, {Array{Array{1}}, false, Array{Array{2}}},
         {1, true, NSDecimalNumber("1.0")}, {UINT64_MAX, true, read("[18446744073709551615]").as<Array>()->begin()[0]},
@@ -175,10 +124,7 @@ TEST(AnyTest, AnObjectLivesAsLongAsOneWhoKnowsIt) {
     Any deep = Plain{held};
     for (int i = 0; i < 200'000; ++i)
         deep = i % 2 != 0 ? Any(Array{deep}) : Dictionary{{"a", deep}};
-    const Any same = deep;
-    EXPECT_TRUE(deep == same);
-    deep = Any();
-    EXPECT_EQ(held.use_count(), 2);
+    EXPECT_TRUE(deep == Any(deep) && held.use_count() == 2);
 }
 
 TEST(AnyTest, TextThatIsNotUtf8IsKeptButIsNoText) {
@@ -190,25 +136,21 @@ TEST(AnyTest, TextThatIsNotUtf8IsKeptButIsNoText) {
         Dictionary dictionary{{text, 1}};
         dictionary.set(text, 2);
         EXPECT_TRUE(dictionary.size() == 1 && dictionary.contains(text));
-        EXPECT_EQ(Any(dictionary).description(), "{…}");
-        EXPECT_FALSE(JSONSerialization::isValidJSONObject(dictionary));
-        EXPECT_FALSE(JSONSerialization::isValidJSONObject(Array{text}));
+        EXPECT_EQ(Any(dictionary).description() + Any(Array{text}).description(), "{…}[…]");
     }
     EXPECT_EQ(Any(std::string("a\0b", 3)).kind(), Any::Kind::text);
 }
 
 TEST(AnyTest, ACopyOfABorrowedValueOutlivesTheLender) {
-    for (const char* text : {"a text of more than fourteen", "short"}) {
-        Any copy;
-        {
-            const Any lender = Array{text};
-            Any borrowed = Dictionary();
-            borrowed.borrow(lender);
-            borrowed.borrow((*lender.as<Array>())[0]);
-            copy = borrowed;
-        }
-        EXPECT_EQ(copy.as<std::string_view>(), text);
+    Any copy;
+    {
+        const Any lender = Array{"a text of more than fourteen"};
+        Any borrowed = Dictionary();
+        borrowed.borrow(lender);
+        borrowed.borrow((*lender.as<Array>())[0]);
+        copy = borrowed;
     }
+    EXPECT_EQ(copy.as<std::string_view>(), "a text of more than fourteen");
 }
 
 }  // namespace

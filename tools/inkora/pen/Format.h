@@ -1,5 +1,6 @@
 #pragma once
 
+#include <InkoraKit/platform/CBManagerStateReason.h>
 #include <InkoraKit/platform/UIColor.h>
 
 #include "pen/PenInfo.h"
@@ -19,6 +20,7 @@ public:
     virtual std::string searching() const = 0;
     virtual std::string connected(const std::string& name, const std::string& identifier) const = 0;
     virtual std::string lost() const = 0;
+    virtual std::string unavailable(InkoraKit::CBManagerStateReason reason) const = 0;
     virtual std::string colour(const InkoraKit::UIColor& colour) const = 0;
     virtual std::string battery(std::int64_t percent) const = 0;
     virtual std::string signalStrength(std::optional<std::int64_t> dBm) const = 0;

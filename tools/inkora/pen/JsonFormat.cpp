@@ -24,6 +24,10 @@ std::string JsonFormat::lost() const {
     return event("disconnected").text();
 }
 
+std::string JsonFormat::unavailable(InkoraKit::CBManagerStateReason reason) const {
+    return event("unavailable").add("reason", printed(reason)).text();
+}
+
 std::string JsonFormat::colour(const InkoraKit::UIColor& colour) const {
     return event("colour")
         .add("hex", hexText(colour))

@@ -10,6 +10,7 @@ public:
     std::string searching() const override;
     std::string connected(const std::string& name, const std::string& identifier) const override;
     std::string lost() const override;
+    std::string unavailable(InkoraKit::CBManagerStateReason reason) const override;
     std::string colour(const InkoraKit::UIColor& colour) const override;
     std::string battery(std::int64_t percent) const override;
     std::string signalStrength(std::optional<std::int64_t> dBm) const override;

@@ -56,7 +56,10 @@ ExitStatus PenSession::run() {
 
 void PenSession::didFailToConnectWithBlueTooth(const NSError& error) {
     if (isFinishing_) return RunLoop::main().stop();
-    fail(error, ExitStatus::noBluetooth);
+    const auto reason = InkoraHandler::getInstance()->bluetoothStateReason();
+    const std::string why(description(reason));
+    fail(error.domain() + (why.empty() ? "" : ' ' + why), ExitStatus::noBluetooth);
+    unavailable(reason);
     forgetPen();
     if (isConnected_) linkEnded();
 }
@@ -64,7 +67,7 @@ void PenSession::didFailToConnectWithBlueTooth(const NSError& error) {
 void PenSession::didFailedToInterrogate(const NSError& error) {
     const bool isScanOver = error.code() == InkoraErrorCodes::deviceConnectionTimeout;
     if (!wasConnected_)
-        return fail(error, isScanOver ? ExitStatus::noPen : ExitStatus::notConnected);
+        return fail(error.domain(), isScanOver ? ExitStatus::noPen : ExitStatus::notConnected);
     if (!isScanOver) printError(error.domain());
     after(isScanOver ? 0 : pauseAfterFailedConnection, [] { InkoraManager::startDevicePairing(); });
 }
@@ -152,8 +155,8 @@ void PenSession::linkEnded() {
     askForValues();
 }
 
-void PenSession::fail(const NSError& error, ExitStatus status) {
-    printError(error.domain());
+void PenSession::fail(const std::string& text, ExitStatus status) {
+    printError(text);
     if (!wasConnected_) finish(status);
 }
 

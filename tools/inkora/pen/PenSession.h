@@ -41,6 +41,7 @@ protected:
     virtual void searching() {}
     virtual void connected(const std::string& name, const std::string& identifier) = 0;
     virtual void lost() {}
+    virtual void unavailable(InkoraKit::CBManagerStateReason) {}
     virtual void captured(const InkoraKit::UIColor&) {}
     virtual void battery(std::int64_t percent) = 0;
     virtual void signalStrength(std::optional<std::int64_t> dBm) = 0;
@@ -65,7 +66,7 @@ protected:
 
 private:
     void linkEnded();
-    void fail(const InkoraKit::NSError& error, ExitStatus status);
+    void fail(const std::string& text, ExitStatus status);
     void stopPairing();
 
     std::unique_ptr<Format> format_;

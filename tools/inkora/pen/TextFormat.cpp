@@ -54,6 +54,10 @@ std::string TextFormat::lost() const {
     return "disconnected; looking for the pen again";
 }
 
+std::string TextFormat::unavailable(InkoraKit::CBManagerStateReason reason) const {
+    return labelled("bluetooth", "not available. " + std::string(description(reason)));
+}
+
 std::string TextFormat::colour(const InkoraKit::UIColor& colour) const {
     std::string value = withSwatches_ ? swatch(colour) : "";
     value += hexText(colour);

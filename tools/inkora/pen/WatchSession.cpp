@@ -25,6 +25,10 @@ void WatchSession::lost() {
     print(format().lost());
 }
 
+void WatchSession::unavailable(CBManagerStateReason reason) {
+    print(format().unavailable(reason));
+}
+
 void WatchSession::captured(const UIColor& colour) {
     print(format().colour(colour));
     if (++coloursShown_ == options_.count) finish(ExitStatus::success);

@@ -14,6 +14,7 @@ protected:
     void searching() override;
     void connected(const std::string& name, const std::string& identifier) override;
     void lost() override;
+    void unavailable(InkoraKit::CBManagerStateReason reason) override;
     void captured(const InkoraKit::UIColor& colour) override;
     void battery(std::int64_t percent) override;
     void signalStrength(std::optional<std::int64_t> dBm) override;

@@ -36,7 +36,9 @@ void AdvertisedProperties::deviceChanged(const std::string& path, const Properti
                                          const Properties& now) {
     // What an advertisement changes comes together with its strength; the rest needs a link, which
     // may have ended in the same moment.
-    const bool isAdvertised = before.contains("RSSI") && now.contains("RSSI");
+    const bool isHeard = now.contains("RSSI");
+    if (before.empty() && isHeard) advertised_.erase(path);
+    const bool isAdvertised = before.contains("RSSI") && isHeard;
     const bool isLinked = isTrue(before, "Connected") || isTrue(now, "Connected");
     for (const char* name : sharedProperties) {
         const auto old = before.find(name);
@@ -48,14 +50,6 @@ void AdvertisedProperties::deviceChanged(const std::string& path, const Properti
             advertised_[path].try_emplace(name, old->second);
         }
     }
-}
-
-void AdvertisedProperties::deviceRemoved(const std::string& path) {
-    advertised_.erase(path);
-}
-
-void AdvertisedProperties::clear() {
-    advertised_.clear();
 }
 
 Advertisement AdvertisedProperties::advertisement(const std::string& path,

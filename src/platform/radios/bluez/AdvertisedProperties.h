@@ -16,10 +16,9 @@ namespace InkoraKit {
 /// link changed is remembered as it was before.
 class AdvertisedProperties {
 public:
-    /// A Device1 has changed: `before` has what it was, `now` what it is.
+    /// A Device1 has changed: `before` has what it was, `now` what it is. One that is there for the
+    /// first time, or again, was nothing before.
     void deviceChanged(const std::string& path, const Properties& before, const Properties& now);
-    void deviceRemoved(const std::string& path);
-    void clear();
 
     Advertisement advertisement(const std::string& path, const Properties& now) const;
 
@@ -27,7 +26,9 @@ public:
     std::optional<std::string> ownName(const std::string& path, const Properties& now) const;
 
 private:
-    // By device: the properties that show something else than was advertised, as they were.
+    // By device: the properties that show something else than was advertised, as they were. Kept
+    // for good, since a link may outlive the device's object and bluetoothd: a device that is
+    // linked when it comes back has not advertised since.
     std::map<std::string, Properties> advertised_;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/radios/bluez/BluezDaemon.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include "platform/radios/bluez/BluezErrors.h"
 
 #include <cerrno>
@@ -10,15 +12,21 @@ namespace InkoraKit {
 namespace {
 
 constexpr const char* bluez = "org.bluez";
+constexpr const char* theBus = "org.freedesktop.DBus";
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
 
 // How long bluetoothd may need from its name to its adapters, or from its adapters to its end: half
 // a second was seen under load.
 constexpr double settlingTime = 3;
 constexpr double reopeningPause = 2;
-// The first call starts bluetoothd where the system does that on demand. Where it is to be started
-// but ends again, for want of an adapter, the bus would let us wait for 25 seconds.
-constexpr double firstAnswerTime = 10;
+// The first question starts bluetoothd where the system does that on demand. Where it is to be
+// started but ends again, for want of an adapter, the bus would let us wait for 25 seconds. One
+// that is silent for so long is asked again, and again.
+constexpr double silence = 10;
+// It is there but has refused to tell its objects: it may have only just begun.
+constexpr double refusalPause = 2;
+// Whoever looks after bluetoothd may start it again; Debian's unit does not (no Restart=).
+constexpr double startingPause = 5;
 
 }  // namespace
 
@@ -35,7 +43,7 @@ void BluezDaemon::open() {
     // The rules first: what changes after the objects were told is then told too. What was told
     // before them is in them.
     watch();
-    askForObjects();
+    askForObjects(true);
 }
 
 // The only place where rules are added, so their number is the same for ever.
@@ -43,51 +51,80 @@ void BluezDaemon::watch() {
     bus_->match(
         "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
         "member='NameOwnerChanged',arg0='org.bluez'",
-        [this](MessageReader& signal) { ownerChanged(signal); });
+        [this](MessageReader& signal) {
+            if (signal.sender() == theBus) ownerChanged(signal);
+        });
     bus_->match(
         "type='signal',sender='org.bluez',path='/',"
         "interface='org.freedesktop.DBus.ObjectManager'",
         [this](MessageReader& signal) {
-            if (presence_ != Presence::present) return;
-            const std::string member = signal.member();
-            if (member == "InterfacesAdded") addInterfaces(signal);
-            if (member == "InterfacesRemoved") removeInterfaces(signal);
+            if (!isFromBluez(signal)) return;
+            heard(signal);
+            if (signal.member() == "InterfacesAdded") addInterfaces(signal);
+            if (signal.member() == "InterfacesRemoved") removeInterfaces(signal);
         });
     bus_->match(
         "type='signal',sender='org.bluez',path_namespace='/org/bluez',"
         "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'",
         [this](MessageReader& signal) {
-            if (presence_ == Presence::present) changeProperties(signal.path(), signal);
+            if (!isFromBluez(signal)) return;
+            heard(signal);
+            changeProperties(signal.path(), signal);
         });
 }
 
-void BluezDaemon::askForObjects() {
+bool BluezDaemon::isFromBluez(const MessageReader& signal) const {
+    return presence_ == Presence::present && signal.sender() == owner_;
+}
+
+void BluezDaemon::askForObjects(bool startsService) {
     MethodCall call{bluez, "/", objectManager, "GetManagedObjects"};
-    call.startsService = presence_ == Presence::unknown;
-    call.timeout = firstAnswerTime;
-    bus_->call(call, [this](Answer& answer) { objectsCame(answer); });
+    call.startsService = startsService;
+    bus_->call(call, [this, owners = owners_](Answer& answer) {
+        if (owners == owners_ && presence_ != Presence::present) objectsCame(answer);
+    });
+    asking_.set(silence, [this] {
+        askForObjects(false);
+        if (presence_ == Presence::unknown) become(Presence::absent);
+    });
+}
+
+void BluezDaemon::askAgainAfter(double pause, bool startsService) {
+    asking_.set(pause, [this, startsService] { askForObjects(startsService); });
 }
 
 void BluezDaemon::objectsCame(Answer& answer) {
-    if (!answer.error) {
-        objects_.replace(answer.body.readObjects());
-        return become(Presence::present);
-    }
-    if (bluezErrors::isAccessDenied(*answer.error)) return become(Presence::denied);
+    if (answer.error) return refused(*answer.error);
+    asking_.cancel();
+    owner_ = answer.body.sender();
+    objects_.replace(answer.body.readObjects());
+    become(Presence::present);
+}
+
+// Where nobody has the name there is nothing to ask: the bus will tell when somebody takes it.
+void BluezDaemon::refused(const BusError& error) {
+    asking_.cancel();
+    NSObject::printThisLineToConsole([&] { return "BlueZ: " + bluezErrors::textOf(error); });
+    if (bluezErrors::isAccessDenied(error)) return become(Presence::denied);
+    if (!bluezErrors::isNobody(error)) askAgainAfter(refusalPause, false);
     if (presence_ == Presence::unknown) become(Presence::absent);
 }
 
 void BluezDaemon::ownerChanged(MessageReader& signal) {
     signal.readText();  // the name
     const std::string oldOwner = signal.readText();
-    const std::string newOwner = signal.readText();
-    if (!oldOwner.empty() && presence_ == Presence::present) {
-        objects_.clear();
-        become(Presence::lost);
+    owner_ = signal.readText();
+    ++owners_;
+    if (owner_.empty()) {
+        settling_.cancel();
+        askAgainAfter(startingPause, true);
+    } else {
+        settle();
+        askForObjects(false);
     }
-    if (newOwner.empty()) return settling_.cancel();
-    settle();
-    askForObjects();
+    if (oldOwner.empty() || presence_ != Presence::present) return;
+    objects_.clear();
+    become(Presence::lost);
 }
 
 void BluezDaemon::settle() {
@@ -99,10 +136,12 @@ void BluezDaemon::settle() {
 void BluezDaemon::busLost(int error) {
     bus_.reset();
     objects_.clear();
+    owner_.clear();
+    asking_.cancel();
     settling_.cancel();
     if (presence_ == Presence::unknown) {
         const bool isDenied = error == EACCES || error == EPERM;
-        return become(isDenied ? Presence::denied : Presence::absent);
+        return become(isDenied ? Presence::denied : Presence::noBus);
     }
     reopening_.set(reopeningPause, [this] { open(); });
     if (presence_ == Presence::present) become(Presence::lost);
@@ -141,8 +180,10 @@ void BluezDaemon::changeProperties(const std::string& path, MessageReader& signa
 void BluezDaemon::refresh(std::function<void()> done) {
     if (!bus_) return;
     bus_->call({bluez, "/", objectManager, "GetManagedObjects"},
-               [this, done = std::move(done)](Answer& answer) {
-                   if (!answer.error) objects_.replace(answer.body.readObjects());
+               [this, owners = owners_, done = std::move(done)](Answer& answer) {
+                   heard(answer.body);
+                   if (!answer.error && owners == owners_)
+                       objects_.replace(answer.body.readObjects());
                    done();
                });
 }
@@ -155,7 +196,19 @@ void BluezDaemon::call(const std::string& path, const char* interface, const cha
                        Completion completion, std::optional<Options> options, double timeout) {
     if (!bus_) return;
     bus_->call({bluez, path, interface, member, std::move(options), timeout},
-               std::move(completion));
+               [this, completion = std::move(completion)](Answer& answer) {
+                   heard(answer.body);
+                   completion(answer);
+               });
+}
+
+void BluezDaemon::ping(Completion completion) {
+    call("/", "org.freedesktop.DBus.Peer", "Ping", std::move(completion), std::nullopt, 1);
+}
+
+// Errors of the bus itself, and of time-outs, are not bluetoothd's.
+void BluezDaemon::heard(const MessageReader& message) {
+    if (message.sender().starts_with(':')) observer_.messageHeard(message.serial());
 }
 
 void BluezDaemon::send(const std::string& path, const char* interface, const char* member) {

@@ -27,6 +27,33 @@ constexpr std::array<NamedError, 6> namedErrors = {{
     {"org.bluez.Error.NotAuthorized", "", 0x08},
 }};
 
+// Errors of Connect by their names, and by the beginnings of their texts, which are the same since
+// 5.62. What is not here is permanent.
+struct NamedFailure {
+    std::string_view start;
+    ConnectFailure failure;
+};
+constexpr std::array<NamedFailure, 18> connectFailures = {{
+    {"org.bluez.Error.AlreadyConnected", ConnectFailure::none},
+    {"le-connection-already-connected", ConnectFailure::none},
+    {"org.bluez.Error.InProgress", ConnectFailure::busy},
+    {"org.bluez.Error.NotReady", ConnectFailure::busy},
+    {"Operation already in progress", ConnectFailure::busy},
+    {"le-connection-adapter-not-powered", ConnectFailure::busy},
+    {"le-connection-busy", ConnectFailure::busy},
+    {"le-connection-concurrent-connection-limit", ConnectFailure::busy},
+    {"org.freedesktop.DBus.Error.UnknownObject", ConnectFailure::busy},  // not told of it yet
+    {"org.freedesktop.DBus.Error.UnknownMethod", ConnectFailure::busy},
+    {"le-connection-abort-by-local", ConnectFailure::transient},
+    {"le-connection-abort-by-remote", ConnectFailure::transient},
+    {"le-connection-create-socket", ConnectFailure::transient},
+    {"le-connection-link-layer-protocol-error", ConnectFailure::transient},
+    {"le-connection-memory-allocation", ConnectFailure::transient},
+    {"le-connection-timeout", ConnectFailure::transient},
+    {"le-connection-unknown", ConnectFailure::transient},
+    {"br-connection-canceled", ConnectFailure::transient},  // also of Bluetooth LE
+}};
+
 std::optional<int> attributeCode(const BusError& error) {
     for (const NamedError& named : namedErrors) {
         if (named.name != error.name) continue;
@@ -73,13 +100,15 @@ bool isAccessDenied(const BusError& error) {
     return error.name == "org.freedesktop.DBus.Error.AccessDenied";
 }
 
-bool isInProgress(const BusError& error) {
-    return error.name == "org.bluez.Error.InProgress" ||
-           error.text == "Operation already in progress";
+bool isNobody(const BusError& error) {
+    return error.name == "org.freedesktop.DBus.Error.ServiceUnknown" ||
+           error.name == "org.freedesktop.DBus.Error.NameHasNoOwner";
 }
 
-bool isConnectAborted(const BusError& error) {
-    return error.text.starts_with("le-connection-abort-by-local");
+ConnectFailure connectFailureOf(const BusError& error) {
+    for (const NamedFailure& named : connectFailures)
+        if (error.text.starts_with(named.start) || error.name == named.start) return named.failure;
+    return ConnectFailure::permanent;
 }
 
 bool isNotSubscribed(const BusError& error) {

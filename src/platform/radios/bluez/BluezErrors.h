@@ -8,6 +8,18 @@
 
 /// The errors of the radio, made from BlueZ's. The texts of `org.bluez.Error.Failed` are no part of
 /// its interface, but the only place where 5.66 says what happened.
+namespace InkoraKit {
+
+/// What a Connect that failed tells about the next one.
+enum class ConnectFailure {
+    none,       // there is a link already
+    transient,  // a bad moment; an absent pen looks the same
+    busy,       // something else goes on, and ends by itself
+    permanent,
+};
+
+}  // namespace InkoraKit
+
 namespace InkoraKit::bluezErrors {
 
 NSError connectionFailed(const std::string& text);
@@ -21,10 +33,9 @@ std::string textOf(const BusError& error);
 NSError attributeError(const BusError& error);
 
 bool isAccessDenied(const BusError& error);
-/// Another request of the same kind is under way, ours or another client's.
-bool isInProgress(const BusError& error);
-/// A link that could not be established; a bad moment on the air looks the same as an absent pen.
-bool isConnectAborted(const BusError& error);
+/// Nobody on the bus has the name that was called.
+bool isNobody(const BusError& error);
+ConnectFailure connectFailureOf(const BusError& error);
 /// StopNotify when there was nothing to be stopped.
 bool isNotSubscribed(const BusError& error);
 

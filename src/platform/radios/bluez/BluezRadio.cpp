@@ -1,8 +1,11 @@
 #include "platform/radios/bluez/BluezRadio.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include "platform/foundation/process/ProcessEnd.h"
 #include "platform/radios/bluez/BluezErrors.h"
 #include "platform/radios/bluez/DeviceAddress.h"
+#include "platform/radios/bluez/RadioSwitch.h"
 
 #include <algorithm>
 #include <array>
@@ -17,6 +20,11 @@ namespace InkoraKit {
 namespace {
 
 constexpr const char* everything = "/org/bluez";
+
+constexpr int unknownRSSI = 127;
+
+// From the end of a link to the scan of a host that wants its pen back.
+constexpr double anticipationTime = 1;
 
 constexpr std::array<std::string_view, 2> linkProperties = {"Connected", "ServicesResolved"};
 constexpr std::array<std::string_view, 6> advertisedProperties = {
@@ -58,7 +66,7 @@ BluezRadio::~BluezRadio() {
 }
 
 void BluezRadio::hangUp() {
-    for (const auto& [device, link] : links_) link->hangUp();
+    for (const auto& link : links_) link->hangUp();
     if (!links_.empty()) daemon_.flush();
 }
 
@@ -77,6 +85,7 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     switch (daemon_.presence()) {
         case BluezDaemon::Presence::unknown:
             return std::nullopt;
+        case BluezDaemon::Presence::noBus:
         case BluezDaemon::Presence::absent:
             return CBManagerState::unsupported;
         case BluezDaemon::Presence::denied:
@@ -89,8 +98,30 @@ std::optional<CBManagerState> BluezRadio::adapterState() const {
     if (discovery_.isDenied()) return CBManagerState::unauthorized;
     if (!adapter_.empty())
         return isPowered(adapter_) ? CBManagerState::poweredOn : CBManagerState::poweredOff;
-    if (daemon_.isSettling()) return std::nullopt;
-    return CBManagerState::unsupported;
+    if (!daemon_.isSettling()) return CBManagerState::unsupported;
+    // What went on has ended, also if the adapter is back in a moment (a reset, 5.66).
+    if (state_ == CBManagerState::poweredOn) return CBManagerState::resetting;
+    return std::nullopt;
+}
+
+CBManagerStateReason BluezRadio::stateReason() const {
+    switch (daemon_.presence()) {
+        case BluezDaemon::Presence::unknown:
+            return CBManagerStateReason::none;
+        case BluezDaemon::Presence::noBus:
+            return CBManagerStateReason::noBus;
+        case BluezDaemon::Presence::absent:
+        case BluezDaemon::Presence::lost:
+            return CBManagerStateReason::noService;
+        case BluezDaemon::Presence::denied:
+            return CBManagerStateReason::notPermitted;
+        case BluezDaemon::Presence::present:
+            break;
+    }
+    if (discovery_.isDenied()) return CBManagerStateReason::notPermitted;
+    if (adapter_.empty()) return CBManagerStateReason::noAdapter;
+    if (isPowered(adapter_)) return CBManagerStateReason::none;
+    return isBlocked(adapter_) ? CBManagerStateReason::blocked : CBManagerStateReason::switchedOff;
 }
 
 // Nothing survives the loss of power, and nothing is resumed by itself: who scanned or connected
@@ -99,11 +130,14 @@ void BluezRadio::updateState() {
     const auto state = adapterState();
     if (state != CBManagerState::poweredOn) {
         isScanWanted_ = false;
+        anticipation_.cancel();
         links_.clear();
     }
     updateDiscovery();
     if (!state || state == state_) return;
     state_ = state;
+    const std::string_view reason = description(stateReason());
+    if (!reason.empty()) NSObject::printThisLineToConsole(reason);
     listener_->adapterStateChanged(*state);
 }
 
@@ -117,6 +151,12 @@ bool BluezRadio::isPowered(const std::string& adapter) const {
     const bool* isPowered =
         daemon_.objects().property<bool>(adapter, ObjectTree::adapter, "Powered");
     return isPowered && *isPowered;
+}
+
+bool BluezRadio::isBlocked(const std::string& adapter) const {
+    const auto* state =
+        daemon_.objects().property<std::string>(adapter, ObjectTree::adapter, "PowerState");
+    return (state && *state == "off-blocked") || isRadioBlocked(controllerIndex(adapter));
 }
 
 bool BluezRadio::isFirstUsed(const std::string& adapter) const {
@@ -144,20 +184,30 @@ std::string BluezRadio::bestAdapter() const {
 // It came, or was switched on.
 void BluezRadio::adapterImproved(const std::string& adapter) {
     if (!isCentral(adapter)) return;
+    const auto isInTheWay = [](const std::shared_ptr<Link>& link) {
+        using enum Link::Stage;
+        const Link::Stage stage = link->stage();
+        return stage == connecting || stage == resolving || stage == up || stage == closing;
+    };
+    const bool isFree = std::ranges::none_of(links_, isInTheWay);
     const bool isBetter =
-        isPowered(adapter) && (!isPowered(adapter_) || (isFirstUsed(adapter) && links_.empty()));
+        isPowered(adapter) && (!isPowered(adapter_) || (isFirstUsed(adapter) && isFree));
     if (adapter_.empty() || isBetter) use(adapter);
 }
 
 void BluezRadio::use(const std::string& adapter) {
-    if (adapter != adapter_) {
+    if (std::exchange(adapter_, adapter) != adapter) {
         const auto links = links_;
-        for (const auto& [device, link] : links) link->deviceRemoved();
+        for (const auto& link : links) link->deviceRemoved();
     }
-    adapter_ = adapter;
     if (firstUsed_.empty()) firstUsed_ = addressOf(adapter);
     discovery_.use(isPowered(adapter) ? adapter : std::string());
     updateState();
+}
+
+void BluezRadio::messageHeard(std::uint64_t serial) {
+    for (const auto& link : links_)
+        if (const auto session = link->session()) session->heard(serial);
 }
 
 void BluezRadio::presenceChanged() {
@@ -166,31 +216,38 @@ void BluezRadio::presenceChanged() {
         return updateState();
     }
     links_.clear();
-    advertised_.clear();
     use({});
 }
 
 void BluezRadio::interfaceAdded(const std::string& path, const std::string& interface) {
     if (interface == ObjectTree::adapter) adapterImproved(path);
     if (interface == ObjectTree::device) deviceChanged(path, {});
+    if (const auto session = sessionOf(path, interface)) session->attributeAdded(path);
 }
 
 void BluezRadio::interfaceRemoved(const std::string& path, const std::string& interface) {
     if (interface == ObjectTree::adapter && path == adapter_) use(bestAdapter());
+    if (const auto session = sessionOf(path, interface)) session->attributeRemoved(path);
     if (interface != ObjectTree::device) return;
-    advertised_.deviceRemoved(path);
     if (const auto link = linkAt(path)) link->deviceRemoved();
+}
+
+// That of the link which a service or characteristic belongs to.
+std::shared_ptr<GattSession> BluezRadio::sessionOf(const std::string& path,
+                                                   const std::string& interface) const {
+    if (interface != ObjectTree::service && interface != ObjectTree::characteristic) return nullptr;
+    const auto link = linkAt(InkoraKit::deviceOf(path));
+    return link ? link->session() : nullptr;
 }
 
 void BluezRadio::propertiesChanged(const std::string& path, const std::string& interface,
                                    const Properties& before) {
     if (interface == ObjectTree::characteristic && before.contains("Value")) {
-        const auto link = linkAt(deviceOf(path));
-        if (const auto session = link ? link->session() : nullptr) session->valueSignalled(path);
+        if (const auto session = sessionOf(path, interface)) session->valueSignalled(path);
     } else if (interface == ObjectTree::device) {
         deviceChanged(path, before);
     } else if (interface == ObjectTree::adapter && before.contains("Powered")) {
-        if (path == adapter_) return use(path);
+        if (path == adapter_) return use(bestAdapter());
         adapterImproved(path);
     }
 }
@@ -198,29 +255,39 @@ void BluezRadio::propertiesChanged(const std::string& path, const std::string& i
 // --- scanning -----------------------------------------------------------------------------------
 
 void BluezRadio::startScan() {
-    isScanWanted_ = true;
+    if (std::exchange(isScanWanted_, true)) return;
+    linkedElsewhere_.clear();
     updateDiscovery();
+    if (discovery_.isRunning()) reportAll();
 }
 
 void BluezRadio::stopScan() {
     isScanWanted_ = false;
+    anticipation_.cancel();
     updateDiscovery();
 }
 
 void BluezRadio::updateDiscovery() {
-    const bool isConnecting =
-        std::ranges::any_of(links_, [](const auto& entry) { return entry.second->isAttempt(); });
-    discovery_.setWanted(isScanWanted_ && !isConnecting);
+    const auto isAny = [this](auto property) {
+        return std::ranges::any_of(links_, [&](const auto& link) { return (*link.*property)(); });
+    };
+    const bool isOfUse = isScanWanted_ || anticipation_.isSet() || isAny(&Link::isSearching);
+    discovery_.setWanted(isOfUse && !isAny(&Link::isConnecting));
     if (!discovery_.isIdle()) return;
     const auto links = links_;
-    for (const auto& [device, link] : links) link->proceed();
+    for (const auto& link : links) link->proceed();
 }
 
 void BluezRadio::discoveryMoved() {
     if (discovery_.isDenied()) return updateState();
     if (discovery_.isIdle()) return updateDiscovery();
     if (!discovery_.isRunning()) return;
-    // Another client's discovery may have heard of devices that ours is not told of again.
+    if (std::exchange(provesPower_, false)) adapterIsOn();
+    reportAll();
+}
+
+// Another client's discovery may have heard of devices that ours is not told of again.
+void BluezRadio::reportAll() {
     for (const std::string& device : daemon_.objects().below(adapter_, ObjectTree::device))
         reportIfHeard(device);
 }
@@ -240,23 +307,46 @@ void BluezRadio::deviceChanged(const std::string& path, const Properties& before
                    return before.contains(name);
                });
     };
-    const auto link = linkAt(path);
-    if (link && concerns(linkProperties)) link->deviceChanged();
-    if (concerns(advertisedProperties)) reportIfHeard(path);
+    const bool isLinkConcerned = concerns(linkProperties);
+    for (const auto links = links_; const auto& link : links) {
+        if (link->peripheral() == *identifier) link->deviceAdded();
+        if (link->devicePath() == path && isLinkConcerned) link->deviceChanged();
+    }
+    if (isLinkConcerned || concerns(advertisedProperties)) reportIfHeard(path);
 }
 
 void BluezRadio::reportIfHeard(const std::string& path) {
     if (!isScanWanted_ || adapter_.empty() || !path.starts_with(adapter_ + "/")) return;
     const Properties* device = daemon_.objects().properties(path, ObjectTree::device);
     const auto identifier = identifierOf(path);
-    const auto* rssi = device ? find<std::int16_t>(*device, "RSSI") : nullptr;
-    if (!rssi || !identifier) return;
+    if (!device || !identifier) return;
+    if (const auto* rssi = find<std::int16_t>(*device, "RSSI"))
+        return listener_->sighted(sightingOf(path, *identifier, *rssi));
+    const bool* isConnected = find<bool>(*device, "Connected");
+    if (isConnected && *isConnected) reportLinked(path, *identifier);
+}
+
+// The link is another client's, or of a host that has ended without closing it. The device does not
+// advertise, and is there all the same.
+void BluezRadio::reportLinked(const std::string& path, const UUID& identifier) {
+    if (linkTo(identifier) || !linkedElsewhere_.insert(identifier).second) return;
+    const auto report = [this, path, identifier](std::optional<int> rssi, const std::string&) {
+        if (isScanWanted_ && identifierOf(path) == identifier)
+            listener_->sighted(sightingOf(path, identifier, rssi.value_or(unknownRSSI)));
+    };
+    const auto address = DeviceAddress::fromIdentifier(identifier);
+    if (!canReadRSSI_ || !address) return report(std::nullopt, {});
+    management_.readRSSI(controllerIndex(adapter_), *address, report);
+}
+
+Sighting BluezRadio::sightingOf(const std::string& path, const UUID& identifier, int rssi) const {
+    const Properties& device = *daemon_.objects().properties(path, ObjectTree::device);
     Sighting sighting;
-    sighting.identifier = *identifier;
-    sighting.name = advertised_.ownName(path, *device);
-    sighting.advertisement = advertised_.advertisement(path, *device);
-    sighting.rssi = *rssi;
-    listener_->sighted(sighting);
+    sighting.identifier = identifier;
+    sighting.name = advertised_.ownName(path, device);
+    sighting.advertisement = advertised_.advertisement(path, device);
+    sighting.rssi = rssi;
+    return sighting;
 }
 
 // --- links --------------------------------------------------------------------------------------
@@ -270,14 +360,23 @@ std::optional<UUID> BluezRadio::identifierOf(const std::string& device) const {
     return parsed ? std::optional(parsed->identifier()) : std::nullopt;
 }
 
+// From its properties: once the address was resolved to another, the path shows the former still.
+std::string BluezRadio::deviceOf(const UUID& peripheral) const {
+    for (const std::string& device : daemon_.objects().below(adapter_, ObjectTree::device))
+        if (identifierOf(device) == peripheral) return device;
+    return {};
+}
+
 std::shared_ptr<Link> BluezRadio::linkAt(const std::string& device) const {
-    const auto entry = links_.find(device);
-    return entry == links_.end() ? nullptr : entry->second;
+    const auto link = std::ranges::find(
+        links_, device, [](const auto& each) -> const auto& { return each->devicePath(); });
+    return link == links_.end() ? nullptr : *link;
 }
 
 std::shared_ptr<Link> BluezRadio::linkTo(const UUID& peripheral) const {
-    const auto address = DeviceAddress::fromIdentifier(peripheral);
-    return address ? linkAt(address->pathBelow(adapter_)) : nullptr;
+    const auto link = std::ranges::find(
+        links_, peripheral, [](const auto& each) -> const auto& { return each->peripheral(); });
+    return link == links_.end() ? nullptr : *link;
 }
 
 std::shared_ptr<GattSession> BluezRadio::sessionWith(const UUID& peripheral) const {
@@ -285,24 +384,35 @@ std::shared_ptr<GattSession> BluezRadio::sessionWith(const UUID& peripheral) con
     return link ? link->session() : nullptr;
 }
 
+// A host whose pen was lost looks for it, as a rule. The discovery that goes ahead of that shows
+// besides that the adapter is on: the kernel begins none while it is being switched off. Unless one
+// goes on already, of which BlueZ then only counts the clients.
 void BluezRadio::linkMoved(Link& link) {
-    const auto entry = links_.find(link.devicePath());
-    const bool isOver = link.stage() == Link::Stage::ended;
-    if (isOver && entry != links_.end() && entry->second.get() == &link) links_.erase(entry);
+    if (link.isLoss()) {
+        const bool* isDiscovering =
+            daemon_.objects().property<bool>(adapter_, ObjectTree::adapter, "Discovering");
+        provesPower_ = isDiscovering && !*isDiscovering;
+        anticipation_.set(anticipationTime, [this] { updateDiscovery(); });
+    }
+    if (link.stage() == Link::Stage::ended)
+        std::erase_if(links_, [&](const auto& each) { return each.get() == &link; });
     updateDiscovery();
 }
 
+void BluezRadio::adapterIsOn() {
+    const auto links = links_;
+    for (const auto& link : links) link->adapterIsOn();
+}
+
 void BluezRadio::connect(const UUID& peripheral) {
-    const auto address = DeviceAddress::fromIdentifier(peripheral);
-    if (!address || adapter_.empty())
+    if (!DeviceAddress::fromIdentifier(peripheral) || adapter_.empty())
         return listener_->connectionFailed(
             peripheral, bluezErrors::connectionFailed("The peripheral is not known."));
-    const std::string device = address->pathBelow(adapter_);
-    std::shared_ptr<Link> link = linkAt(device);
+    std::shared_ptr<Link> link = linkTo(peripheral);
     if (!link) {
         Link::Owner& owner = *this;
-        link = std::make_shared<Link>(peripheral, device, daemon_, *listener_, owner);
-        links_[device] = link;
+        link = std::make_shared<Link>(peripheral, daemon_, *listener_, owner);
+        links_.push_back(link);
     }
     link->connect();
 }

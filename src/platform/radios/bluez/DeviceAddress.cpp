@@ -52,15 +52,4 @@ UUID DeviceAddress::identifier() const {
     return UUID(into);
 }
 
-std::string DeviceAddress::pathBelow(const std::string& adapter) const {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string path = adapter + "/dev";
-    for (const std::uint8_t byte : bytes) {
-        path += '_';
-        path += digits[byte >> 4];
-        path += digits[byte & 0x0f];
-    }
-    return path;
-}
-
 }  // namespace InkoraKit

@@ -34,9 +34,6 @@ struct DeviceAddress {
 
     UUID identifier() const;
 
-    /// Where the device is found below an adapter: ".../dev_00_11_22_33_44_55".
-    std::string pathBelow(const std::string& adapter) const;
-
     friend bool operator==(const DeviceAddress&, const DeviceAddress&) = default;
 };
 

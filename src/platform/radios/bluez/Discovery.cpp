@@ -1,5 +1,7 @@
 #include "platform/radios/bluez/Discovery.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include "platform/radios/bluez/BluezErrors.h"
 
 #include <utility>
@@ -79,6 +81,8 @@ void Discovery::answered(const std::optional<BusError>& error) {
 }
 
 void Discovery::refused(const BusError& error) {
+    NSObject::printThisLineToConsole(
+        [&] { return "BlueZ: no discovery: " + bluezErrors::textOf(error); });
     isDenied_ = bluezErrors::isAccessDenied(error);
     if (!isDenied_) retry_.set(retryPause, [this] { step(); });
     move(Stage::idle);

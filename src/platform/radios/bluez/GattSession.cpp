@@ -47,6 +47,11 @@ std::optional<CBUUID> uuidOf(const Properties& attribute) {
     return CBUUID(*uuid);
 }
 
+// Of a characteristic; of a service it is the device.
+std::string parentOf(const std::string& path) {
+    return path.substr(0, path.rfind('/'));
+}
+
 }  // namespace
 
 GattSession::GattSession(const UUID& peripheral, std::string devicePath, BluezDaemon& daemon,
@@ -54,18 +59,41 @@ GattSession::GattSession(const UUID& peripheral, std::string devicePath, BluezDa
     : peripheral_(peripheral),
       devicePath_(std::move(devicePath)),
       daemon_(daemon),
-      listener_(listener) {}
+      listener_(listener) {
+    for (const char* interface : {ObjectTree::service, ObjectTree::characteristic})
+        for (std::string& path : daemon_.objects().below(devicePath_, interface))
+            table_.insert(std::move(path));
+}
 
-AttributeHandle GattSession::handleOf(const std::string& path) {
-    auto known = std::ranges::find(attributes_, path, &Attribute::path);
-    if (known == attributes_.end()) known = attributes_.insert(known, Attribute{path});
+AttributeHandle GattSession::handleAt(const std::string& path) const {
+    const auto known = std::ranges::find(attributes_, path, &Attribute::path);
+    if (known == attributes_.end()) return 0;
     return static_cast<AttributeHandle>(known - attributes_.begin() + 1);
 }
 
+AttributeHandle GattSession::handleOf(const std::string& path) {
+    if (const auto known = handleAt(path)) return known;
+    attributes_.push_back({path, uuidAt(path)});
+    return static_cast<AttributeHandle>(attributes_.size());
+}
+
+std::string GattSession::uuidAt(const std::string& path) const {
+    const auto textAt = [this](const std::string& at, const char* interface) {
+        return daemon_.objects().property<std::string>(at, interface, "UUID");
+    };
+    const auto* own = textAt(path, ObjectTree::characteristic);
+    const auto* service = textAt(parentOf(path), ObjectTree::service);
+    return own && service ? *service + "/" + *own : std::string();
+}
+
+// Null for a handle that names nothing, or nothing any more.
 GattSession::Attribute* GattSession::attribute(AttributeHandle handle) {
     if (handle == 0 || handle > attributes_.size()) return nullptr;
-    return &attributes_[handle - 1];
+    Attribute& found = attributes_[handle - 1];
+    return found.path.empty() ? nullptr : &found;
 }
+
+// --- the table ----------------------------------------------------------------------------------
 
 void GattSession::discoverServices() {
     std::vector<RemoteService> services;
@@ -95,6 +123,50 @@ void GattSession::discoverCharacteristics(AttributeHandle handle) {
                                         std::nullopt);
 }
 
+void GattSession::attributeAdded(const std::string& path) {
+    if (!table_.insert(path).second) return;
+    forget(parentOf(path));
+    carryOver();
+    tableChange_.set(0, [this] { tellTableChanged(); });
+}
+
+void GattSession::attributeRemoved(const std::string& path) {
+    table_.erase(path);
+    forget(path);
+    forget(parentOf(path));
+    tableChange_.set(0, [this] { tellTableChanged(); });
+}
+
+void GattSession::forget(const std::string& path) {
+    const AttributeHandle handle = handleAt(path);
+    if (handle == 0) return;
+    Attribute& gone = attributes_[handle - 1];
+    gone.path.clear();
+    if (gone.uuid.empty()) invalidated_.push_back(handle);
+}
+
+// Subscribes anew to what the table has at another place now. The host, who has not asked for it,
+// hears of it only if it fails.
+void GattSession::carryOver() {
+    const auto paths = daemon_.objects().below(devicePath_, ObjectTree::characteristic);
+    for (std::size_t i = 0; i < attributes_.size(); ++i) {
+        Attribute& lost = attributes_[i];
+        if (!lost.isSubscribed || !lost.path.empty()) continue;
+        const auto found = std::ranges::find_if(paths, [&](const std::string& path) {
+            return handleAt(path) == 0 && uuidAt(path) == lost.uuid;
+        });
+        if (found == paths.end()) continue;
+        lost.path = *found;
+        sendSubscription(static_cast<AttributeHandle>(i + 1), true, false);
+    }
+}
+
+void GattSession::tellTableChanged() {
+    listener_.servicesInvalidated(peripheral_, std::exchange(invalidated_, {}));
+}
+
+// --- reading ------------------------------------------------------------------------------------
+
 // One at a time for each characteristic: of two at once BlueZ answers both with one.
 void GattSession::read(AttributeHandle handle) {
     Attribute* characteristic = attribute(handle);
@@ -111,18 +183,23 @@ void GattSession::sendRead(AttributeHandle handle) {
 }
 
 void GattSession::readAnswered(AttributeHandle handle, Answer& answer) {
-    Attribute& characteristic = *attribute(handle);
+    Attribute& characteristic = attributes_[handle - 1];
     const std::vector<HeldValue> held = std::exchange(characteristic.held, {});
-    if (--characteristic.readsAsked > 0) sendRead(handle);
+    const bool isGone = characteristic.path.empty();  // then this is the answer to all
+    const int answers = isGone ? std::exchange(characteristic.readsAsked, 0) : 1;
+    if (!isGone && --characteristic.readsAsked > 0) sendRead(handle);
 
+    std::optional<Data> value;
+    std::optional<NSError> error;
     if (answer.error) {
-        for (const HeldValue& other : held)
-            if (other.isSubscribed) listener_.valueNotified(peripheral_, handle, other.value);
-        listener_.valueRead(peripheral_, handle, std::nullopt,
-                            bluezErrors::attributeError(*answer.error));
-        return;
+        error = bluezErrors::attributeError(*answer.error);
+    } else {
+        value = answer.body.readBytes();
     }
-    const Data value = answer.body.readBytes();
+    const auto report = [&] {
+        if (value) attributes_[handle - 1].sieve.read(*value);
+        for (int i = 0; i < answers; ++i) listener_.valueRead(peripheral_, handle, value, error);
+    };
     // The change closest to the answer that shows its value is the read's own; the value is
     // reported in its place.
     const auto last = std::find_if(held.rbegin(), held.rend(), [&](const HeldValue& candidate) {
@@ -131,24 +208,35 @@ void GattSession::readAnswered(AttributeHandle handle, Answer& answer) {
     const auto own = last == held.rend() ? held.end() : std::prev(last.base());
     for (auto other = held.begin(); other != held.end(); ++other) {
         if (other == own) {
-            listener_.valueRead(peripheral_, handle, value, std::nullopt);
+            report();
         } else if (other->isSubscribed) {
-            listener_.valueNotified(peripheral_, handle, other->value);
+            tell(handle, attributes_[handle - 1].sieve.notified(other->value, other->serial));
         }
     }
-    if (own == held.end()) listener_.valueRead(peripheral_, handle, value, std::nullopt);
+    if (own == held.end()) report();
 }
 
+// --- subscriptions ------------------------------------------------------------------------------
+
 void GattSession::subscribe(AttributeHandle handle, bool on) {
-    Attribute* characteristic = attribute(handle);
-    if (!characteristic) return;
+    if (attribute(handle)) sendSubscription(handle, on, true);
+}
+
+void GattSession::sendSubscription(AttributeHandle handle, bool on, bool isAskedFor) {
+    Attribute& characteristic = attributes_[handle - 1];
+    const bool* isNotifying = daemon_.objects().property<bool>(
+        characteristic.path, ObjectTree::characteristic, "Notifying");
+    characteristic.sieve.begin(!isNotifying || !*isNotifying);
     // From now on, not from the answer on: the first value may come before that.
-    characteristic->isSubscribed = on;
-    // Not AcquireNotify: BlueZ before 5.84 never answers one that the peripheral refuses.
+    characteristic.isSubscribed = on;
+    // Not AcquireNotify: it shuts out other clients, and BlueZ before 5.84 never answers one that
+    // the peripheral refuses.
     daemon_.call(
-        characteristic->path, ObjectTree::characteristic, on ? "StartNotify" : "StopNotify",
-        [weak = weak_from_this(), handle, on](Answer& answer) {
-            if (const auto self = weak.lock()) self->subscriptionAnswered(handle, on, answer.error);
+        characteristic.path, ObjectTree::characteristic, on ? "StartNotify" : "StopNotify",
+        [weak = weak_from_this(), handle, on, isAskedFor](Answer& answer) {
+            const auto self = weak.lock();
+            if (self && (isAskedFor || answer.error))
+                self->subscriptionAnswered(handle, on, answer.error);
         },
         std::nullopt, answerTime);
 }
@@ -157,7 +245,7 @@ void GattSession::subscriptionAnswered(AttributeHandle handle, bool on,
                                        const std::optional<BusError>& error) {
     if (!error || (!on && bluezErrors::isNotSubscribed(*error)))
         return listener_.subscriptionChanged(peripheral_, handle, on, std::nullopt);
-    attribute(handle)->isSubscribed = !on;
+    attributes_[handle - 1].isSubscribed = !on;
     listener_.subscriptionChanged(peripheral_, handle, !on, bluezErrors::attributeError(*error));
 }
 
@@ -165,20 +253,49 @@ void GattSession::subscriptionAnswered(AttributeHandle handle, bool on,
 // for ever (5.66): from then on every value is signalled once more, to whoever comes next.
 void GattSession::hangUp() {
     for (const Attribute& each : attributes_)
-        if (each.isSubscribed) daemon_.send(each.path, ObjectTree::characteristic, "StopNotify");
+        if (each.isSubscribed && !each.path.empty())
+            daemon_.send(each.path, ObjectTree::characteristic, "StopNotify");
+}
+
+// --- notifications ------------------------------------------------------------------------------
+
+void GattSession::heard(ValueSieve::Serial serial) {
+    serial_ = serial;
+    for (std::size_t i = 0; i < attributes_.size(); ++i)
+        tell(static_cast<AttributeHandle>(i + 1), attributes_[i].sieve.heard(serial));
 }
 
 void GattSession::valueSignalled(const std::string& path) {
-    const auto known = std::ranges::find(attributes_, path, &Attribute::path);
-    if (known == attributes_.end()) return;
+    const AttributeHandle handle = handleAt(path);
     const Data* value = daemon_.objects().property<Data>(path, ObjectTree::characteristic, "Value");
-    if (!value) return;
-    if (known->readsAsked > 0) {
-        known->held.push_back({*value, known->isSubscribed});
-    } else if (known->isSubscribed) {
-        const auto handle = static_cast<AttributeHandle>(known - attributes_.begin() + 1);
-        listener_.valueNotified(peripheral_, handle, *value);
+    if (handle == 0 || !value) return;
+    Attribute& characteristic = attributes_[handle - 1];
+    if (characteristic.readsAsked > 0) {
+        characteristic.held.push_back({*value, serial_, characteristic.isSubscribed});
+    } else if (characteristic.isSubscribed) {
+        tell(handle, characteristic.sieve.signalled(*value));
+        makeSure();
     }
+}
+
+void GattSession::tell(AttributeHandle handle, const std::optional<Data>& notified) {
+    if (notified) listener_.valueNotified(peripheral_, handle, *notified);
+}
+
+// Has bluetoothd say something, so that what was signalled can be told apart by what comes next.
+void GattSession::makeSure() {
+    const auto isUndecided = [](const Attribute& each) { return each.sieve.isUndecided(); };
+    if (isMakingSure_ || std::ranges::none_of(attributes_, isUndecided)) return;
+    isMakingSure_ = true;
+    daemon_.ping([weak = weak_from_this()](Answer&) {
+        if (const auto self = weak.lock()) self->madeSure();
+    });
+}
+
+void GattSession::madeSure() {
+    isMakingSure_ = false;
+    for (std::size_t i = 0; i < attributes_.size(); ++i)
+        tell(static_cast<AttributeHandle>(i + 1), attributes_[i].sieve.decide());
 }
 
 }  // namespace InkoraKit

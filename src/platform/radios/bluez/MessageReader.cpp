@@ -1,5 +1,7 @@
 #include "platform/radios/bluez/MessageReader.h"
 
+#include <InkoraKit/platform/NSObject.h>
+
 #include <systemd/sd-bus.h>
 
 #include <cstddef>
@@ -7,6 +9,17 @@
 #include <utility>
 
 namespace InkoraKit {
+
+std::string MessageReader::sender() const {
+    const char* sender = sd_bus_message_get_sender(message_);
+    return sender ? sender : "";
+}
+
+std::uint64_t MessageReader::serial() const {
+    std::uint64_t serial = 0;
+    sd_bus_message_get_cookie(message_, &serial);
+    return serial;
+}
 
 std::string MessageReader::path() const {
     const char* path = sd_bus_message_get_path(message_);
@@ -18,23 +31,38 @@ std::string MessageReader::member() const {
     return member ? member : "";
 }
 
+void MessageReader::refuse(const char* expected) {
+    if (std::exchange(isRefused_, true)) return;
+    NSObject::printThisLineToConsole([&] {
+        const char* signature = sd_bus_message_get_signature(message_, true);
+        return "D-Bus: " + member() + " of " + path() + " is " + (signature ? signature : "empty") +
+               ", without the " + expected + " that belongs there";
+    });
+}
+
 std::string MessageReader::readText() {
     const char* text = nullptr;
     char type = 0;
-    if (sd_bus_message_peek_type(message_, &type, nullptr) <= 0) return {};
-    if (type != SD_BUS_TYPE_STRING && type != SD_BUS_TYPE_OBJECT_PATH) return {};
-    if (sd_bus_message_read_basic(message_, type, &text) <= 0) return {};
+    sd_bus_message_peek_type(message_, &type, nullptr);
+    const bool isText = type == SD_BUS_TYPE_STRING || type == SD_BUS_TYPE_OBJECT_PATH;
+    if (isRefused_ || !isText || sd_bus_message_read_basic(message_, type, &text) <= 0) {
+        refuse("s");
+        return {};
+    }
     return text;
 }
 
 std::vector<std::string> MessageReader::readTexts() {
     const char* contents = nullptr;
     char type = 0;
-    if (sd_bus_message_peek_type(message_, &type, &contents) <= 0) return {};
-    if (type != SD_BUS_TYPE_ARRAY) return {};
-    const std::string element = contents;
-    if (element != "s" && element != "o") return {};
-    if (sd_bus_message_enter_container(message_, type, element.c_str()) <= 0) return {};
+    sd_bus_message_peek_type(message_, &type, &contents);
+    const std::string element = type == SD_BUS_TYPE_ARRAY ? contents : "";
+    const bool isTexts = element == "s" || element == "o";
+    if (isRefused_ || !isTexts ||
+        sd_bus_message_enter_container(message_, type, element.c_str()) <= 0) {
+        refuse("as");
+        return {};
+    }
     std::vector<std::string> texts;
     const char* text = nullptr;
     while (sd_bus_message_read_basic(message_, element.front(), &text) > 0)
@@ -46,7 +74,10 @@ std::vector<std::string> MessageReader::readTexts() {
 Data MessageReader::readBytes() {
     const void* bytes = nullptr;
     std::size_t size = 0;
-    if (sd_bus_message_read_array(message_, SD_BUS_TYPE_BYTE, &bytes, &size) <= 0) return {};
+    if (isRefused_ || sd_bus_message_read_array(message_, SD_BUS_TYPE_BYTE, &bytes, &size) <= 0) {
+        refuse("ay");
+        return {};
+    }
     return Data(std::span(static_cast<const std::uint8_t*>(bytes), size));
 }
 
@@ -54,8 +85,11 @@ template <class Map, class ReadKey, class ReadValue>
 Map MessageReader::readMap(const char* entry, ReadKey readKey, ReadValue readValue) {
     Map map;
     const std::string contents = std::string("{") + entry + "}";
-    if (sd_bus_message_enter_container(message_, SD_BUS_TYPE_ARRAY, contents.c_str()) <= 0)
+    if (isRefused_ ||
+        sd_bus_message_enter_container(message_, SD_BUS_TYPE_ARRAY, contents.c_str()) <= 0) {
+        refuse(("a" + contents).c_str());
         return map;
+    }
     while (sd_bus_message_enter_container(message_, SD_BUS_TYPE_DICT_ENTRY, entry) > 0) {
         auto key = readKey();
         map.insert_or_assign(std::move(key), readValue());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <InkoraKit/platform/Data.h>
+#include <InkoraKit/platform/NSObject.h>
 
 #include <cstdint>
 #include <functional>
@@ -23,11 +24,16 @@ using Interfaces = std::map<std::string, Properties, std::less<>>;
 using Objects = std::map<std::string, Interfaces, std::less<>>;
 
 /// The property if it is there and of that type, otherwise null: a value of another type than the
-/// documented one is as good as none.
+/// documented one is as good as none, but for a line in the log.
 template <class T>
 const T* find(const Properties& properties, std::string_view name) {
     const auto entry = properties.find(name);
-    return entry == properties.end() ? nullptr : std::get_if<T>(&entry->second);
+    if (entry == properties.end()) return nullptr;
+    const T* value = std::get_if<T>(&entry->second);
+    if (!value)
+        NSObject::printThisLineToConsole(
+            [&] { return "D-Bus: " + std::string(name) + " has a type that it should not have"; });
+    return value;
 }
 
 }  // namespace InkoraKit

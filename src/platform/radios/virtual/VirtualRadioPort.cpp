@@ -7,6 +7,8 @@
 #include "platform/radios/virtual/VirtualErrors.h"
 #include "platform/radios/virtual/VirtualLink.h"
 
+#include <array>
+#include <cstddef>
 #include <utility>
 
 namespace InkoraKit {
@@ -40,6 +42,13 @@ void VirtualRadioPort::reportState() {
 }
 
 // Scanning
+
+CBManagerStateReason VirtualRadioPort::stateReason() const {
+    using enum CBManagerStateReason;
+    constexpr std::array byState = {none, noService, noAdapter, notPermitted, switchedOff, none};
+    const CBManagerState state = radio_ ? radio_->state() : CBManagerState::unsupported;
+    return byState[static_cast<std::size_t>(state)];
+}
 
 void VirtualRadioPort::startScan() {
     scanning_ = true;

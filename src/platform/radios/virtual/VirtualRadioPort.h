@@ -22,6 +22,7 @@ public:
 
     RadioCapabilities capabilities() const override;
     void start(RadioListener& listener) override;
+    CBManagerStateReason stateReason() const override;
     void startScan() override;
     void stopScan() override;
     void connect(const UUID& peripheral) override;
