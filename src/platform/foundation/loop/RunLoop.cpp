@@ -252,8 +252,9 @@ bool RunLoop::fireTimers(double due) {
 
 bool RunLoop::serveSources(double due) {
     bool busy = false;
-    for (std::size_t i = 0; i < state_->sources.size(); ++i) {  // a service may remove some
-        RunLoopSource& source = *state_->sources[i];
+    std::size_t next = 0;
+    while (next < state_->sources.size()) {  // a service may remove some
+        RunLoopSource& source = *state_->sources[next++];
         const auto deadline = deadlineOf(source);
         if (!deadline || *deadline > due) continue;
         serve(source);

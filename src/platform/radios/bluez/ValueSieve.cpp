@@ -36,9 +36,8 @@ std::optional<Data> ValueSieve::notified(const Data& value, Serial serial) {
 }
 
 std::optional<Data> ValueSieve::decide() {
-    const auto held = std::exchange(held_, std::nullopt);
     closeRun();
-    return held;
+    return std::exchange(held_, std::nullopt);
 }
 
 void ValueSieve::closeRun() {
