@@ -281,9 +281,9 @@ void RunLoop::serve(RunLoopSource& source) {
     struct Ending {
         State& state;
         ~Ending() {
-            const auto [source, isUnwatched] = state.services.back();
+            const State::Service ended = state.services.back();
             state.services.pop_back();
-            if (source && isUnwatched) state.waiter.add(*source);
+            if (ended.source && ended.isUnwatched) state.waiter.add(*ended.source);
         }
     };
     state_->services.push_back({&source, false});
