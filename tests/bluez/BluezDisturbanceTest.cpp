@@ -1,10 +1,12 @@
 #include "BluezRadioTest.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <thread>
 #include <tuple>
 
 namespace InkoraKit {
@@ -33,7 +35,8 @@ TEST_F(BluezRadioTest, NobodyElseSpeaksForBluez) {
     startRadio();
     linkPen();
     radio->subscribe(pen, record.handleOf(colourUUID), true);
-    ASSERT_TRUE(reported("1F14 subscribed"));
+    radio->startScan();
+    settle();
     FakeBluez stranger(bus->address());
     stranger.addressee = fake->caller;
     const std::function<void()> forgeries[] = {
@@ -52,10 +55,7 @@ TEST_F(BluezRadioTest, NobodyElseSpeaksForBluez) {
     for (const auto& forge : forgeries) {
         record.take();
         forge();
-        stranger.sync();
-        settle();
-        skip(1);  // the end of a link is told a moment later
-        settle();
+        RunLoop::main().runFor(1);  // the end of a link is told a moment later
         EXPECT_EQ(record.lines, Lines()) << &forge - forgeries;
     }
     fake->change(colour, ObjectTree::characteristic, {{"Value", Data{2}}});
@@ -112,7 +112,7 @@ TEST_F(BluezRadioTest, CrowdDoesNotStarveThePen) {
         most = std::max(most, record.lines.size() - before);
         return record.lines.size() >= expected.size();
     }));
-    EXPECT_LE(most, 64u);
+    EXPECT_LE(most, 64u + 1);  // and a value held back until then
     EXPECT_EQ(record.lines, expected);
 }
 
@@ -124,7 +124,7 @@ TEST_F(BluezRadioTest, DaemonIsSilentAtFirst) {
     radio->start(record);
     for (int asked = 1; asked <= 4; ++asked) {
         ASSERT_TRUE(until([&] { return fake->timesAskedForObjects == asked; }));
-        skip(10);
+        RunLoop::main().runFor(9.5);
     }
     EXPECT_EQ(record.lines, Lines{"adapter state 2"});
     fake->isSilent = false;
@@ -136,12 +136,11 @@ TEST_F(BluezRadioTest, NobodyStartsTheDaemonAgain) {
     fake.reset();
     ASSERT_TRUE(reported("adapter state 1"));
     EXPECT_EQ(bus->starts(), 0);
-    skip(5);
-    ASSERT_TRUE(until([&] { return bus->starts() == 1; }));
-    for (int i = 0; i < 5; ++i) {
-        skip(5);
-        RunLoop::main().runFor(0.01);
-    }
+    ASSERT_TRUE(until([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));  // until it has run
+        return bus->starts() == 1;
+    }));
+    RunLoop::main().runFor(30);
     EXPECT_EQ(bus->starts(), 1);
     fake = std::make_unique<FakeBluez>(bus->address());
     fake->addAdapter(FakeBluez::hci0, address, true);

@@ -67,7 +67,7 @@ public:
                      {{"ServicesResolved", false}, {"Connected", false}});
     }
 
-    double quietTime() const override { return 0.5; }
+    double quietTime() const override { return 10; }
 
 private:
     void startDiscovery() {

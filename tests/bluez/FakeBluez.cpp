@@ -261,11 +261,6 @@ void FakeBluez::claimThatOwnerChanged(const std::string& oldOwner, const std::st
     send(signal);
 }
 
-void FakeBluez::sync() {
-    sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
-                       nullptr, nullptr, nullptr);
-}
-
 // --- the run loop -------------------------------------------------------------------------------
 
 int FakeBluez::descriptor() const {

@@ -67,8 +67,6 @@ public:
     std::string caller;     // who has called last, by unique name
     std::string addressee;  // whom signals go to, and nobody else; empty for all
     void claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner);
-    /// Returns when the bus has dealt with all that was sent.
-    void sync();
 
     // RunLoopSource
     int descriptor() const override;

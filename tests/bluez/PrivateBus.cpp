@@ -1,8 +1,12 @@
 #include "PrivateBus.h"
 
+#include <InkoraKit/platform/RunLoop.h>
+
+#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <array>
@@ -41,6 +45,36 @@ std::string readLine(int descriptor) {
 
 }  // namespace
 
+class PrivateBus::QuietClock final : public Clock {
+public:
+    explicit QuietClock(const std::string& address) {
+        sd_bus* made = nullptr;
+        sd_bus_new(&made);
+        bus_.reset(made, sd_bus_close_unref);
+        sd_bus_set_address(made, address.c_str());
+        sd_bus_set_bus_client(made, true);
+        sd_bus_start(made);
+    }
+
+    double now() const override { return now_; }
+
+    // By the last of some answers the bus has passed on what it was sent before the first.
+    bool skipTo(double when) override {
+        for (int i = 0; i < 4; ++i)
+            sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus",
+                               "GetId", nullptr, nullptr, nullptr);
+        RunLoop::main().sourcesChanged();
+        pollfd loop{RunLoop::main().descriptor(), POLLIN, 0};
+        if (::poll(&loop, 1, 0) != 0) return false;
+        now_ = when;
+        return true;
+    }
+
+private:
+    std::shared_ptr<sd_bus> bus_;
+    double now_ = 0;
+};
+
 bool PrivateBus::isAvailable() {
     return ::access(program, X_OK) == 0;
 }
@@ -66,6 +100,7 @@ PrivateBus::PrivateBus(Policy policy) {
     address_ = readLine(pipe[0]);
     ::close(pipe[0]);
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address_.c_str(), 1);
+    RunLoop::main().setClock(std::make_shared<QuietClock>(address_));
 }
 
 PrivateBus::~PrivateBus() {

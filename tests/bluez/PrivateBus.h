@@ -1,14 +1,20 @@
 #pragma once
 
+#include <InkoraKit/platform/Clock.h>
+
 #include <sys/types.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
+
+struct sd_bus;
 
 namespace InkoraKit {
 
 /// A message bus of this process's own, which takes no more than four match rules of anybody, and
-/// starts org.bluez by writing down that it was to. While it lives, it is the system bus.
+/// starts org.bluez by writing down that it was to. While it lives, it is the system bus. Time on
+/// the run loop passes only while nothing is on its way over the bus, and then at once.
 class PrivateBus {
 public:
     enum class Policy { open, bluezDenied };
@@ -28,6 +34,8 @@ public:
     int starts() const;
 
 private:
+    class QuietClock;
+
     std::filesystem::path folder_;
     pid_t daemon_ = -1;
     std::string address_;
