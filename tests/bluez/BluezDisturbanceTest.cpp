@@ -12,16 +12,8 @@
 namespace InkoraKit {
 namespace {
 
-const CBUUID colourUUID("1F14");
-constexpr const char* address = "00:AA:01:00:00:42";
-
 void switchAdapter(FakeBluez& fake, bool on) {
     fake.change(FakeBluez::hci0, ObjectTree::adapter, {{"Powered", on}});
-}
-
-void endLink(FakeBluez& fake) {
-    fake.change(FakeBluez::pen, ObjectTree::device,
-                {{"ServicesResolved", false}, {"Connected", false}});
 }
 
 void removeAdapter(FakeBluez& fake) {
@@ -32,34 +24,27 @@ void removeAdapter(FakeBluez& fake) {
 // --- strangers on the bus -----------------------------------------------------------------------
 
 TEST_F(BluezRadioTest, NobodyElseSpeaksForBluez) {
-    startRadio();
-    linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    linkPen(true);
     radio->startScan();
     settle();
     FakeBluez stranger(bus->address());
     stranger.addressee = fake->caller;
     const std::function<void()> forgeries[] = {
-        [&] {
-            stranger.change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
-        },
-        [&] { endLink(stranger); },
+        [&] { stranger.changeValue(colour, Data{1}); },
+        [&] { stranger.endLink(); },
         [&] { switchAdapter(stranger, false); },
-        [&] {
-            stranger.addPen({{"RSSI", std::int16_t{-1}}});
-        },
+        [&] { stranger.addPen(heard); },
         [&] { removeAdapter(stranger); },
         [&] { stranger.claimThatOwnerChanged(":1.1", ""); },
         [&] { stranger.claimThatOwnerChanged(":1.1", ":1.9"); },
     };
     for (const auto& forge : forgeries) {
-        record.take();
         forge();
-        RunLoop::main().runFor(1);  // the end of a link is told a moment later
-        EXPECT_EQ(record.lines, Lines()) << &forge - forgeries;
+        // The end of a link is told a moment later.
+        EXPECT_EQ(reports(1), Lines()) << &forge - forgeries;
     }
-    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{2}}});
-    EXPECT_TRUE(reported("1F14 notified <02>"));
+    notify(2);
+    EXPECT_EQ(reports(), Lines{"1F14 notified <02>"});
 }
 
 // --- much and often -----------------------------------------------------------------------------
@@ -69,30 +54,22 @@ std::ptrdiff_t entriesOf(const char* folder) {
 }
 
 TEST_F(BluezRadioTest, TenLinksLeaveNothingBehind) {
-    startRadio();
     const auto descriptors = entriesOf("/proc/self/fd");
     const auto threads = entriesOf("/proc/self/task");
     for (int i = 0; i < 10; ++i) {
-        linkPen();
-        radio->subscribe(pen, record.handleOf(colourUUID), true);
-        ASSERT_TRUE(reported("1F14 subscribed"));
-        fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
-        endLink(*fake);
-        ASSERT_TRUE(reported("disconnected with error"));
-        EXPECT_EQ(std::ranges::count(record.lines, "1F14 notified <01>"), 1);
+        linkPen(true);
+        notify(1);
+        fake->endLink();
+        EXPECT_EQ(reports(1), (Lines{"1F14 notified <01>", "disconnected with error"}));
     }
     EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
     EXPECT_EQ(entriesOf("/proc/self/task"), threads);
 }
 
 TEST_F(BluezRadioTest, CrowdDoesNotStarveThePen) {
-    startRadio();
-    linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    linkPen(true);
     radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery"));
-    ASSERT_TRUE(reported("1F14 subscribed"));
-    record.take();
+    settle();
     Lines expected;
     for (int i = 1000; i < 4000; ++i) {
         const std::string last = std::to_string(i).substr(1, 2);
@@ -102,7 +79,7 @@ TEST_F(BluezRadioTest, CrowdDoesNotStarveThePen) {
                    {"RSSI", std::int16_t{-50}}});
         expected.emplace_back("sighted without a name");
         if (i % 100 != 0) continue;
-        fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
+        notify(1);
         expected.emplace_back("1F14 notified <01>");
     }
     std::size_t most = 0;  // in one turn of the loop, after which others have theirs
@@ -124,7 +101,7 @@ TEST_F(BluezRadioTest, DaemonIsSilentAtFirst) {
     radio->start(record);
     for (int asked = 1; asked <= 4; ++asked) {
         ASSERT_TRUE(until([&] { return fake->timesAskedForObjects == asked; }));
-        RunLoop::main().runFor(9.5);
+        settle(9.5);
     }
     EXPECT_EQ(record.lines, Lines{"adapter state 2"});
     fake->isSilent = false;
@@ -132,7 +109,6 @@ TEST_F(BluezRadioTest, DaemonIsSilentAtFirst) {
 }
 
 TEST_F(BluezRadioTest, NobodyStartsTheDaemonAgain) {
-    startRadio();
     fake.reset();
     ASSERT_TRUE(reported("adapter state 1"));
     EXPECT_EQ(bus->starts(), 0);
@@ -140,46 +116,42 @@ TEST_F(BluezRadioTest, NobodyStartsTheDaemonAgain) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));  // until it has run
         return bus->starts() == 1;
     }));
-    RunLoop::main().runFor(30);
+    settle(30);
     EXPECT_EQ(bus->starts(), 1);
     fake = std::make_unique<FakeBluez>(bus->address());
-    fake->addAdapter(FakeBluez::hci0, address, true);
+    fake->addAdapter();
     EXPECT_TRUE(reported("adapter state 5"));
 }
 
 TEST_F(BluezRadioTest, ScanMovesToTheAdapterThatIsOn) {
     Lines started;
-    startRadio();
     fake->on("StartDiscovery", [&](const std::string& path) {
         started.push_back(path);
         fake->reply("StartDiscovery");
     });
     radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery"));
-    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43", true);
+    settle();
+    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43");
     settle();
     switchAdapter(*fake, false);
-    ASSERT_TRUE(called("StartDiscovery", 2));
-    EXPECT_EQ(record.take(), Lines());
+    EXPECT_EQ(reports(), Lines());
     fake->remove("/org/bluez/hci1", ObjectTree::adapter);
-    ASSERT_TRUE(reported("adapter state 4"));
+    EXPECT_EQ(reports(), Lines{"adapter state 4"});
     fake->remove(FakeBluez::hci0, ObjectTree::adapter);
-    fake->addAdapter("/org/bluez/hci2", address, true);
-    ASSERT_TRUE(reported("adapter state 5"));
+    fake->addAdapter("/org/bluez/hci2");
+    EXPECT_EQ(reports(), Lines{"adapter state 5"});
     radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery", 3));
+    settle();
     EXPECT_EQ(started, (Lines{FakeBluez::hci0, "/org/bluez/hci1", "/org/bluez/hci2"}));
 }
 
 TEST_F(BluezRadioTest, SecondAdapterStandsInForAMoment) {
-    startRadio();
-    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43", true);
+    fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43");
     linkPen();
-    endLink(*fake);
+    fake->endLink();
     switchAdapter(*fake, false);
     switchAdapter(*fake, true);
-    ASSERT_TRUE(reported("disconnected with error"));
-    EXPECT_EQ(record.take(), Lines{"disconnected with error"});
+    EXPECT_EQ(reports(), Lines{"disconnected with error"});
     linkPen();
 }
 
@@ -192,24 +164,24 @@ struct Disturbance {
 const Disturbance disturbances[] = {
     {"AdapterIsSwitchedOffAndOn",
      [](FakeBluez& fake) {
-         endLink(fake);
+         fake.endLink();
          switchAdapter(fake, false);
          switchAdapter(fake, true);
      },
      "adapter state 4"},
     {"AdapterIsUnpluggedAndPlugged",
      [](FakeBluez& fake) {
-         endLink(fake);
+         fake.endLink();
          switchAdapter(fake, false);
          removeAdapter(fake);
-         fake.addAdapter(FakeBluez::hci0, address, false);
+         fake.addAdapter(FakeBluez::hci0, FakeBluez::hci0Address, false);
          switchAdapter(fake, true);
      },
      "adapter state 4"},
     {"AdapterIsGoneAndBackInAMoment",
      [](FakeBluez& fake) {
          removeAdapter(fake);
-         fake.addAdapter(FakeBluez::hci0, address, true);
+         fake.addAdapter();
      },
      "adapter state 1"},
     {"DaemonIsKilledAndStarted", nullptr, "adapter state 1"},
@@ -223,29 +195,25 @@ class BluezDisturbanceTest
 TEST_P(BluezDisturbanceTest, IsToldOnceAndThePenIsBack) {
     const auto& [disturbance, name] = GetParam();
     const std::string stage = name;
-    startRadio();
     if (stage == "Scanning") radio->startScan();
     if (stage == "Connected") linkPen();
     if (stage == "Connecting" || stage == "Discovering") {
         fake->hold("Connect");
         addPen();
         radio->connect(pen);
-        ASSERT_TRUE(called("Connect"));
-        if (stage == "Discovering")
-            fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+        settle();
+        if (stage == "Discovering") fake->changePen({{"Connected", true}});
     }
     record.take();
     if (disturbance.happen) {
         disturbance.happen(*fake);
     } else {
         fake.reset();
-        ASSERT_TRUE(reported(disturbance.told));
+        settle();
         fake = std::make_unique<FakeBluez>(bus->address());
-        fake->addAdapter(FakeBluez::hci0, address, true);
+        fake->addAdapter();
     }
-    ASSERT_TRUE(reported("adapter state 5"));
-    settle();
-    EXPECT_EQ(record.take(), (Lines{disturbance.told, "adapter state 5"}));
+    EXPECT_EQ(reports(), (Lines{disturbance.told, "adapter state 5"}));
     radio->stopScan();
     linkPen();
 }

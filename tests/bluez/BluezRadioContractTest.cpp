@@ -6,7 +6,6 @@
 #include "platform/radios/bluez/BluezRadio.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
-#include <cstdio>
 #include <map>
 #include <utility>
 
@@ -18,7 +17,7 @@ namespace {
 class BluezWorld final : public RadioWorld {
 public:
     BluezWorld() {
-        fake_.addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
+        fake_.addAdapter();
         fake_.on("StartDiscovery", [this](const std::string&) { startDiscovery(); });
         fake_.on("StopDiscovery", [this](const std::string&) { stopDiscovery(); });
         fake_.on("Connect", [this](const std::string&) { connect(); });
@@ -53,7 +52,7 @@ public:
     void notify(const VirtualCharacteristic& characteristic, const Data& value) override {
         for (const auto& [path, known] : characteristics_)
             if (known.get() == &characteristic && isConnected_ && notifying_[path])
-                fake_.change(path, ObjectTree::characteristic, {{"Value", value}});
+                fake_.changeValue(path, value);
     }
 
     void failNextRead(VirtualCharacteristic& characteristic) override {
@@ -63,8 +62,7 @@ public:
     void dropLink() override {
         if (!isConnected_) return;
         isConnected_ = false;
-        fake_.change(FakeBluez::pen, ObjectTree::device,
-                     {{"ServicesResolved", false}, {"Connected", false}});
+        fake_.endLink();
     }
 
     double quietTime() const override { return 10; }
@@ -76,7 +74,7 @@ private:
         Properties heard = {{"RSSI", std::int16_t{-60}}};
         if (nameDelay_ == 0) heard["Name"] = std::string("InkoraPen");
         if (isKnown_) {
-            fake_.change(FakeBluez::pen, ObjectTree::device, heard);
+            fake_.changePen(heard);
         } else {
             heard["UUIDs"] = std::vector<std::string>{"00001f1f-0000-1000-8000-00805f9b34fb"};
             fake_.addPen(heard);
@@ -87,14 +85,13 @@ private:
 
     void scanResponseCame() {
         if (isDiscovering_)
-            fake_.change(FakeBluez::pen, ObjectTree::device,
-                         {{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
+            fake_.changePen({{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
     }
 
     void stopDiscovery() {
         isDiscovering_ = false;
         fake_.reply("StopDiscovery");
-        if (isKnown_) fake_.change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
+        if (isKnown_) fake_.changePen({}, {"RSSI"});
     }
 
     void connect() {
@@ -105,32 +102,26 @@ private:
         if (connectAnswer_ == VirtualConnectAnswer::refuse)
             return fake_.replyError("Connect", "org.bluez.Error.Failed", "le-connection-refused");
         isConnected_ = true;
-        fake_.change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+        fake_.changePen({{"Connected", true}});
         fake_.reply("Connect");
-        fake_.change(FakeBluez::pen, ObjectTree::device, {{"ServicesResolved", true}});
+        fake_.changePen({{"ServicesResolved", true}});
         exportServices();
     }
 
     void exportServices() {
-        int handle = 0x10;
+        int handle = 10;
         for (const VirtualService& service : services_) {
-            const std::string path = attributePath(FakeBluez::pen, "service", handle++);
+            const std::string path = FakeBluez::pen + ("/service00" + std::to_string(handle++));
             fake_.add(path, ObjectTree::service,
                       {{"UUID", service.uuid.uuid().uuidString()}, {"Primary", service.isPrimary}});
             for (const auto& characteristic : service.characteristics) {
-                const std::string below = attributePath(path, "char", handle++);
+                const std::string below = path + "/char00" + std::to_string(handle++);
                 characteristics_[below] = characteristic;
                 fake_.add(below, ObjectTree::characteristic,
                           {{"UUID", characteristic->uuid().uuid().uuidString()},
                            {"Flags", std::vector<std::string>{"read", "notify"}}});
             }
         }
-    }
-
-    static std::string attributePath(const std::string& parent, const char* kind, int handle) {
-        char name[24];
-        std::snprintf(name, sizeof name, "/%s%04x", kind, static_cast<unsigned>(handle));
-        return parent + name;
     }
 
     void disconnect() {
@@ -154,7 +145,7 @@ private:
                                     "Operation failed with ATT error: 0x0e");
         }
         const Data value = characteristic->value().value_or(Data());
-        fake_.change(path, ObjectTree::characteristic, {{"Value", value}});
+        fake_.changeValue(path, value);
         fake_.replyBytes("ReadValue", value);
     }
 

@@ -47,14 +47,7 @@ std::string readLine(int descriptor) {
 
 class PrivateBus::QuietClock final : public Clock {
 public:
-    explicit QuietClock(const std::string& address) {
-        sd_bus* made = nullptr;
-        sd_bus_new(&made);
-        bus_.reset(made, sd_bus_close_unref);
-        sd_bus_set_address(made, address.c_str());
-        sd_bus_set_bus_client(made, true);
-        sd_bus_start(made);
-    }
+    explicit QuietClock(const std::string& address) : bus_(connect(address)) {}
 
     double now() const override { return now_; }
 
@@ -111,6 +104,15 @@ PrivateBus::~PrivateBus() {
     }
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
+}
+
+std::shared_ptr<sd_bus> PrivateBus::connect(const std::string& address) {
+    sd_bus* made = nullptr;
+    sd_bus_new(&made);
+    sd_bus_set_address(made, address.c_str());
+    sd_bus_set_bus_client(made, true);
+    sd_bus_start(made);
+    return {made, sd_bus_flush_close_unref};
 }
 
 int PrivateBus::starts() const {

@@ -30,6 +30,9 @@ public:
     /// Empty when the bus did not start.
     const std::string& address() const { return address_; }
 
+    /// Connects another user to the bus.
+    static std::shared_ptr<sd_bus> connect(const std::string& address);
+
     /// How often org.bluez was to be started.
     int starts() const;
 
