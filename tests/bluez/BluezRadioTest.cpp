@@ -251,20 +251,6 @@ TEST_F(BluezRadioTest, ScanGivesWayToAConnection) {
     EXPECT_EQ(calls(), (Lines{"SetDiscoveryFilter", "StartDiscovery"}));  // still wanted
 }
 
-TEST_F(BluezRadioTest, ServicesAreResolvedBeforeTheyAreThere) {
-    fake->hold("Connect");
-    addPen();
-    radio->connect(pen);
-    settle();
-    resolveServices();
-    EXPECT_EQ(reports(1), Lines());
-    addColour();  // with no signal at all
-    EXPECT_EQ(reports(1), Lines{"connected"});
-    radio->discoverServices(pen);
-    ASSERT_EQ(record.services.size(), 1u);
-    EXPECT_EQ(record.services.front().uuid, CBUUID("1F1F"));
-}
-
 TEST_F(BluezRadioTest, DeviceIsRemovedWhileItIsConnectedTo) {
     fake->hold("Connect");  // never answered, as of a device that goes
     addPen();
@@ -281,47 +267,58 @@ TEST_F(BluezRadioTest, DeviceIsRemovedWhileItIsConnectedTo) {
     EXPECT_EQ(record.lines, Lines());
 }
 
-TEST_F(BluezRadioTest, LinkIsThereWithoutASignal) {
-    fake->on("Connect", [this](const std::string&) {
+TEST_F(BluezRadioTest, AttemptEndsWithALinkOrWithNone) {
+    const auto failAlways = [this] {
+        fake->replyError("Connect", "org.bluez.Error.Failed", "le-connection-abort-by-local");
+    };
+    const auto loseEarly = [this] {
+        fake->changePen({{"Connected", true}});
+        fake->reply("Connect");
+        fake->changePen({{"Connected", false}});
+    };
+    const auto linkAtTheThirdTry = [&] {
+        if (fake->count("Connect") < 3) return loseEarly();
+        addColour();
+        resolveServices();
+    };
+    const auto linkWithoutASignal = [this] {
         fake->addSilently(
             FakeBluez::pen, ObjectTree::device,
             FakeBluez::penProperties({{"Connected", true}, {"ServicesResolved", true}}));
-        addColour();
         fake->reply("Connect");
-    });
-    addPen();
-    radio->connect(pen);
-    EXPECT_EQ(calls(1), Lines{"Connect"});
-    EXPECT_EQ(record.lines, Lines{"connected"});
-}
-
-TEST_F(BluezRadioTest, AttemptThatFailsLeavesNoLink) {
+    };
+    const auto resolveTooEarly = [this] {
+        resolveServices();
+        settle(1);
+        EXPECT_EQ(record.lines, Lines());
+        addColour();  // with no signal at all
+    };
     struct Case {
         std::function<void()> connect;
         std::size_t tries;
+        const char* told;
     };
     const Case cases[] = {
-        {[this] {
-             fake->replyError("Connect", "org.bluez.Error.Failed", "le-connection-abort-by-local");
-         },
-         10},
-        {[this] {  // lost as soon as it is there
-             fake->changePen({{"Connected", true}});
-             fake->reply("Connect");
-             fake->changePen({{"Connected", false}});
-         },
-         10},
-        {[this] { fake->reply("Connect"); }, 10},  // and no link
-        {[this] { resolveServices(); }, 1},        // and no services
+        {failAlways, 10, "connection failed"},
+        {loseEarly, 10, "connection failed"},
+        {[this] { fake->reply("Connect"); }, 10, "connection failed"},  // and no link
+        {[this] { resolveServices(); }, 1, "connection failed"},        // and no services
+        {resolveTooEarly, 1, "connected"},
+        {linkAtTheThirdTry, 3, "connected"},
+        {linkWithoutASignal, 1, "connected"},
     };
     addPen();
     for (const Case& each : cases) {
         SCOPED_TRACE(&each - cases);
         fake->on("Connect", [&](const std::string&) { each.connect(); });
         radio->connect(pen);
-        EXPECT_EQ(reports(79), Lines{"connection failed"});
+        EXPECT_EQ(reports(79), Lines{each.told});
         EXPECT_EQ(fake->count("Connect"), each.tries);
+        radio->disconnect(pen);
         EXPECT_EQ(calls().back(), "Disconnect");
+        fake->endLink();
+        fake->reply("Connect");  // where it is still to be answered
+        reports();
     }
 }
 
@@ -337,22 +334,6 @@ TEST_F(BluezRadioTest, LossIsFollowedByAScanAtOnce) {
     EXPECT_EQ(reports(), Lines{"sighted without a name"});
     radio->stopScan();
     EXPECT_EQ(calls(), Lines{"StopDiscovery"});
-}
-
-TEST_F(BluezRadioTest, LinkIsLostAsSoonAsItIsThere) {
-    fake->hold("Connect");
-    addPen();
-    addColour();
-    radio->connect(pen);
-    for (std::size_t tries = 1; tries <= 2; ++tries) {
-        ASSERT_TRUE(called("Connect", tries));
-        fake->changePen({{"Connected", true}});
-        fake->reply("Connect");
-        fake->changePen({{"Connected", false}});
-    }
-    ASSERT_TRUE(called("Connect", 3));
-    resolveServices();
-    EXPECT_EQ(reports(), Lines{"connected"});
 }
 
 TEST_F(BluezRadioTest, PendingAttemptIsCancelledAndTakenUpAgain) {
@@ -451,9 +432,14 @@ TEST_F(BluezRadioTest, TableOfServicesChanges) {
     radio->discoverCharacteristics(pen, record.services.front().handle);
     EXPECT_EQ(record.handleOf(CBUUID("1F14")), colourHandle);
     // Told already, and told once more: no change.
-    record.take();
+    reports();
     fake->add(newColour, ObjectTree::characteristic, colourProperties());
     EXPECT_EQ(reports(), Lines());
+    // Nobody wants it any more.
+    radio->subscribe(pen, colourHandle, false);
+    fake->remove(newColour, ObjectTree::characteristic);
+    fake->add(colour, ObjectTree::characteristic, colourProperties());
+    EXPECT_EQ(calls(), Lines{"StopNotify"});
 }
 
 }  // namespace

@@ -181,29 +181,26 @@ int FakeBluez::received(sd_bus_message* message) {
     caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
     if (member == "Ping") return 0;  // sd_bus answers that
-    if (member == "GetManagedObjects") {
-        ++timesAskedForObjects;
-        if (!isSilent) sendObjects(message);
-        return 1;
+    if (member != "GetManagedObjects") {
+        calls.push_back(member);
+        lastPath = sd_bus_message_get_path(message);
     }
-    calls.push_back(member);
-    lastPath = sd_bus_message_get_path(message);
     if (sd_bus_message_has_signature(message, "a{sv}") > 0)
         lastOptions = MessageReader(message).readProperties();
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
-    const auto method = methods_.find(member);
-    if (method == methods_.end()) {
-        if (!isSilent) reply(member);
+    if (const Method method = methods_[member]) {
+        method(sd_bus_message_get_path(message));
+    } else if (member == "GetManagedObjects") {
+        sendObjects();
     } else {
-        const Method run = method->second;
-        run(lastPath);
+        reply(member);
     }
     return 1;
 }
 
-void FakeBluez::sendObjects(sd_bus_message* call) {
+void FakeBluez::sendObjects() {
     sd_bus_message* answer = nullptr;
-    sd_bus_message_new_method_return(call, &answer);
+    sd_bus_message_new_method_return(takeHeld("GetManagedObjects").get(), &answer);
     appendMap(answer, "oa{sa{sv}}", objects_);
     send(answer);
 }

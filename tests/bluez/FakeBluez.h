@@ -57,6 +57,7 @@ public:
     Properties lastOptions;
     /// Calls of this method wait until `reply…`.
     void hold(const std::string& member);
+    /// Null makes it answer again as it does by itself.
     void on(const std::string& member, Method method);
     void reply(const std::string& member);
     void replyBytes(const std::string& member, const Data& value);
@@ -64,9 +65,6 @@ public:
     std::size_t count(const std::string& member) const;
     /// Sends what does not reach the radio, such as the answer to another client's call.
     void answerSomebodyElse();
-    /// From now on it reads calls but answers none, also not for its objects.
-    bool isSilent = false;
-    int timesAskedForObjects = 0;
 
     // What any user of the bus may do
     std::string caller;     // who has called last, by unique name
@@ -83,7 +81,7 @@ private:
     using Message = std::shared_ptr<sd_bus_message>;
 
     int received(sd_bus_message* message);
-    void sendObjects(sd_bus_message* call);
+    void sendObjects();
     sd_bus_message* newSignal(const std::string& path, const char* interface, const char* member);
     Message takeHeld(const std::string& member);
     void send(sd_bus_message* message);
