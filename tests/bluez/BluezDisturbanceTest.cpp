@@ -12,10 +12,6 @@
 namespace InkoraKit {
 namespace {
 
-void switchAdapter(FakeBluez& fake, bool on) {
-    fake.change(FakeBluez::hci0, ObjectTree::adapter, {{"Powered", on}});
-}
-
 void removeAdapter(FakeBluez& fake) {
     fake.remove(FakeBluez::pen, ObjectTree::device);
     fake.remove(FakeBluez::hci0, ObjectTree::adapter);
@@ -32,7 +28,7 @@ TEST_F(BluezRadioTest, NobodyElseSpeaksForBluez) {
     const std::function<void()> forgeries[] = {
         [&] { stranger.changeValue(colour, Data{1}); },
         [&] { stranger.endLink(); },
-        [&] { switchAdapter(stranger, false); },
+        [&] { stranger.switchAdapter(false); },
         [&] { stranger.addPen(heard); },
         [&] { removeAdapter(stranger); },
         [&] { stranger.claimThatOwnerChanged(":1.1", ""); },
@@ -136,7 +132,7 @@ TEST_F(BluezRadioTest, ScanMovesToTheAdapterThatIsOn) {
     settle();
     fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43");
     settle();
-    switchAdapter(*fake, false);
+    fake->switchAdapter(false);
     EXPECT_EQ(reports(), Lines());
     fake->remove("/org/bluez/hci1", ObjectTree::adapter);
     EXPECT_EQ(reports(), Lines{"adapter state 4"});
@@ -154,8 +150,8 @@ TEST_F(BluezRadioTest, SecondAdapterStandsInForAMoment) {
     fake->addAdapter("/org/bluez/hci1", "00:AA:01:00:00:43");
     linkPen();
     fake->endLink();
-    switchAdapter(*fake, false);
-    switchAdapter(*fake, true);
+    fake->switchAdapter(false);
+    fake->switchAdapter(true);
     EXPECT_EQ(reports(), Lines{"disconnected with error"});
     linkPen();
 }
@@ -170,17 +166,17 @@ const Disturbance disturbances[] = {
     {"AdapterIsSwitchedOffAndOn",
      [](FakeBluez& fake) {
          fake.endLink();
-         switchAdapter(fake, false);
-         switchAdapter(fake, true);
+         fake.switchAdapter(false);
+         fake.switchAdapter(true);
      },
      "adapter state 4"},
     {"AdapterIsUnpluggedAndPlugged",
      [](FakeBluez& fake) {
          fake.endLink();
-         switchAdapter(fake, false);
+         fake.switchAdapter(false);
          removeAdapter(fake);
          fake.addAdapter(FakeBluez::hci0, FakeBluez::hci0Address, false);
-         switchAdapter(fake, true);
+         fake.switchAdapter(true);
      },
      "adapter state 4"},
     {"AdapterIsGoneAndBackInAMoment",

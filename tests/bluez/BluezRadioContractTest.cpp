@@ -1,5 +1,3 @@
-#include <InkoraKit/platform/Timer.h>
-
 #include "FakeBluez.h"
 #include "PrivateBus.h"
 #include "contract/RadioContract.h"
@@ -31,11 +29,11 @@ public:
 
     void setPowered(bool on) override {
         if (!on && isConnected_) dropLink();
-        if (!on && isConnecting_) forgetPen();
-        isDiscovering_ = false;
-        isConnecting_ = false;
-        fake_.change(FakeBluez::hci0, ObjectTree::adapter,
-                     {{"Powered", on}, {"Discovering", false}});
+        if (std::exchange(isConnecting_, false) && !on) {
+            isKnown_ = false;
+            fake_.remove(FakeBluez::pen, ObjectTree::device);
+        }
+        fake_.switchAdapter(on);
     }
 
     void setConnectAnswer(VirtualConnectAnswer answer) override {
@@ -43,7 +41,7 @@ public:
         if (isConnecting_) connect();
     }
 
-    void delayName() override { nameDelay_ = 0.1; }
+    void delayName() override {}  // as every time that the pen is new
 
     void setServices(std::vector<VirtualService> services) override {
         services_ = std::move(services);
@@ -65,31 +63,18 @@ public:
         fake_.endLink();
     }
 
-    double quietTime() const override { return 10; }
-
 private:
+    using Lines = RadioRecord::Lines;
+
     void startDiscovery() {
         fake_.reply("StartDiscovery");
-        isDiscovering_ = true;
-        Properties heard = {{"RSSI", std::int16_t{-60}}};
-        if (nameDelay_ == 0) heard["Name"] = std::string("InkoraPen");
-        if (isKnown_) {
-            fake_.changePen(heard);
-        } else {
-            heard["UUIDs"] = std::vector<std::string>{"00001f1f-0000-1000-8000-00805f9b34fb"};
-            fake_.addPen(heard);
-            isKnown_ = true;
-        }
-        if (nameDelay_ > 0) Timer::scheduledTimer(nameDelay_, [this] { scanResponseCame(); });
-    }
-
-    void scanResponseCame() {
-        if (isDiscovering_)
-            fake_.changePen({{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
+        if (!std::exchange(isKnown_, true))
+            fake_.addPen({{"RSSI", std::int16_t{-60}},
+                          {"UUIDs", Lines{"00001f1f-0000-1000-8000-00805f9b34fb"}}});
+        fake_.changePen({{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
     }
 
     void stopDiscovery() {
-        isDiscovering_ = false;
         fake_.reply("StopDiscovery");
         if (isKnown_) fake_.changePen({}, {"RSSI"});
     }
@@ -97,8 +82,6 @@ private:
     void connect() {
         isConnecting_ = connectAnswer_ == VirtualConnectAnswer::none;
         if (isConnecting_) return;
-        if (!isKnown_)
-            return fake_.replyError("Connect", "org.freedesktop.DBus.Error.UnknownObject", "?");
         if (connectAnswer_ == VirtualConnectAnswer::refuse)
             return fake_.replyError("Connect", "org.bluez.Error.Failed", "le-connection-refused");
         isConnected_ = true;
@@ -119,7 +102,7 @@ private:
                 characteristics_[below] = characteristic;
                 fake_.add(below, ObjectTree::characteristic,
                           {{"UUID", characteristic->uuid().uuid().uuidString()},
-                           {"Flags", std::vector<std::string>{"read", "notify"}}});
+                           {"Flags", Lines{"read", "notify"}}});
             }
         }
     }
@@ -149,11 +132,6 @@ private:
         fake_.replyBytes("ReadValue", value);
     }
 
-    void forgetPen() {
-        isKnown_ = false;
-        fake_.remove(FakeBluez::pen, ObjectTree::device);
-    }
-
     PrivateBus bus_;
     FakeBluez fake_{bus_.address()};
     std::vector<VirtualService> services_;
@@ -161,9 +139,7 @@ private:
     std::map<std::string, bool> notifying_;
     const VirtualCharacteristic* failing_ = nullptr;
     VirtualConnectAnswer connectAnswer_ = VirtualConnectAnswer::accept;
-    double nameDelay_ = 0;
     bool isKnown_ = false;
-    bool isDiscovering_ = false;
     bool isConnecting_ = false;
     bool isConnected_ = false;
 };

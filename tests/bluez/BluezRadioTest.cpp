@@ -86,7 +86,7 @@ TEST_F(BluezRadioTest, BluetoothCannotBeUsed) {
         {[this] {
              fake.reset();
              bus.reset();
-             bus = std::make_unique<PrivateBus>(PrivateBus::Policy::bluezDenied);
+             bus = std::make_unique<PrivateBus>(true);
              fake = std::make_unique<FakeBluez>(bus->address());
          },
          unauthorized, Reason::notPermitted},
@@ -149,6 +149,9 @@ TEST_F(BluezRadioTest, DiscoveryIsRefused) {
     fake->replyError("StartDiscovery", "org.freedesktop.DBus.Error.AccessDenied", "Rejected");
     EXPECT_EQ(reports(), Lines{"adapter state 3"});
     EXPECT_EQ(radio->stateReason(), CBManagerStateReason::notPermitted);
+    fake->switchAdapter(false);
+    fake->switchAdapter(true);
+    EXPECT_EQ(reports(), (Lines{"adapter state 4", "adapter state 5"}));
 }
 
 TEST_F(BluezRadioTest, KnownDeviceIsReportedWhenItIsHeard) {
@@ -276,6 +279,12 @@ TEST_F(BluezRadioTest, AttemptEndsWithALinkOrWithNone) {
         fake->reply("Connect");
         fake->changePen({{"Connected", false}});
     };
+    const auto loseWithoutASignal = [this] {
+        resolveServices();
+        fake->reply("Connect");
+        fake->addSilently(FakeBluez::pen, ObjectTree::device,
+                          FakeBluez::penProperties({{"ServicesResolved", true}}));
+    };
     const auto linkAtTheThirdTry = [&] {
         if (fake->count("Connect") < 3) return loseEarly();
         addColour();
@@ -301,6 +310,7 @@ TEST_F(BluezRadioTest, AttemptEndsWithALinkOrWithNone) {
     const Case cases[] = {
         {failAlways, 10, "connection failed"},
         {loseEarly, 10, "connection failed"},
+        {loseWithoutASignal, 10, "connection failed"},
         {[this] { fake->reply("Connect"); }, 10, "connection failed"},  // and no link
         {[this] { resolveServices(); }, 1, "connection failed"},        // and no services
         {resolveTooEarly, 1, "connected"},
@@ -340,7 +350,6 @@ TEST_F(BluezRadioTest, PendingAttemptIsCancelledAndTakenUpAgain) {
     fake->hold("Connect");
     fake->hold("Disconnect");
     addPen();
-    addColour();
     radio->connect(pen);
     settle();
     radio->disconnect(pen);
@@ -349,13 +358,9 @@ TEST_F(BluezRadioTest, PendingAttemptIsCancelledAndTakenUpAgain) {
     fake->replyError("Connect", "org.bluez.Error.Failed", "br-connection-canceled");
     fake->reply("Disconnect");
     EXPECT_EQ(calls(), Lines{"Connect"});
-    resolveServices();
-    EXPECT_EQ(reports(), Lines{"connected"});
-    radio->disconnect(pen);
-    settle();
-    fake->reply("Disconnect");
+    resolveServices();  // and no services
+    EXPECT_EQ(reports(5), Lines{"connection failed"});
     fake->endLink();
-    EXPECT_EQ(reports(1), Lines{"disconnected"});
     EXPECT_EQ(calls(), Lines{"Disconnect"});  // and not taken up once more
 }
 

@@ -141,6 +141,10 @@ void FakeBluez::addAdapter(const std::string& path, const std::string& address, 
          {"Roles", std::vector<std::string>{"central", "peripheral"}}});
 }
 
+void FakeBluez::switchAdapter(bool on) {
+    change(hci0, ObjectTree::adapter, {{"Powered", on}, {"Discovering", false}});
+}
+
 Properties FakeBluez::penProperties(const Properties& more) {
     Properties properties = {{"Address", std::string(penAddress)},
                              {"AddressType", std::string("public")},

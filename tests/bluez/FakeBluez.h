@@ -45,6 +45,7 @@ public:
                 const std::vector<std::string>& invalidated = {});
     void addAdapter(const std::string& path = hci0, const std::string& address = hci0Address,
                     bool isPowered = true);
+    void switchAdapter(bool on);
     static Properties penProperties(const Properties& more = {});
     void addPen(const Properties& more = {});
     void changePen(const Properties& changed, const std::vector<std::string>& invalidated = {});

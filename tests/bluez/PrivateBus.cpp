@@ -19,9 +19,8 @@ namespace {
 
 constexpr const char* program = "/usr/bin/dbus-daemon";
 
-std::string configuration(PrivateBus::Policy policy, const std::string& folder) {
-    const std::string denial =
-        policy == PrivateBus::Policy::bluezDenied ? R"(<deny send_destination="org.bluez"/>)" : "";
+std::string configuration(bool deniesBluez, const std::string& folder) {
+    const std::string denial = deniesBluez ? R"(<deny send_destination="org.bluez"/>)" : "";
     return R"(<busconfig><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth><servicedir>)" +
            folder +
            R"(</servicedir><limit name="max_match_rules_per_connection">4</limit>)"
@@ -72,11 +71,11 @@ bool PrivateBus::isAvailable() {
     return ::access(program, X_OK) == 0;
 }
 
-PrivateBus::PrivateBus(Policy policy) {
+PrivateBus::PrivateBus(bool deniesBluez) {
     folder_ = std::filesystem::temp_directory_path() / ("bluez-test-" + std::to_string(::getpid()));
     std::filesystem::create_directory(folder_);
     std::ofstream(folder_ / "org.bluez.service") << service(folder_);
-    std::ofstream(folder_ / "bus.conf") << configuration(policy, folder_);
+    std::ofstream(folder_ / "bus.conf") << configuration(deniesBluez, folder_);
     const std::string option = "--config-file=" + (folder_ / "bus.conf").string();
 
     std::array<int, 2> pipe{};

@@ -17,9 +17,8 @@ namespace InkoraKit {
 /// the run loop passes only while nothing is on its way over the bus, and then at once.
 class PrivateBus {
 public:
-    enum class Policy { open, bluezDenied };
-
-    explicit PrivateBus(Policy policy = Policy::open);
+    /// The bus may refuse to pass on what is sent to org.bluez.
+    explicit PrivateBus(bool deniesBluez = false);
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
