@@ -102,6 +102,7 @@ TEST_F(BluezRadioTest, DaemonIsSilentAtFirst) {
     radio->start(record);
     EXPECT_EQ(reports(35), Lines{"adapter state 2"});
     EXPECT_EQ(asked, 4);
+    fake->replyError("GetManagedObjects", "org.bluez.Error.Failed", "Not yet");
     fake->on("GetManagedObjects", nullptr);
     EXPECT_EQ(reports(10), Lines{"adapter state 5"});
 }
