@@ -310,11 +310,11 @@ TEST_F(BluezRadioTest, AttemptEndsWithALinkOrWithNone) {
     const Case cases[] = {
         {failAlways, 10, "connection failed"},
         {loseEarly, 10, "connection failed"},
-        {loseWithoutASignal, 10, "connection failed"},
         {[this] { fake->reply("Connect"); }, 10, "connection failed"},  // and no link
         {[this] { resolveServices(); }, 1, "connection failed"},        // and no services
         {resolveTooEarly, 1, "connected"},
         {linkAtTheThirdTry, 3, "connected"},
+        {loseWithoutASignal, 10, "connection failed"},
         {linkWithoutASignal, 1, "connected"},
     };
     addPen();
