@@ -184,10 +184,11 @@ TEST_F(BluezRadioTest, OwnNameDiffersFromTheAdvertisedOne) {
     fake->changePen({}, {"RSSI"});
     fake->changePen({{"Name", "Own"s}});
     fake->endLink();
-    EXPECT_EQ(reports(1), (Lines{"name Own", "disconnected with error"}));
+    EXPECT_EQ(reports(2), (Lines{"name Own", "disconnected with error"}));
 
     // A shortened name in the next advertisement leaves the property as the link has made it.
     radio->startScan();
+    settle();
     fake->changePen(heard);
     ASSERT_EQ(reports(), Lines{"sighted Advertised"});
     EXPECT_EQ(record.sightings.back().name, "Own");
@@ -200,6 +201,7 @@ TEST_F(BluezRadioTest, OwnNameDiffersFromTheAdvertisedOne) {
     reports();
     radio->stopScan();
     radio->startScan();
+    settle();
     fake->addPen({{"Connected", true}, {"Name", "Own"s}});
     EXPECT_EQ(reports(), Lines{"sighted Renamed"});
 }
