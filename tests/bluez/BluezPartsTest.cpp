@@ -28,27 +28,6 @@ TEST(ObjectTree, ObjectsOfAnotherAdapterBeginAlike) {
               (Paths{"/org/bluez/hci1/dev_A", "/org/bluez/hci1/dev_B"}));
 }
 
-TEST(ObjectTree, ChangesTellWhatWasBefore) {
-    ObjectTree tree;
-    tree.add("/d", ObjectTree::device, {{"RSSI", std::int16_t{-60}}, {"Connected", true}});
-    const Properties before =
-        tree.change("/d", ObjectTree::device, {{"Connected", false}, {"Name", std::string("pen")}},
-                    {"RSSI", "TxPower"});
-    EXPECT_EQ(
-        before,
-        (Properties{
-            {"Connected", true}, {"Name", {}}, {"RSSI", std::int16_t{-60}}, {"TxPower", {}}}));
-    EXPECT_EQ(*tree.properties("/d", ObjectTree::device),
-              (Properties{{"Connected", false}, {"Name", std::string("pen")}}));
-    EXPECT_TRUE(tree.change("/unknown", ObjectTree::device, {{"Connected", true}}, {}).empty());
-}
-
-TEST(ObjectTree, DeviceIsTakenFromAPath) {
-    EXPECT_EQ(deviceOf("/org/bluez/hci0/dev_A/service0001/char0002"), "/org/bluez/hci0/dev_A");
-    EXPECT_EQ(deviceOf("/org/bluez/hci0/dev_A"), "/org/bluez/hci0/dev_A");
-    EXPECT_EQ(deviceOf("/org/bluez/hci0"), "");
-}
-
 TEST(DeviceAddress, IdentifierLeadsBackToTheDevice) {
     const auto address = DeviceAddress::fromText("C6:11:22:33:44:5f", "random");
     ASSERT_TRUE(address);

@@ -1,12 +1,9 @@
-#include <InkoraKit/platform/Timer.h>
-
 #include "FakeBluez.h"
 #include "PrivateBus.h"
 #include "contract/RadioContract.h"
 #include "platform/radios/bluez/BluezRadio.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
-#include <cstdio>
 #include <map>
 #include <utility>
 
@@ -18,7 +15,7 @@ namespace {
 class BluezWorld final : public RadioWorld {
 public:
     BluezWorld() {
-        fake_.addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
+        fake_.addAdapter();
         fake_.on("StartDiscovery", [this](const std::string&) { startDiscovery(); });
         fake_.on("StopDiscovery", [this](const std::string&) { stopDiscovery(); });
         fake_.on("Connect", [this](const std::string&) { connect(); });
@@ -32,11 +29,11 @@ public:
 
     void setPowered(bool on) override {
         if (!on && isConnected_) dropLink();
-        if (!on && isConnecting_) forgetPen();
-        isDiscovering_ = false;
-        isConnecting_ = false;
-        fake_.change(FakeBluez::hci0, ObjectTree::adapter,
-                     {{"Powered", on}, {"Discovering", false}});
+        if (std::exchange(isConnecting_, false) && !on) {
+            isKnown_ = false;
+            fake_.remove(FakeBluez::pen, ObjectTree::device);
+        }
+        fake_.switchAdapter(on);
     }
 
     void setConnectAnswer(VirtualConnectAnswer answer) override {
@@ -44,7 +41,7 @@ public:
         if (isConnecting_) connect();
     }
 
-    void delayName() override { nameDelay_ = 0.1; }
+    void delayName() override {}  // as every time that the pen is new
 
     void setServices(std::vector<VirtualService> services) override {
         services_ = std::move(services);
@@ -53,7 +50,7 @@ public:
     void notify(const VirtualCharacteristic& characteristic, const Data& value) override {
         for (const auto& [path, known] : characteristics_)
             if (known.get() == &characteristic && isConnected_ && notifying_[path])
-                fake_.change(path, ObjectTree::characteristic, {{"Value", value}});
+                fake_.changeValue(path, value);
     }
 
     void failNextRead(VirtualCharacteristic& characteristic) override {
@@ -63,74 +60,51 @@ public:
     void dropLink() override {
         if (!isConnected_) return;
         isConnected_ = false;
-        fake_.change(FakeBluez::pen, ObjectTree::device,
-                     {{"ServicesResolved", false}, {"Connected", false}});
+        fake_.endLink();
     }
-
-    double quietTime() const override { return 0.5; }
 
 private:
+    using Lines = RadioRecord::Lines;
+
     void startDiscovery() {
         fake_.reply("StartDiscovery");
-        isDiscovering_ = true;
-        Properties heard = {{"RSSI", std::int16_t{-60}}};
-        if (nameDelay_ == 0) heard["Name"] = std::string("InkoraPen");
-        if (isKnown_) {
-            fake_.change(FakeBluez::pen, ObjectTree::device, heard);
-        } else {
-            heard["UUIDs"] = std::vector<std::string>{"00001f1f-0000-1000-8000-00805f9b34fb"};
-            fake_.addPen(heard);
-            isKnown_ = true;
-        }
-        if (nameDelay_ > 0) Timer::scheduledTimer(nameDelay_, [this] { scanResponseCame(); });
-    }
-
-    void scanResponseCame() {
-        if (isDiscovering_)
-            fake_.change(FakeBluez::pen, ObjectTree::device,
-                         {{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
+        if (!std::exchange(isKnown_, true))
+            fake_.addPen({{"RSSI", std::int16_t{-60}},
+                          {"UUIDs", Lines{"00001f1f-0000-1000-8000-00805f9b34fb"}}});
+        fake_.changePen({{"RSSI", std::int16_t{-60}}, {"Name", std::string("InkoraPen")}});
     }
 
     void stopDiscovery() {
-        isDiscovering_ = false;
         fake_.reply("StopDiscovery");
-        if (isKnown_) fake_.change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
+        if (isKnown_) fake_.changePen({}, {"RSSI"});
     }
 
     void connect() {
         isConnecting_ = connectAnswer_ == VirtualConnectAnswer::none;
         if (isConnecting_) return;
-        if (!isKnown_)
-            return fake_.replyError("Connect", "org.freedesktop.DBus.Error.UnknownObject", "?");
         if (connectAnswer_ == VirtualConnectAnswer::refuse)
             return fake_.replyError("Connect", "org.bluez.Error.Failed", "le-connection-refused");
         isConnected_ = true;
-        fake_.change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
+        fake_.changePen({{"Connected", true}});
         fake_.reply("Connect");
-        fake_.change(FakeBluez::pen, ObjectTree::device, {{"ServicesResolved", true}});
+        fake_.changePen({{"ServicesResolved", true}});
         exportServices();
     }
 
     void exportServices() {
-        int handle = 0x10;
+        int handle = 10;
         for (const VirtualService& service : services_) {
-            const std::string path = attributePath(FakeBluez::pen, "service", handle++);
+            const std::string path = FakeBluez::pen + ("/service00" + std::to_string(handle++));
             fake_.add(path, ObjectTree::service,
                       {{"UUID", service.uuid.uuid().uuidString()}, {"Primary", service.isPrimary}});
             for (const auto& characteristic : service.characteristics) {
-                const std::string below = attributePath(path, "char", handle++);
+                const std::string below = path + "/char00" + std::to_string(handle++);
                 characteristics_[below] = characteristic;
                 fake_.add(below, ObjectTree::characteristic,
                           {{"UUID", characteristic->uuid().uuid().uuidString()},
-                           {"Flags", std::vector<std::string>{"read", "notify"}}});
+                           {"Flags", Lines{"read", "notify"}}});
             }
         }
-    }
-
-    static std::string attributePath(const std::string& parent, const char* kind, int handle) {
-        char name[24];
-        std::snprintf(name, sizeof name, "/%s%04x", kind, static_cast<unsigned>(handle));
-        return parent + name;
     }
 
     void disconnect() {
@@ -154,13 +128,8 @@ private:
                                     "Operation failed with ATT error: 0x0e");
         }
         const Data value = characteristic->value().value_or(Data());
-        fake_.change(path, ObjectTree::characteristic, {{"Value", value}});
+        fake_.changeValue(path, value);
         fake_.replyBytes("ReadValue", value);
-    }
-
-    void forgetPen() {
-        isKnown_ = false;
-        fake_.remove(FakeBluez::pen, ObjectTree::device);
     }
 
     PrivateBus bus_;
@@ -170,9 +139,7 @@ private:
     std::map<std::string, bool> notifying_;
     const VirtualCharacteristic* failing_ = nullptr;
     VirtualConnectAnswer connectAnswer_ = VirtualConnectAnswer::accept;
-    double nameDelay_ = 0;
     bool isKnown_ = false;
-    bool isDiscovering_ = false;
     bool isConnecting_ = false;
     bool isConnected_ = false;
 };

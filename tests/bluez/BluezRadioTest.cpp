@@ -1,56 +1,36 @@
 #include "BluezRadioTest.h"
 
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
+#include <string>
 
 namespace InkoraKit {
+
+using namespace std::string_literals;
 
 void BluezRadioTest::SetUp() {
     if (!PrivateBus::isAvailable()) GTEST_SKIP() << "dbus-daemon is not installed";
     bus = std::make_unique<PrivateBus>();
     ASSERT_FALSE(bus->address().empty()) << "dbus-daemon did not start";
     fake = std::make_unique<FakeBluez>(bus->address());
-    fake->addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
-    RunLoop::main().setClock(clock);
-}
-
-void BluezRadioTest::TearDown() {
-    radio.reset();
-    RunLoop::main().setClock(std::make_shared<SystemClock>());
+    fake->addAdapter();
+    startRadio();
 }
 
 void BluezRadioTest::startRadio() {
     radio = std::make_unique<BluezRadio>();
     radio->start(record);
-    ASSERT_TRUE(reported("adapter state 5"));
-    record.take();
-}
-
-// Signals come in order, so that whoever has seen the last has seen all.
-void BluezRadioTest::settle() {
-    radio->startScan();
-    const std::string marker = "/org/bluez/hci0/dev_00_00_00_00_00_00";
-    fake->add(marker, ObjectTree::device,
-              {{"Address", std::string("00:00:00:00:00:00")},
-               {"AddressType", std::string("public")},
-               {"Name", std::string("marker")},
-               {"RSSI", std::int16_t{-1}}});
-    ASSERT_TRUE(reported("sighted marker"));
-    fake->remove(marker, ObjectTree::device);
-    std::erase(record.lines, "sighted marker");
-}
-
-void BluezRadioTest::addPen(const Properties& more) {
-    fake->addPen(more);
+    ASSERT_EQ(reports(), Lines{"adapter state 5"});
 }
 
 Properties BluezRadioTest::serviceProperties() {
-    return {{"UUID", std::string("00001f1f-0000-1000-8000-00805f9b34fb")}, {"Primary", true}};
+    return {{"UUID", "00001f1f-0000-1000-8000-00805f9b34fb"s}, {"Primary", true}};
 }
 
 Properties BluezRadioTest::colourProperties() {
-    return {{"UUID", std::string("00001f14-0000-1000-8000-00805f9b34fb")},
-            {"Flags", std::vector<std::string>{"read", "notify"}}};
+    return {{"UUID", "00001f14-0000-1000-8000-00805f9b34fb"s}, {"Flags", Lines{"read", "notify"}}};
 }
 
 void BluezRadioTest::addColour() {
@@ -59,11 +39,11 @@ void BluezRadioTest::addColour() {
 }
 
 void BluezRadioTest::resolveServices() {
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"ServicesResolved", true}});
+    fake->changePen({{"Connected", true}});
+    fake->changePen({{"ServicesResolved", true}});
 }
 
-void BluezRadioTest::linkPen() {
+void BluezRadioTest::linkPen(bool subscribes) {
     addPen();
     addColour();
     fake->on("Connect", [this](const std::string&) {
@@ -76,13 +56,13 @@ void BluezRadioTest::linkPen() {
     ASSERT_EQ(record.services.size(), 1u);
     radio->discoverCharacteristics(pen, record.services.front().handle);
     ASSERT_TRUE(record.has("characteristics 1F14"));
-    record.take();
+    colourHandle = record.handleOf(CBUUID("1F14"));
+    if (subscribes) radio->subscribe(pen, colourHandle, true);
+    reports();
     fake->calls.clear();
 }
 
 namespace {
-
-const CBUUID colourUUID("1F14");
 
 // --- the adapter's state ------------------------------------------------------------------------
 
@@ -106,7 +86,7 @@ TEST_F(BluezRadioTest, BluetoothCannotBeUsed) {
         {[this] {
              fake.reset();
              bus.reset();
-             bus = std::make_unique<PrivateBus>(PrivateBus::Policy::bluezDenied);
+             bus = std::make_unique<PrivateBus>(true);
              fake = std::make_unique<FakeBluez>(bus->address());
          },
          unauthorized, Reason::notPermitted},
@@ -126,6 +106,7 @@ TEST_F(BluezRadioTest, BluetoothCannotBeUsed) {
         fake.reset();
         bus.reset();
         SetUp();
+        radio.reset();
         each.arrange();
         radio = std::make_unique<BluezRadio>();
         radio->start(record);
@@ -134,15 +115,11 @@ TEST_F(BluezRadioTest, BluetoothCannotBeUsed) {
         EXPECT_EQ(record.take(), Lines{"adapter state " + state});
         EXPECT_EQ(radio->stateReason(), each.reason);
     }
-    fake->addAdapter(FakeBluez::hci0, "00:AA:01:00:00:42", true);
-    EXPECT_TRUE(reported("adapter state 5"));
+    fake->addAdapter();
+    EXPECT_EQ(reports(), Lines{"adapter state 5"});
     EXPECT_EQ(radio->stateReason(), Reason::none);
-}
-
-TEST_F(BluezRadioTest, BusVanishes) {
-    startRadio();
     bus.reset();
-    EXPECT_TRUE(reported("adapter state 1"));
+    EXPECT_EQ(reports(), Lines{"adapter state 1"});
 }
 
 // --- scanning -----------------------------------------------------------------------------------
@@ -150,395 +127,326 @@ TEST_F(BluezRadioTest, BusVanishes) {
 TEST_F(BluezRadioTest, ScanIsStoppedBeforeItHasStarted) {
     fake->hold("SetDiscoveryFilter");
     fake->hold("StartDiscovery");
-    startRadio();
     radio->startScan();
-    ASSERT_TRUE(called("SetDiscoveryFilter"));
-    EXPECT_EQ(fake->lastOptions, (std::map<std::string, std::string>{{"Transport", "le"}}));
-    settle();
-    EXPECT_EQ(fake->count("StartDiscovery"), 0u);
+    EXPECT_EQ(calls(), Lines{"SetDiscoveryFilter"});
+    EXPECT_EQ(fake->lastOptions, (Properties{{"Transport", "le"s}}));
     fake->reply("SetDiscoveryFilter");
-    ASSERT_TRUE(called("StartDiscovery"));
+    EXPECT_EQ(calls(), Lines{"StartDiscovery"});
     radio->stopScan();
     radio->startScan();
     radio->stopScan();
     fake->reply("StartDiscovery");
-    ASSERT_TRUE(called("StopDiscovery"));
-    EXPECT_EQ(fake->calls, (Lines{"SetDiscoveryFilter", "StartDiscovery", "StopDiscovery"}));
+    EXPECT_EQ(calls(), Lines{"StopDiscovery"});
 }
 
 TEST_F(BluezRadioTest, DiscoveryIsRefused) {
     fake->hold("StartDiscovery");
-    startRadio();
     radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery"));
+    settle();
     fake->replyError("StartDiscovery", "org.bluez.Error.InProgress",  // an old scan's
                      "Operation already in progress");
     ASSERT_TRUE(called("StartDiscovery", 2));
     fake->replyError("StartDiscovery", "org.freedesktop.DBus.Error.AccessDenied", "Rejected");
-    EXPECT_TRUE(reported("adapter state 3"));
+    EXPECT_EQ(reports(), Lines{"adapter state 3"});
     EXPECT_EQ(radio->stateReason(), CBManagerStateReason::notPermitted);
+    fake->switchAdapter(false);
+    fake->switchAdapter(true);
+    EXPECT_EQ(reports(), (Lines{"adapter state 4", "adapter state 5"}));
 }
 
 TEST_F(BluezRadioTest, KnownDeviceIsReportedWhenItIsHeard) {
-    addPen({{"Name", std::string("InkoraPen")}});
+    fake->addPen({{"Name", "InkoraPen"s}});
     startRadio();
     radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery"));  // whose answer makes the radio look at all devices
-    settle();
-    EXPECT_EQ(record.take(), Lines());
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
-    ASSERT_TRUE(reported("sighted InkoraPen"));
+    EXPECT_EQ(reports(), Lines());
+    fake->changePen(heard);
+    ASSERT_EQ(reports(), Lines{"sighted InkoraPen"});
     EXPECT_EQ(record.sightings.back().rssi, -60);
     EXPECT_EQ(record.sightings.back().identifier, pen);
-
-    record.take();
-    fake->change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
-    settle();
-    EXPECT_EQ(record.take(), Lines());
+    fake->changePen({}, {"RSSI"});
+    EXPECT_EQ(reports(), Lines());
 }
 
 TEST_F(BluezRadioTest, NameComesLaterThanTheDevice) {
-    startRadio();
     radio->startScan();
-    addPen({{"RSSI", std::int16_t{-60}},
-            {"ManufacturerData", std::map<std::uint16_t, Data>{{0x1234, Data{0x56}}}}});
-    ASSERT_TRUE(reported("sighted without a name"));  // and not with its Alias, the address
+    settle();
+    fake->addPen({{"RSSI", std::int16_t{-60}},
+                  {"ManufacturerData", std::map<std::uint16_t, Data>{{0x1234, Data{0x56}}}}});
+    ASSERT_EQ(reports(), Lines{"sighted without a name"});  // and not with its Alias, the address
     EXPECT_EQ(record.sightings.back().advertisement.manufacturerData, (Data{0x34, 0x12, 0x56}));
-    fake->change(FakeBluez::pen, ObjectTree::device,
-                 {{"RSSI", std::int16_t{-61}}, {"Name", std::string("InkoraPen")}});
-    EXPECT_TRUE(reported("sighted InkoraPen"));
+    fake->changePen({{"RSSI", std::int16_t{-61}}, {"Name", "InkoraPen"s}});
+    EXPECT_EQ(reports(), Lines{"sighted InkoraPen"});
 }
 
 TEST_F(BluezRadioTest, OwnNameDiffersFromTheAdvertisedOne) {
-    startRadio();
     linkPen();
-    fake->change(FakeBluez::pen, ObjectTree::device,
-                 {{"Name", std::string("Advertised")}, {"RSSI", std::int16_t{-60}}});
-    fake->change(FakeBluez::pen, ObjectTree::device, {}, {"RSSI"});
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"Name", std::string("Own")}});
-    ASSERT_TRUE(reported("name Own"));
-    fake->change(FakeBluez::pen, ObjectTree::device,
-                 {{"Connected", false}, {"ServicesResolved", false}});
-    ASSERT_TRUE(reported("disconnected with error"));
+    fake->changePen({{"Name", "Advertised"s}, {"RSSI", std::int16_t{-60}}});
+    fake->changePen({}, {"RSSI"});
+    fake->changePen({{"Name", "Own"s}});
+    fake->endLink();
+    EXPECT_EQ(reports(2), (Lines{"name Own", "disconnected with error"}));
 
     // A shortened name in the next advertisement leaves the property as the link has made it.
     radio->startScan();
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
-    ASSERT_TRUE(reported("sighted Advertised"));
+    settle();
+    fake->changePen(heard);
+    ASSERT_EQ(reports(), Lines{"sighted Advertised"});
     EXPECT_EQ(record.sightings.back().name, "Own");
-    fake->change(FakeBluez::pen, ObjectTree::device,
-                 {{"RSSI", std::int16_t{-60}}, {"Name", std::string("Renamed")}});
-    ASSERT_TRUE(reported("sighted Renamed"));
+    fake->changePen({{"RSSI", std::int16_t{-60}}, {"Name", "Renamed"s}});
+    ASSERT_EQ(reports(), Lines{"sighted Renamed"});
 
     // Linked by somebody else, and back as an object, it has not advertised since.
-    fake->change(FakeBluez::pen, ObjectTree::device,
-                 {{"Connected", true}, {"Name", std::string("Own")}}, {"RSSI"});
+    fake->changePen({{"Connected", true}, {"Name", "Own"s}}, {"RSSI"});
     fake->remove(FakeBluez::pen, ObjectTree::device);
-    settle();
-    record.take();
+    reports();
     radio->stopScan();
     radio->startScan();
-    addPen({{"Connected", true}, {"Name", std::string("Own")}});
-    EXPECT_TRUE(reported("sighted Renamed"));
+    settle();
+    fake->addPen({{"Connected", true}, {"Name", "Own"s}});
+    EXPECT_EQ(reports(), Lines{"sighted Renamed"});
 }
 
 TEST_F(BluezRadioTest, LinkedPenIsFoundOnceAndTakenOver) {
-    addPen({{"Name", std::string("InkoraPen")}, {"Connected", true}, {"ServicesResolved", true}});
+    fake->addPen({{"Name", "InkoraPen"s}, {"Connected", true}, {"ServicesResolved", true}});
     addColour();
     startRadio();
-    radio->startScan();
-    ASSERT_TRUE(reported("sighted InkoraPen"));
-    EXPECT_EQ(record.sightings.back().rssi, 127);
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
-    settle();
-    EXPECT_EQ(record.take(), Lines{"sighted InkoraPen"});
-    radio->stopScan();
-    radio->startScan();
-    ASSERT_TRUE(reported("sighted InkoraPen"));
-
+    for (int scans = 0; scans < 2; ++scans) {
+        radio->stopScan();
+        radio->startScan();
+        settle();
+        fake->changePen({{"Connected", true}});
+        EXPECT_EQ(reports(), Lines{"sighted InkoraPen"});
+        EXPECT_EQ(record.sightings.back().rssi, 127);
+    }
     radio->connect(pen);
     ASSERT_TRUE(reported("connected"));
     record.take();
     radio->stopScan();
     radio->startScan();
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
-    settle();
-    EXPECT_EQ(record.take(), Lines());  // it is ours now
+    fake->changePen({{"Connected", true}});
+    EXPECT_EQ(reports(), Lines());  // it is ours now
     radio.reset();
     EXPECT_TRUE(called("Disconnect"));
 }
 
 TEST_F(BluezRadioTest, PropertiesHaveTypesNobodyExpects) {
-    startRadio();
-    linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
-    ASSERT_TRUE(reported("1F14 subscribed"));
-    record.take();
-    fake->change(colour, ObjectTree::characteristic, {{"Value", std::string("text")}});
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::monostate()}});
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", std::string("no")}});
+    linkPen(true);
+    radio->startScan();
     settle();
-    EXPECT_FALSE(record.has("sighted without a name"));
-    EXPECT_FALSE(record.has("1F14 notified <>"));
+    fake->change(colour, ObjectTree::characteristic, {{"Value", "text"s}});
+    fake->changePen({{"RSSI", std::monostate()}});
+    fake->changePen({{"Connected", "no"s}});
+    EXPECT_EQ(reports(), Lines());
 }
 
 // --- connecting ---------------------------------------------------------------------------------
 
 TEST_F(BluezRadioTest, ScanGivesWayToAConnection) {
     fake->hold("StopDiscovery");
-    startRadio();
-    radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery"));
-    addPen({{"RSSI", std::int16_t{-60}}});
-    ASSERT_TRUE(reported("sighted without a name"));
-    addColour();
-    radio->connect(pen);
-    ASSERT_TRUE(called("StopDiscovery"));
-    settle();
-    EXPECT_EQ(fake->count("Connect"), 0u);
-    fake->replyError("StopDiscovery", "org.bluez.Error.Failed", "No discovery started");
-    ASSERT_TRUE(called("Connect"));
-    EXPECT_EQ(fake->count("StartDiscovery"), 1u);
-    resolveServices();
-    ASSERT_TRUE(reported("connected"));
-    EXPECT_TRUE(called("StartDiscovery", 2));  // still wanted
-}
-
-TEST_F(BluezRadioTest, ServicesAreResolvedBeforeTheyAreThere) {
-    fake->hold("Connect");
-    startRadio();
     addPen();
-    radio->connect(pen);
-    ASSERT_TRUE(called("Connect"));
-    resolveServices();
+    addColour();
+    radio->startScan();
     settle();
-    EXPECT_FALSE(record.has("connected"));
-    addColour();  // with no signal at all
-    ASSERT_TRUE(reported("connected"));
-    radio->discoverServices(pen);
-    ASSERT_EQ(record.services.size(), 1u);
-    EXPECT_EQ(record.services.front().uuid, CBUUID("1F1F"));
+    radio->connect(pen);
+    EXPECT_EQ(calls(), (Lines{"SetDiscoveryFilter", "StartDiscovery", "StopDiscovery"}));
+    fake->replyError("StopDiscovery", "org.bluez.Error.Failed", "No discovery started");
+    EXPECT_EQ(calls(), Lines{"Connect"});
+    resolveServices();
+    EXPECT_EQ(reports(), Lines{"connected"});
+    EXPECT_EQ(calls(), (Lines{"SetDiscoveryFilter", "StartDiscovery"}));  // still wanted
 }
 
 TEST_F(BluezRadioTest, DeviceIsRemovedWhileItIsConnectedTo) {
     fake->hold("Connect");  // never answered, as of a device that goes
-    startRadio();
     addPen();
     radio->connect(pen);
-    ASSERT_TRUE(called("Connect"));
+    settle();
     fake->remove(FakeBluez::pen, ObjectTree::device);
-    ASSERT_TRUE(called("StartDiscovery"));
+    EXPECT_EQ(calls(), (Lines{"Connect", "SetDiscoveryFilter", "StartDiscovery"}));
     // Found again, under a path that an address has which was resolved since.
+    const char* elsewhere = "/org/bluez/hci0/dev_5A_00_00_00_00_01";
     addColour();
-    fake->add(elsewhere, ObjectTree::device,
-              FakeBluez::penProperties({{"RSSI", std::int16_t{-60}}}));
-    ASSERT_TRUE(called("Connect", 2));
+    fake->add(elsewhere, ObjectTree::device, FakeBluez::penProperties(heard));
+    EXPECT_EQ(calls(), (Lines{"StopDiscovery", "Connect"}));
     EXPECT_EQ(fake->lastPath, elsewhere);
-    EXPECT_EQ(fake->count("StopDiscovery"), 1u);
     EXPECT_EQ(record.lines, Lines());
 }
 
-TEST_F(BluezRadioTest, LinkIsThereWithoutASignal) {
-    fake->on("Connect", [this](const std::string&) {
+TEST_F(BluezRadioTest, AttemptEndsWithALinkOrWithNone) {
+    const auto failAlways = [this] {
+        fake->replyError("Connect", "org.bluez.Error.Failed", "le-connection-abort-by-local");
+    };
+    const auto loseEarly = [this] {
+        fake->changePen({{"Connected", true}});
+        fake->reply("Connect");
+        fake->changePen({{"Connected", false}});
+    };
+    const auto loseWithoutASignal = [this] {
+        resolveServices();
+        fake->reply("Connect");
+        fake->addSilently(FakeBluez::pen, ObjectTree::device,
+                          FakeBluez::penProperties({{"ServicesResolved", true}}));
+    };
+    const auto linkAtTheThirdTry = [&] {
+        if (fake->count("Connect") < 3) return loseEarly();
+        addColour();
+        resolveServices();
+    };
+    const auto linkWithoutASignal = [this] {
         fake->addSilently(
             FakeBluez::pen, ObjectTree::device,
             FakeBluez::penProperties({{"Connected", true}, {"ServicesResolved", true}}));
-        addColour();
         fake->reply("Connect");
-    });
-    startRadio();
+    };
+    const auto resolveTooEarly = [this] {
+        resolveServices();
+        settle(1);
+        EXPECT_EQ(record.lines, Lines());
+        addColour();  // with no signal at all
+    };
+    struct Case {
+        std::function<void()> connect;
+        std::size_t tries;
+        const char* told;
+    };
+    const Case cases[] = {
+        {failAlways, 10, "connection failed"},
+        {loseEarly, 10, "connection failed"},
+        {[this] { fake->reply("Connect"); }, 10, "connection failed"},  // and no link
+        {[this] { resolveServices(); }, 1, "connection failed"},        // and no services
+        {resolveTooEarly, 1, "connected"},
+        {linkAtTheThirdTry, 3, "connected"},
+        {loseWithoutASignal, 10, "connection failed"},
+        {linkWithoutASignal, 1, "connected"},
+    };
     addPen();
-    radio->connect(pen);
-    EXPECT_TRUE(reported("connected"));
-    EXPECT_EQ(fake->count("Connect"), 1u);
-}
-
-TEST_F(BluezRadioTest, AttemptThatFailsLeavesNoLink) {
-    fake->on("Connect", [this](const std::string&) {
-        fake->replyError("Connect", "org.bluez.Error.Failed", "le-connection-abort-by-local");
-    });
-    startRadio();
-    addPen();
-    radio->connect(pen);
-    ASSERT_TRUE(reported("connection failed"));
-    EXPECT_EQ(fake->count("Connect"), 10u);
-    EXPECT_TRUE(called("Disconnect"));
-
-    fake->on("Connect", [this](const std::string&) { resolveServices(); });  // and no services
-    radio->connect(pen);
-    ASSERT_TRUE(called("Disconnect", 2));
-    settle();
-    EXPECT_EQ(record.lines, (Lines{"connection failed", "connection failed"}));
+    for (const Case& each : cases) {
+        SCOPED_TRACE(&each - cases);
+        fake->on("Connect", [&](const std::string&) { each.connect(); });
+        radio->connect(pen);
+        EXPECT_EQ(reports(79), Lines{each.told});
+        EXPECT_EQ(fake->count("Connect"), each.tries);
+        if (each.told == "connected"s) radio->disconnect(pen);
+        EXPECT_EQ(calls().back(), "Disconnect");
+        fake->endLink();
+        fake->reply("Connect");  // where it is still to be answered
+        reports();
+    }
 }
 
 TEST_F(BluezRadioTest, LossIsFollowedByAScanAtOnce) {
-    fake->hold("StartDiscovery");
-    startRadio();
     linkPen();
-    fake->change(FakeBluez::pen, ObjectTree::device,
-                 {{"Connected", false}, {"ServicesResolved", false}});
-    ASSERT_TRUE(called("StartDiscovery"));
-    fake->change(FakeBluez::pen, ObjectTree::device, {{"RSSI", std::int16_t{-60}}});
+    fake->hold("StartDiscovery");
+    fake->endLink();
+    EXPECT_EQ(calls(), (Lines{"SetDiscoveryFilter", "StartDiscovery"}));
+    fake->changePen(heard);
     fake->reply("StartDiscovery");
-    ASSERT_TRUE(reported("disconnected with error"));
+    EXPECT_EQ(reports(), Lines{"disconnected with error"});
     radio->startScan();
-    ASSERT_TRUE(reported("sighted without a name"));
-    EXPECT_EQ(fake->calls, (Lines{"SetDiscoveryFilter", "StartDiscovery"}));
+    EXPECT_EQ(reports(), Lines{"sighted without a name"});
     radio->stopScan();
-    ASSERT_TRUE(called("StopDiscovery"));
-}
-
-TEST_F(BluezRadioTest, LinkIsLostAsSoonAsItIsThere) {
-    fake->hold("Connect");
-    startRadio();
-    addPen();
-    addColour();
-    radio->connect(pen);
-    for (std::size_t tries = 1; tries <= 2; ++tries) {
-        ASSERT_TRUE(called("Connect", tries));
-        fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", true}});
-        fake->reply("Connect");
-        fake->change(FakeBluez::pen, ObjectTree::device, {{"Connected", false}});
-    }
-    ASSERT_TRUE(called("Connect", 3));
-    resolveServices();
-    ASSERT_TRUE(reported("connected"));
-    EXPECT_EQ(record.lines, Lines{"connected"});
+    EXPECT_EQ(calls(), Lines{"StopDiscovery"});
 }
 
 TEST_F(BluezRadioTest, PendingAttemptIsCancelledAndTakenUpAgain) {
     fake->hold("Connect");
     fake->hold("Disconnect");
-    startRadio();
     addPen();
-    addColour();
     radio->connect(pen);
-    ASSERT_TRUE(called("Connect"));
+    settle();
     radio->disconnect(pen);
     radio->connect(pen);
-    ASSERT_TRUE(called("Disconnect"));
-    EXPECT_EQ(fake->count("Connect"), 1u);
+    EXPECT_EQ(calls(), (Lines{"Connect", "Disconnect"}));
     fake->replyError("Connect", "org.bluez.Error.Failed", "br-connection-canceled");
     fake->reply("Disconnect");
-    ASSERT_TRUE(called("Connect", 2));
-    resolveServices();
-    ASSERT_TRUE(reported("connected"));
-    EXPECT_EQ(record.lines, Lines{"connected"});
+    EXPECT_EQ(calls(), Lines{"Connect"});
+    resolveServices();  // and no services
+    EXPECT_EQ(reports(5), Lines{"connection failed"});
+    fake->endLink();
+    EXPECT_EQ(calls(), Lines{"Disconnect"});  // and not taken up once more
 }
 
 TEST_F(BluezRadioTest, RadioEndsWithALink) {
-    fake->hold("StartNotify");
-    startRadio();
     linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
+    fake->hold("StartNotify");
+    radio->subscribe(pen, colourHandle, true);
     radio.reset();
-    ASSERT_TRUE(called("Disconnect"));
-    EXPECT_EQ(fake->calls, (Lines{"StartNotify", "StopNotify", "Disconnect"}));
+    EXPECT_EQ(calls(), (Lines{"StartNotify", "StopNotify", "Disconnect"}));
 }
 
 // --- values -------------------------------------------------------------------------------------
 
 TEST_F(BluezRadioTest, ReadIsSeenTwiceWithNotificationsAroundIt) {
-    fake->on("ReadValue", [this](const std::string& path) {
-        for (const Data& value : {Data{1}, Data{7}, Data{7}, Data{2}})
-            fake->change(path, ObjectTree::characteristic, {{"Value", value}});
+    linkPen(true);
+    fake->on("ReadValue", [this](const std::string&) {
+        for (const std::uint8_t value : std::array<std::uint8_t, 4>{1, 7, 7, 2}) notify(value);
         fake->replyBytes("ReadValue", Data{7});
-        fake->change(path, ObjectTree::characteristic, {{"Value", Data{7}}});
+        notify(7);
     });
-    startRadio();
-    linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
-    radio->read(pen, record.handleOf(colourUUID));
-    ASSERT_TRUE(reported("1F14 notified <02>"));
-    settle();
-    EXPECT_EQ(record.take(), (Lines{"1F14 subscribed", "1F14 notified <01>", "1F14 notified <07>",
-                                    "1F14 read <07>", "1F14 notified <02>", "1F14 notified <07>"}));
-}
-
-TEST_F(BluezRadioTest, ReadFailsAmidNotifications) {
-    fake->on("ReadValue", [this](const std::string& path) {
-        fake->change(path, ObjectTree::characteristic, {{"Value", Data{1}}});
-        fake->replyError("ReadValue", "org.bluez.Error.Failed",
-                         "Operation failed with ATT error: 0x0e");
+    radio->read(pen, colourHandle);
+    EXPECT_EQ(reports(), (Lines{"1F14 notified <01>", "1F14 notified <07>", "1F14 read <07>",
+                                "1F14 notified <02>", "1F14 notified <07>"}));
+    fake->on("ReadValue", [this](const std::string&) {
+        notify(1);
+        fake->replyError("ReadValue", "org.bluez.Error.Failed", "ATT error: 0x0e");
     });
-    startRadio();
-    linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
-    radio->read(pen, record.handleOf(colourUUID));
-    ASSERT_TRUE(reported("1F14 read nothing with error"));
-    EXPECT_EQ(record.take(),
-              (Lines{"1F14 subscribed", "1F14 notified <01>", "1F14 read nothing with error"}));
+    radio->read(pen, colourHandle);
+    EXPECT_EQ(reports(), (Lines{"1F14 notified <01>", "1F14 read nothing with error"}));
 }
 
 TEST_F(BluezRadioTest, ValuesComeBeforeTheSubscriptionIsConfirmed) {
-    fake->hold("StartNotify");
-    startRadio();
     linkPen();
-    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});  // not subscribed
+    fake->hold("StartNotify");
+    notify(1);  // not subscribed
     settle();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
-    ASSERT_TRUE(called("StartNotify"));
-    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{2}}});
-    fake->change(colour, ObjectTree::characteristic, {{"Value", Data{2}}});
+    radio->subscribe(pen, colourHandle, true);
+    settle();
+    notify(2);
+    notify(2);
     fake->reply("StartNotify");
-    ASSERT_TRUE(reported("1F14 subscribed"));
-    EXPECT_EQ(record.take(),
-              (Lines{"1F14 notified <02>", "1F14 notified <02>", "1F14 subscribed"}));
+    EXPECT_EQ(reports(), (Lines{"1F14 notified <02>", "1F14 notified <02>", "1F14 subscribed"}));
 }
 
 TEST_F(BluezRadioTest, ValueIsReadBySomebodyElse) {
-    startRadio();
-    linkPen();
-    radio->subscribe(pen, record.handleOf(colourUUID), true);
-    radio->startScan();
-    ASSERT_TRUE(called("StartDiscovery"));
+    linkPen(true);
+    notify(1);
     settle();
-    record.take();
-    const auto signal = [this] {
-        fake->change(colour, ObjectTree::characteristic, {{"Value", Data{1}}});
-    };
-    signal();
-    settle();
-    signal();
+    notify(1);
     fake->answerSomebodyElse();
-    settle();
-    EXPECT_EQ(record.lines, Lines{"1F14 notified <01>"});
-    signal();  // with nothing after it but what the radio has asked for
-    EXPECT_TRUE(until([&] { return record.lines.size() == 2; }));
+    EXPECT_EQ(reports(), Lines{"1F14 notified <01>"});
+    notify(1);  // with nothing after it but what the radio has asked for
+    EXPECT_EQ(reports(), Lines{"1F14 notified <01>"});
 }
 
 TEST_F(BluezRadioTest, TableOfServicesChanges) {
-    startRadio();
-    linkPen();
-    const AttributeHandle handle = record.handleOf(colourUUID);
-    radio->subscribe(pen, handle, true);
-    ASSERT_TRUE(reported("1F14 subscribed"));
+    linkPen(true);
     fake->remove(colour, ObjectTree::characteristic);
     fake->remove(service, ObjectTree::service);
-    ASSERT_TRUE(reported("1 services invalidated"));
+    EXPECT_EQ(reports(), Lines{"1 services invalidated"});
 
-    const std::string newService = std::string(FakeBluez::pen) + "/service0025";
+    const std::string newService = FakeBluez::pen + "/service0025"s;
     const std::string newColour = newService + "/char0026";
     fake->add(newService, ObjectTree::service, serviceProperties());
     fake->add(newColour, ObjectTree::characteristic, colourProperties());
-    ASSERT_TRUE(called("StartNotify", 2));
+    EXPECT_EQ(calls(), Lines{"StartNotify"});
     EXPECT_EQ(fake->lastPath, newColour);
-    ASSERT_TRUE(reported("0 services invalidated"));
-    record.take();
-    fake->change(newColour, ObjectTree::characteristic, {{"Value", Data{1}}});
-    ASSERT_TRUE(reported("1F14 notified <01>"));
+    fake->changeValue(newColour, Data{1});
+    EXPECT_EQ(reports(), (Lines{"0 services invalidated", "1F14 notified <01>"}));
 
     record.characteristics.clear();
     radio->discoverServices(pen);
     ASSERT_EQ(record.services.size(), 1u);
     radio->discoverCharacteristics(pen, record.services.front().handle);
-    EXPECT_EQ(record.handleOf(colourUUID), handle);
+    EXPECT_EQ(record.handleOf(CBUUID("1F14")), colourHandle);
     // Told already, and told once more: no change.
-    record.take();
+    reports();
     fake->add(newColour, ObjectTree::characteristic, colourProperties());
-    settle();
-    settle();
-    EXPECT_EQ(record.take(), Lines());
+    EXPECT_EQ(reports(), Lines());
+    // Nobody wants it any more.
+    radio->subscribe(pen, colourHandle, false);
+    fake->remove(newColour, ObjectTree::characteristic);
+    fake->add(colour, ObjectTree::characteristic, colourProperties());
+    EXPECT_EQ(calls(), Lines{"StopNotify"});
 }
 
 }  // namespace

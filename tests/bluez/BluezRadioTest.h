@@ -13,27 +13,20 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace InkoraKit {
 
-/// A radio on a bluetoothd of ours, with one adapter, powered on. The cases wait for what is to
-/// happen; that something does not happen is seen by what comes after it.
+/// A radio on a bluetoothd of ours, with one adapter, powered on.
 class BluezRadioTest : public testing::Test {
 protected:
     using Lines = RadioRecord::Lines;
 
-    struct SkippingClock : Clock {
-        double skipped = 0;
-        double now() const override { return SystemClock().now() + skipped; }
-    };
-
     void SetUp() override;
-    void TearDown() override;
 
     template <class Condition>
     bool until(Condition condition) {
-        const double end = RunLoop::main().now() + 20;
-        while (!condition() && RunLoop::main().now() < end) RunLoop::main().runOnce(0.05);
+        for (int i = 0; i < 1000 && !condition(); ++i) RunLoop::main().runOnce(0.1);
         return condition();
     }
     bool reported(const std::string& line) {
@@ -43,32 +36,43 @@ protected:
         return until([&] { return fake->count(member) >= times; });
     }
 
-    /// Timers fire as if that time had passed.
-    void skip(double seconds) { clock->skipped += seconds; }
+    /// Everything arrives that is on its way, and as much time passes.
+    void settle(double seconds = 0.001) { RunLoop::main().runFor(seconds); }
+    /// What the radio has reported, and called, since the last look.
+    Lines reports(double seconds = 0.001) {
+        settle(seconds);
+        return record.take();
+    }
+    Lines calls(double seconds = 0.001) {
+        settle(seconds);
+        return std::exchange(fake->calls, {});
+    }
 
+    /// On a bus with a bluetoothd, anew.
     void startRadio();
-    /// The pen is known to BlueZ, and everybody has heard of that.
-    void addPen(const Properties& more = {});
+    void addPen() {
+        fake->addPen();
+        settle();
+    }
     static Properties serviceProperties();
     static Properties colourProperties();
     void addColour();
     void resolveServices();
-    void linkPen();
-    /// Lets the radio come across everything that the fake has sent.
-    void settle();
+    /// The pen is known and linked, its colour subscribed to if that is wanted.
+    void linkPen(bool subscribes = false);
+    void notify(std::uint8_t value) { fake->changeValue(colour, Data{value}); }
 
     static constexpr const char* service = "/org/bluez/hci0/dev_00_11_22_33_44_55/service0015";
     static constexpr const char* colour =
         "/org/bluez/hci0/dev_00_11_22_33_44_55/service0015/char0016";
 
-    static constexpr const char* elsewhere = "/org/bluez/hci0/dev_5A_00_00_00_00_01";
-
     const UUID pen = DeviceAddress::fromText(FakeBluez::penAddress, "public")->identifier();
+    const Properties heard = {{"RSSI", std::int16_t{-60}}};
     RadioRecord record;
-    std::shared_ptr<SkippingClock> clock = std::make_shared<SkippingClock>();
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<FakeBluez> fake;
     std::unique_ptr<BluezRadio> radio;
+    AttributeHandle colourHandle = 0;
 };
 
 }  // namespace InkoraKit

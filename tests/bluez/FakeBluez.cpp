@@ -2,6 +2,7 @@
 
 #include <InkoraKit/platform/RunLoop.h>
 
+#include "PrivateBus.h"
 #include "platform/radios/bluez/MessageReader.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
@@ -75,29 +76,16 @@ void append(sd_bus_message* message, const Interfaces& interfaces) {
     appendMap(message, "sa{sv}", interfaces);
 }
 
-std::map<std::string, std::string> readOptions(sd_bus_message* call) {
-    std::map<std::string, std::string> options;
-    for (const auto& [name, value] : MessageReader(call).readProperties())
-        if (const auto* text = std::get_if<std::string>(&value)) options[name] = *text;
-    return options;
-}
-
 }  // namespace
 
-FakeBluez::FakeBluez(const std::string& busAddress) {
-    sd_bus* made = nullptr;
-    sd_bus_new(&made);
-    bus_.reset(made, sd_bus_flush_close_unref);
-    sd_bus_set_address(made, busAddress.c_str());
-    sd_bus_set_bus_client(made, true);
-    sd_bus_start(made);
+FakeBluez::FakeBluez(const std::string& busAddress) : bus_(PrivateBus::connect(busAddress)) {
     sd_bus_add_filter(
-        made, nullptr,
+        bus_.get(), nullptr,
         [](sd_bus_message* message, void* self, sd_bus_error*) {
             return static_cast<FakeBluez*>(self)->received(message);
         },
         this);
-    sd_bus_request_name(made, "org.bluez", 0);
+    sd_bus_request_name(bus_.get(), "org.bluez", 0);
     RunLoop::main().addSource(*this);
 }
 
@@ -115,8 +103,7 @@ void FakeBluez::addSilently(const std::string& path, const std::string& interfac
 void FakeBluez::add(const std::string& path, const std::string& interface,
                     const Properties& properties) {
     addSilently(path, interface, properties);
-    sd_bus_message* signal = nullptr;
-    sd_bus_message_new_signal(bus_.get(), &signal, "/", objectManager, "InterfacesAdded");
+    sd_bus_message* signal = newSignal("/", objectManager, "InterfacesAdded");
     sd_bus_message_append(signal, "o", path.c_str());
     append(signal, Interfaces{{interface, properties}});
     send(signal);
@@ -125,8 +112,7 @@ void FakeBluez::add(const std::string& path, const std::string& interface,
 void FakeBluez::remove(const std::string& path, const std::string& interface) {
     objects_[path].erase(interface);
     if (objects_[path].empty()) objects_.erase(path);
-    sd_bus_message* signal = nullptr;
-    sd_bus_message_new_signal(bus_.get(), &signal, "/", objectManager, "InterfacesRemoved");
+    sd_bus_message* signal = newSignal("/", objectManager, "InterfacesRemoved");
     sd_bus_message_append(signal, "oas", path.c_str(), 1, interface.c_str());
     send(signal);
 }
@@ -136,9 +122,8 @@ void FakeBluez::change(const std::string& path, const std::string& interface,
     Properties& properties = objects_[path][interface];
     for (const auto& [name, value] : changed) properties.insert_or_assign(name, value);
     for (const std::string& name : invalidated) properties.erase(name);
-    sd_bus_message* signal = nullptr;
-    sd_bus_message_new_signal(bus_.get(), &signal, path.c_str(), "org.freedesktop.DBus.Properties",
-                              "PropertiesChanged");
+    sd_bus_message* signal =
+        newSignal(path, "org.freedesktop.DBus.Properties", "PropertiesChanged");
     sd_bus_message_append(signal, "s", interface.c_str());
     append(signal, changed);
     within(signal, 'a', "s", [&] {
@@ -156,6 +141,10 @@ void FakeBluez::addAdapter(const std::string& path, const std::string& address, 
          {"Roles", std::vector<std::string>{"central", "peripheral"}}});
 }
 
+void FakeBluez::switchAdapter(bool on) {
+    change(hci0, ObjectTree::adapter, {{"Powered", on}, {"Discovering", false}});
+}
+
 Properties FakeBluez::penProperties(const Properties& more) {
     Properties properties = {{"Address", std::string(penAddress)},
                              {"AddressType", std::string("public")},
@@ -170,6 +159,25 @@ void FakeBluez::addPen(const Properties& more) {
     add(pen, ObjectTree::device, penProperties(more));
 }
 
+void FakeBluez::changePen(const Properties& changed, const std::vector<std::string>& invalidated) {
+    change(pen, ObjectTree::device, changed, invalidated);
+}
+
+void FakeBluez::changeValue(const std::string& characteristic, const Data& value) {
+    change(characteristic, ObjectTree::characteristic, {{"Value", value}});
+}
+
+void FakeBluez::endLink() {
+    changePen({{"ServicesResolved", false}, {"Connected", false}});
+}
+
+sd_bus_message* FakeBluez::newSignal(const std::string& path, const char* interface,
+                                     const char* member) {
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus_.get(), &signal, path.c_str(), interface, member);
+    return signal;
+}
+
 // --- calls --------------------------------------------------------------------------------------
 
 int FakeBluez::received(sd_bus_message* message) {
@@ -177,28 +185,26 @@ int FakeBluez::received(sd_bus_message* message) {
     caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
     if (member == "Ping") return 0;  // sd_bus answers that
-    if (member == "GetManagedObjects") {
-        ++timesAskedForObjects;
-        if (!isSilent) sendObjects(message);
-        return 1;
+    if (member != "GetManagedObjects") {
+        calls.push_back(member);
+        lastPath = sd_bus_message_get_path(message);
     }
-    calls.push_back(member);
-    lastPath = sd_bus_message_get_path(message);
-    if (sd_bus_message_has_signature(message, "a{sv}") > 0) lastOptions = readOptions(message);
+    if (sd_bus_message_has_signature(message, "a{sv}") > 0)
+        lastOptions = MessageReader(message).readProperties();
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
-    const auto method = methods_.find(member);
-    if (method == methods_.end()) {
-        if (!isSilent) reply(member);
+    if (const Method method = methods_[member]) {
+        method(sd_bus_message_get_path(message));
+    } else if (member == "GetManagedObjects") {
+        sendObjects();
     } else {
-        const Method run = method->second;
-        run(sd_bus_message_get_path(message));
+        reply(member);
     }
     return 1;
 }
 
-void FakeBluez::sendObjects(sd_bus_message* call) {
+void FakeBluez::sendObjects() {
     sd_bus_message* answer = nullptr;
-    sd_bus_message_new_method_return(call, &answer);
+    sd_bus_message_new_method_return(takeHeld("GetManagedObjects").get(), &answer);
     appendMap(answer, "oa{sa{sv}}", objects_);
     send(answer);
 }
@@ -254,16 +260,10 @@ void FakeBluez::send(sd_bus_message* message) {
 // --- what any user of the bus may do ------------------------------------------------------------
 
 void FakeBluez::claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner) {
-    sd_bus_message* signal = nullptr;
-    sd_bus_message_new_signal(bus_.get(), &signal, "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                              "NameOwnerChanged");
+    sd_bus_message* signal =
+        newSignal("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged");
     sd_bus_message_append(signal, "sss", "org.bluez", oldOwner.c_str(), newOwner.c_str());
     send(signal);
-}
-
-void FakeBluez::sync() {
-    sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
-                       nullptr, nullptr, nullptr);
 }
 
 // --- the run loop -------------------------------------------------------------------------------

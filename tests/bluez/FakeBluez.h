@@ -22,6 +22,7 @@ namespace InkoraKit {
 class FakeBluez final : public RunLoopSource {
 public:
     static constexpr const char* hci0 = "/org/bluez/hci0";
+    static constexpr const char* hci0Address = "00:AA:01:00:00:42";
     static constexpr const char* pen = "/org/bluez/hci0/dev_00_11_22_33_44_55";
     static constexpr const char* penAddress = "00:11:22:33:44:55";
 
@@ -42,16 +43,22 @@ public:
     void remove(const std::string& path, const std::string& interface);
     void change(const std::string& path, const std::string& interface, const Properties& changed,
                 const std::vector<std::string>& invalidated = {});
-    void addAdapter(const std::string& path, const std::string& address, bool isPowered);
+    void addAdapter(const std::string& path = hci0, const std::string& address = hci0Address,
+                    bool isPowered = true);
+    void switchAdapter(bool on);
     static Properties penProperties(const Properties& more = {});
     void addPen(const Properties& more = {});
+    void changePen(const Properties& changed, const std::vector<std::string>& invalidated = {});
+    void changeValue(const std::string& characteristic, const Data& value);
+    void endLink();
 
     // Calls
     std::vector<std::string> calls;  // names of methods, but for GetManagedObjects
     std::string lastPath;
-    std::map<std::string, std::string> lastOptions;
+    Properties lastOptions;
     /// Calls of this method wait until `reply…`.
     void hold(const std::string& member);
+    /// Null makes it answer again as it does by itself.
     void on(const std::string& member, Method method);
     void reply(const std::string& member);
     void replyBytes(const std::string& member, const Data& value);
@@ -59,16 +66,11 @@ public:
     std::size_t count(const std::string& member) const;
     /// Sends what does not reach the radio, such as the answer to another client's call.
     void answerSomebodyElse();
-    /// From now on it reads calls but answers none, also not for its objects.
-    bool isSilent = false;
-    int timesAskedForObjects = 0;
 
     // What any user of the bus may do
     std::string caller;     // who has called last, by unique name
     std::string addressee;  // whom signals go to, and nobody else; empty for all
     void claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner);
-    /// Returns when the bus has dealt with all that was sent.
-    void sync();
 
     // RunLoopSource
     int descriptor() const override;
@@ -80,7 +82,8 @@ private:
     using Message = std::shared_ptr<sd_bus_message>;
 
     int received(sd_bus_message* message);
-    void sendObjects(sd_bus_message* call);
+    void sendObjects();
+    sd_bus_message* newSignal(const std::string& path, const char* interface, const char* member);
     Message takeHeld(const std::string& member);
     void send(sd_bus_message* message);
 

@@ -31,9 +31,6 @@ public:
     virtual void notify(const VirtualCharacteristic& characteristic, const Data& value) = 0;
     virtual void failNextRead(VirtualCharacteristic& characteristic) = 0;
     virtual void dropLink() = 0;
-
-    /// Seconds on the run loop's clock after which nothing more is to be expected.
-    virtual double quietTime() const = 0;
 };
 
 using MakeRadioWorld = std::unique_ptr<RadioWorld> (*)();

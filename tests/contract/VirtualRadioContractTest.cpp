@@ -36,7 +36,6 @@ public:
         characteristic.failNextRead(NSError("CBATTErrorDomain", 14));
     }
     void dropLink() override { pen_->dropLink(); }
-    double quietTime() const override { return 10; }
 
 private:
     std::shared_ptr<VirtualRadio> radio_ = VirtualRadio::install();
