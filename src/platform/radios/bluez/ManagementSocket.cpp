@@ -69,17 +69,6 @@ Packet request(std::uint16_t controller, const DeviceAddress& address) {
     return packet;
 }
 
-int openSocket() {
-    const int descriptor =
-        ::socket(bluetoothFamily, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, hciProtocol);
-    if (descriptor < 0) return -1;
-    const HciAddress address{bluetoothFamily, noDevice, controlChannel};
-    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-        return descriptor;
-    ::close(descriptor);
-    return -1;
-}
-
 bool isAnswer(std::span<const std::uint8_t> packet) {
     if (packet.size() <= statusPosition) return false;
     const std::uint16_t event = numberAt(packet, 0);
@@ -112,14 +101,25 @@ std::string statusText(std::uint8_t status) {
 
 }  // namespace
 
+int ManagementSocket::openChannel() {
+    const int descriptor =
+        ::socket(bluetoothFamily, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, hciProtocol);
+    if (descriptor < 0) return -1;
+    const HciAddress address{bluetoothFamily, noDevice, controlChannel};
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return descriptor;
+    ::close(descriptor);
+    return -1;
+}
+
 ManagementSocket::~ManagementSocket() {
     close();
 }
 
 // The kernel says at once whom it does not trust, before it looks at what was asked: no adapter has
 // the number asked about.
-bool ManagementSocket::isPermitted() {
-    const int descriptor = openSocket();
+bool ManagementSocket::isPermitted(Opener opener) {
+    const int descriptor = opener();
     if (descriptor < 0) return false;
     const Packet question = request(noController, {{}, DeviceAddress::Type::lePublic});
     bool isPermitted = false;
@@ -152,7 +152,7 @@ void ManagementSocket::ask() {
 
 bool ManagementSocket::open() {
     if (descriptor_ >= 0) return true;
-    descriptor_ = openSocket();
+    descriptor_ = opener_();
     if (descriptor_ < 0) return false;
     RunLoop::main().addSource(*this);
     return true;

@@ -27,17 +27,20 @@ public:
     /// An index that no controller has.
     static constexpr std::uint16_t noController = 0xfffe;
 
-    ManagementSocket() = default;
+    /// Opens the channel: a descriptor, or -1 where this process may not.
+    using Opener = int (*)();
+
+    explicit ManagementSocket(Opener opener = openChannel) : opener_(opener) {}
     ~ManagementSocket() override;
     ManagementSocket(const ManagementSocket&) = delete;
     ManagementSocket& operator=(const ManagementSocket&) = delete;
 
     /// Whether this process may ask.
-    static bool isPermitted();
+    static bool isPermitted(Opener opener = openChannel);
 
     /// Completes once, inside this call where nothing can be asked; not at all if this object ends
-    /// before. The kernel measures anew every
-    /// one to three seconds at most; in between it repeats itself.
+    /// before. The kernel measures anew every one to three seconds at most; in between it repeats
+    /// itself.
     void readRSSI(std::uint16_t controller, const DeviceAddress& address, Completion completion);
 
     int descriptor() const override { return descriptor_; }
@@ -50,12 +53,14 @@ private:
         Completion completion;
     };
 
+    static int openChannel();
     void ask();
     bool open();
     void close();
     void receive(std::span<const std::uint8_t> packet);
     void answer(std::optional<int> rssi, const std::string& error);
 
+    const Opener opener_;
     std::deque<Question> questions_;  // the first is under way
     int descriptor_ = -1;
     Alarm limit_;
