@@ -61,9 +61,11 @@ public:
 private:
     template <class... Number>
     void note(const std::string& word, Number... numbers) {
-        if (transcript_)
-            transcript_->note("radio " + word +
-                              (std::string() + ... + (" " + std::to_string(numbers))));
+        if (transcript_) {
+            std::string line = "radio " + word;
+            ((line += ' ', line += std::to_string(numbers)), ...);
+            transcript_->note(line);
+        }
         if (onCommand_) onCommand_("radio-" + word);
     }
     template <class... Handle>
