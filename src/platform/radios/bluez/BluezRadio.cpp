@@ -81,53 +81,42 @@ void BluezRadio::start(RadioListener& listener) {
 
 // --- the adapter in use -------------------------------------------------------------------------
 
-std::optional<CBManagerState> BluezRadio::adapterState() const {
+BluezRadio::Condition BluezRadio::condition() const {
+    using enum CBManagerState;
+    using Reason = CBManagerStateReason;
     switch (daemon_.presence()) {
         case BluezDaemon::Presence::unknown:
-            return std::nullopt;
+            return {};
         case BluezDaemon::Presence::noBus:
+            return {unsupported, Reason::noBus};
         case BluezDaemon::Presence::absent:
-            return CBManagerState::unsupported;
-        case BluezDaemon::Presence::denied:
-            return CBManagerState::unauthorized;
+            return {unsupported, Reason::noService};
         case BluezDaemon::Presence::lost:
-            return CBManagerState::resetting;
+            return {resetting, Reason::noService};
+        case BluezDaemon::Presence::denied:
+            return {unauthorized, Reason::notPermitted};
         case BluezDaemon::Presence::present:
             break;
     }
-    if (discovery_.isDenied()) return CBManagerState::unauthorized;
-    if (!adapter_.empty())
-        return isPowered(adapter_) ? CBManagerState::poweredOn : CBManagerState::poweredOff;
-    if (!daemon_.isSettling()) return CBManagerState::unsupported;
+    if (discovery_.isDenied()) return {unauthorized, Reason::notPermitted};
+    if (!adapter_.empty()) {
+        if (isPowered(adapter_)) return {poweredOn, Reason::none};
+        return {poweredOff, isBlocked(adapter_) ? Reason::blocked : Reason::switchedOff};
+    }
+    if (!daemon_.isSettling()) return {unsupported, Reason::noAdapter};
     // What went on has ended, also if the adapter is back in a moment (a reset, 5.66).
-    if (state_ == CBManagerState::poweredOn) return CBManagerState::resetting;
-    return std::nullopt;
+    if (state_ == poweredOn) return {resetting, Reason::noAdapter};
+    return {std::nullopt, Reason::noAdapter};
 }
 
 CBManagerStateReason BluezRadio::stateReason() const {
-    switch (daemon_.presence()) {
-        case BluezDaemon::Presence::unknown:
-            return CBManagerStateReason::none;
-        case BluezDaemon::Presence::noBus:
-            return CBManagerStateReason::noBus;
-        case BluezDaemon::Presence::absent:
-        case BluezDaemon::Presence::lost:
-            return CBManagerStateReason::noService;
-        case BluezDaemon::Presence::denied:
-            return CBManagerStateReason::notPermitted;
-        case BluezDaemon::Presence::present:
-            break;
-    }
-    if (discovery_.isDenied()) return CBManagerStateReason::notPermitted;
-    if (adapter_.empty()) return CBManagerStateReason::noAdapter;
-    if (isPowered(adapter_)) return CBManagerStateReason::none;
-    return isBlocked(adapter_) ? CBManagerStateReason::blocked : CBManagerStateReason::switchedOff;
+    return condition().reason;
 }
 
 // Nothing survives the loss of power, and nothing is resumed by itself: who scanned or connected
 // learns of the state and decides anew.
 void BluezRadio::updateState() {
-    const auto state = adapterState();
+    const auto [state, reason] = condition();
     if (state != CBManagerState::poweredOn) {
         isScanWanted_ = false;
         anticipation_.cancel();
@@ -136,8 +125,7 @@ void BluezRadio::updateState() {
     updateDiscovery();
     if (!state || state == state_) return;
     state_ = state;
-    const std::string_view reason = description(stateReason());
-    if (!reason.empty()) NSObject::printThisLineToConsole(reason);
+    if (reason != CBManagerStateReason::none) NSObject::printThisLineToConsole(description(reason));
     listener_->adapterStateChanged(*state);
 }
 

@@ -58,7 +58,11 @@ private:
     std::string deviceOf(const UUID& peripheral) const override;
 
     // The adapter in use
-    std::optional<CBManagerState> adapterState() const;
+    struct Condition {
+        std::optional<CBManagerState> state;  // absent while it is not known yet
+        CBManagerStateReason reason = CBManagerStateReason::none;
+    };
+    Condition condition() const;
     void updateState();
     bool isCentral(const std::string& adapter) const;
     bool isPowered(const std::string& adapter) const;
