@@ -4,6 +4,7 @@
 #include <InkoraKit/platform/AnySlot.h>
 #include <InkoraKit/platform/NSNull.h>
 #include <InkoraKit/platform/NSNumber.h>
+#include <InkoraKit/platform/Owner.h>
 #include <InkoraKit/platform/Printing.h>
 
 #include <bit>
@@ -86,26 +87,27 @@ public:
     /// live in the same memory, its being a user is handed over.
     Any(Any&& container, const Any& part) noexcept : slot_(part.slot_) {
         if (!slot_.isShared()) return;
+        slot_.setCounted();
         if (container.slot_.isCounted() && slot_.owner() == container.slot_.owner()) {
-            slot_.setCounted();
             container.slot_ = {};
         } else {
-            retain();
+            slot_.owner()->retain();
         }
     }
 
     Any(const Any& other) noexcept : slot_(other.slot_) {
-        if (slot_.isShared()) retain();
+        if (!slot_.isShared()) return;
+        slot_.setCounted();
+        slot_.owner()->retain();
     }
     Any(Any&& other) noexcept : slot_(std::exchange(other.slot_, {})) {}
     Any& operator=(const Any& other) noexcept { return *this = Any(other); }
     Any& operator=(Any&& other) noexcept {
-        std::swap(slot_, other.slot_);
+        const AnySlot taken = std::exchange(other.slot_, {});
+        drop(std::exchange(slot_, taken));
         return *this;
     }
-    ~Any() {
-        if (slot_.isCounted()) release();
-    }
+    ~Any() { drop(slot_); }
 
     /// Texts that are not well-formed UTF-8 are of kind `object`, since no JSON text can hold them.
     Kind kind() const noexcept;
@@ -117,9 +119,9 @@ public:
     /// Becomes the other value without counting as a user of its contents: what keeps these alive
     /// has to outlive this. Copies of this are like those of any other value.
     void borrow(const Any& value) noexcept {
-        if (slot_.isCounted()) release();
+        drop(slot_);
         slot_ = value.slot_;
-        if (slot_.isCounted()) slot_.clearCounted();
+        slot_.clearCounted();
     }
 
     /// How the value is kept. For the kit itself.
@@ -249,8 +251,11 @@ private:
     NSNumber number() const noexcept;
     const Object* object() const noexcept;
 
-    void retain() noexcept;
-    void release() noexcept;
+    // The slot comes by value: a value whose address is not taken can live in registers.
+    static void drop(AnySlot slot) noexcept {
+        if (slot.isCounted() && slot.owner()->release()) takeDown(slot.owner());
+    }
+    static void takeDown(Owner* owner) noexcept;
 
     AnySlot slot_;
 };

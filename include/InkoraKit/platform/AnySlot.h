@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -11,11 +10,17 @@ namespace InkoraKit {
 
 class Owner;
 
+/// What precedes everything that a slot points to. Eight bytes on every machine, so that what
+/// follows is aligned.
+struct OwnerLink {
+    alignas(8) Owner* owner;
+};
+
 /// What precedes the elements of an array or the members of a dictionary, wherever they live.
 struct NodeHeader {
     std::uint32_t count;
     std::uint32_t capacity;
-    Owner* owner;
+    OwnerLink link;
 };
 
 /// The sixteen bytes that an `Any` consists of, and of which arrays and dictionaries are made.
@@ -27,10 +32,12 @@ struct NodeHeader {
 ///          | pointer  | size   | unused     |tag|   longer text
 ///          | pointer  | unused              |tag|   decimal, array, dictionary, object
 ///
-/// What a pointer leads to is preceded by a pointer to its `Owner`, which counts its users. The
-/// highest bit of the tag tells that this slot is one of them. A slot within an array or dictionary
-/// need not be, where the container keeps what it leads to alive by other means.
-struct AnySlot {
+/// What a pointer leads to is preceded by an `OwnerLink` to its `Owner`, which counts its users.
+/// The highest bit of the tag tells that this slot is one of them. A slot within an array or
+/// dictionary need not be, where the container keeps what it leads to alive by other means.
+///
+/// Two words and nothing else, so that compilers keep a slot in registers.
+struct alignas(8) AnySlot {
     enum Tag : std::uint8_t {
         absent,
         null,
@@ -52,24 +59,49 @@ struct AnySlot {
     };
 
     static constexpr std::size_t longestShortText = 14;
-    static constexpr std::uint8_t countedFlag = 0x80;
 
-    constexpr AnySlot() noexcept : bytes{} {}
-    AnySlot(Tag tag, std::uint64_t payload) noexcept : bytes{} {
-        std::memcpy(bytes.data(), &payload, sizeof payload);
-        bytes[15] = tag;
-    }
-    AnySlot(Tag tag, const void* pointer, std::uint32_t size = 0) noexcept : bytes{} {
-        std::memcpy(bytes.data(), &pointer, sizeof pointer);
-        std::memcpy(bytes.data() + 8, &size, sizeof size);
-        bytes[15] = tag;
+    constexpr AnySlot() noexcept = default;
+    constexpr AnySlot(Tag tag, std::uint64_t payload) noexcept
+        : first_(payload), second_(std::uint64_t{tag} << tagShift) {}
+    AnySlot(Tag tag, const void* pointer, std::uint32_t size = 0) noexcept
+        : first_(reinterpret_cast<std::uintptr_t>(pointer)),
+          second_(std::uint64_t{tag} << tagShift | std::uint64_t{size} << sizeShift) {}
+
+    /// A view of a text in the form that slots have, to compare it with them. It owns nothing.
+    static AnySlot view(std::string_view text) noexcept {
+        const std::size_t size = text.size();
+        if (size > longestShortText)
+            return {longText, text.data(), static_cast<std::uint32_t>(size)};
+        AnySlot slot;
+        slot.second_ = std::uint64_t{size} << shortSizeShift | std::uint64_t{shortText} << tagShift;
+        if constexpr (isLittleEndian) {
+            // From loads that overlap, each into a register: bytes that both have are the same.
+            const auto wordOf = [&](auto word, std::size_t offset) {
+                std::memcpy(&word, text.data() + offset, sizeof word);
+                return std::uint64_t{word};
+            };
+            if (size >= 8) {
+                slot.first_ = wordOf(std::uint64_t{}, 0);
+                if (size > 8) slot.second_ |= wordOf(std::uint64_t{}, size - 8) >> 8 * (16 - size);
+            } else if (size >= 4) {
+                slot.first_ = wordOf(std::uint32_t{}, 0) | wordOf(std::uint32_t{}, size - 4)
+                                                               << 8 * (size - 4);
+            } else if (size > 0) {
+                slot.first_ = wordOf(std::uint8_t{}, 0) |
+                              wordOf(std::uint8_t{}, size / 2) << 8 * (size / 2) |
+                              wordOf(std::uint8_t{}, size - 1) << 8 * (size - 1);
+            }
+        } else if (size > 0) {
+            std::memcpy(static_cast<void*>(&slot), text.data(), size);
+        }
+        return slot;
     }
 
-    Tag tag() const noexcept { return static_cast<Tag>(bytes[15] & ~countedFlag); }
+    Tag tag() const noexcept { return static_cast<Tag>(second_ >> tagShift & 0x1F); }
     bool isShared() const noexcept { return tag() >= longText; }
-    bool isCounted() const noexcept { return (bytes[15] & countedFlag) != 0; }
-    void setCounted() noexcept { bytes[15] |= countedFlag; }
-    void clearCounted() noexcept { bytes[15] &= static_cast<std::uint8_t>(~countedFlag); }
+    bool isCounted() const noexcept { return (second_ & countedFlag) != 0; }
+    void setCounted() noexcept { second_ |= countedFlag; }
+    void clearCounted() noexcept { second_ &= ~countedFlag; }
 
     bool isNumber() const noexcept {
         return (tag() >= boolean && tag() <= float64) || tag() == decimal;
@@ -81,47 +113,48 @@ struct AnySlot {
     /// An integer of 64 bits, or of fewer.
     bool isInteger() const noexcept { return tag() >= int8 && tag() <= int64; }
 
-    std::uint64_t payload() const noexcept {
-        std::uint64_t word;
-        std::memcpy(&word, bytes.data(), sizeof word);
-        return word;
-    }
+    std::uint64_t payload() const noexcept { return first_; }
     /// What follows the payload: with it, all of a short text.
-    std::uint64_t rest() const noexcept {
-        std::uint64_t word;
-        std::memcpy(&word, bytes.data() + 8, sizeof word);
-        return word;
-    }
-    std::int64_t integer() const noexcept { return static_cast<std::int64_t>(payload()); }
-    double real() const noexcept { return std::bit_cast<double>(payload()); }
-    bool truth() const noexcept { return bytes[0] != 0; }
+    std::uint64_t rest() const noexcept { return second_; }
+    std::int64_t integer() const noexcept { return static_cast<std::int64_t>(first_); }
+    double real() const noexcept { return std::bit_cast<double>(first_); }
+    bool truth() const noexcept { return first_ != 0; }
 
     std::byte* pointer() const noexcept {
-        std::byte* address;
-        std::memcpy(&address, bytes.data(), sizeof address);
-        return address;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
+        return reinterpret_cast<std::byte*>(static_cast<std::uintptr_t>(first_));
     }
     /// Of an array or dictionary.
     NodeHeader& header() const noexcept { return reinterpret_cast<NodeHeader*>(pointer())[-1]; }
     /// Of what a pointer leads to.
-    Owner* owner() const noexcept { return reinterpret_cast<Owner**>(pointer())[-1]; }
+    Owner* owner() const noexcept { return reinterpret_cast<OwnerLink*>(pointer())[-1].owner; }
     /// Whether the first element, or the value of the first member, is an object.
     bool startsWithObject() const noexcept {
         if (!isContainer() || header().count == 0) return false;
         const auto* const first = reinterpret_cast<const AnySlot*>(pointer());
         return first[tag() == dictionary ? 1 : 0].tag() == object;
     }
-    std::uint32_t size() const noexcept {
-        std::uint32_t number;
-        std::memcpy(&number, bytes.data() + 8, sizeof number);
-        return number;
+    /// Of a text that is not short.
+    std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(second_ >> sizeShift); }
+    /// Of a short text.
+    std::uint32_t shortSize() const noexcept {
+        return static_cast<std::uint32_t>(second_ >> shortSizeShift & 0xFF);
     }
+    /// Of a short text it lives in this slot.
     std::string_view text() const noexcept {
-        if (tag() == shortText) return {reinterpret_cast<const char*>(bytes.data()), bytes[14]};
+        if (tag() == shortText) return {reinterpret_cast<const char*>(this), shortSize()};
         return {reinterpret_cast<const char*>(pointer()), size()};
     }
 
-    alignas(8) std::array<std::uint8_t, 16> bytes;
+private:
+    static constexpr bool isLittleEndian = std::endian::native == std::endian::little;
+    static constexpr int tagShift = isLittleEndian ? 56 : 0;
+    static constexpr int shortSizeShift = isLittleEndian ? 48 : 8;
+    static constexpr int sizeShift = isLittleEndian ? 0 : 32;
+    static constexpr std::uint64_t countedFlag = std::uint64_t{0x80} << tagShift;
+
+    std::uint64_t first_ = 0;
+    std::uint64_t second_ = 0;
 };
 
 static_assert(sizeof(AnySlot) == 16);

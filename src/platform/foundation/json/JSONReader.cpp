@@ -32,22 +32,8 @@ bool isBlank(char character) {
 
 /// Fills a slot with one store, since it is soon read with one load: a processor makes a load wait
 /// that spans several recent stores.
-inline void put(AnySlot& slot, AnySlot::Tag tag, std::uint64_t payload) {
-    if constexpr (std::endian::native == std::endian::little) {
-        Bytes16::of(payload, static_cast<std::uint64_t>(tag) << 56).store(&slot);
-    } else {
-        slot = AnySlot(tag, payload);
-    }
-}
-
-inline void put(AnySlot& slot, AnySlot::Tag tag, const void* pointer, std::uint32_t size = 0) {
-    if constexpr (std::endian::native == std::endian::little) {
-        Bytes16::of(reinterpret_cast<std::uintptr_t>(pointer),
-                    static_cast<std::uint64_t>(tag) << 56 | size)
-            .store(&slot);
-    } else {
-        slot = AnySlot(tag, pointer, size);
-    }
+inline void put(AnySlot& place, AnySlot slot) {
+    Bytes16::of(slot.payload(), slot.rest()).store(&place);
 }
 
 inline void copy(AnySlot& slot, const AnySlot& original) {
@@ -183,7 +169,7 @@ bool isFull(const MemberSlots* members, std::size_t count) {
 
 std::byte* newNode(std::byte* room, std::size_t count, Region* region) {
     const auto number = static_cast<std::uint32_t>(count);
-    new (room) NodeHeader{number, number, region};
+    new (room) NodeHeader{number, number, {region}};
     return room + sizeof(NodeHeader);
 }
 
@@ -441,7 +427,7 @@ double JSONReader::toCome(const char* text) const noexcept {
     std::byte* const node =
         newNode(allocate(text, sizeof(NodeHeader) + count * sizeof(AnySlot)), count, region_);
     copySlots(node, slots, count);
-    put(*slots, AnySlot::array, node);
+    put(*slots, {AnySlot::array, node});
     return slots + 1;
 }
 
@@ -472,7 +458,7 @@ double JSONReader::toCome(const char* text) const noexcept {
     }
     if (isRepeating) [[unlikely]]
         removeRepeatedKeys(node);
-    put(*slots, AnySlot::dictionary, node);
+    put(*slots, {AnySlot::dictionary, node});
     outer.previous = members;
     return slots + 1;
 }
@@ -481,7 +467,7 @@ double JSONReader::toCome(const char* text) const noexcept {
 [[gnu::always_inline]] inline bool JSONReader::isExpectedKey(const char* text,
                                                              const AnySlot& key) const {
     if (key.tag() == AnySlot::shortText) {
-        const std::uint32_t size = key.bytes[14];
+        const std::uint32_t size = key.shortSize();
         const std::uint32_t equal = Bytes16::load(text + 1).equalTo(Bytes16::load(&key));
         return static_cast<std::uint32_t>(std::countr_one(equal)) >= size && text[1 + size] == '"';
     }
@@ -507,7 +493,8 @@ double JSONReader::toCome(const char* text) const noexcept {
         if (!isExpectedKey(text, member.key)) return false;
         copy(key, member.key);
         text +=
-            (member.key.tag() == AnySlot::shortText ? member.key.bytes[14] : member.key.size()) + 2;
+            (member.key.tag() == AnySlot::shortText ? member.key.shortSize() : member.key.size()) +
+            2;
         frame.expected = &member.value;
         frame.hintPosition = position + 1;
         return true;
@@ -593,7 +580,7 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
     if (size <= AnySlot::longestShortText) {
         putShortText(slot, Bytes16::load(result.start()), static_cast<std::uint32_t>(size));
     } else {
-        put(slot, AnySlot::longText, result.keep(), static_cast<std::uint32_t>(size));
+        put(slot, {AnySlot::longText, result.keep(), static_cast<std::uint32_t>(size)});
     }
     return from + 1;
 }
@@ -654,7 +641,7 @@ const char* JSONReader::readUnicodeEscape(const char* text, char*& to) {
     constexpr int mostDigits = 19;  // that never wrap around
     if (digits > mostDigits || number >= mostNegative) [[unlikely]]
         return readLongInteger(start, text, slot);
-    put(slot, AnySlot::int64, isNegative ? 0 - number : number);
+    put(slot, {AnySlot::int64, isNegative ? 0 - number : number});
     return text;
 }
 
@@ -663,9 +650,9 @@ const char* JSONReader::readLongInteger(const char* start, const char* text, Any
     std::int64_t integer = 0;
     std::uint64_t natural = 0;
     if (std::from_chars(start, text, integer).ec == std::errc()) {
-        put(slot, AnySlot::int64, static_cast<std::uint64_t>(integer));
+        put(slot, {AnySlot::int64, static_cast<std::uint64_t>(integer)});
     } else if (*start != '-' && std::from_chars(start, text, natural).ec == std::errc()) {
-        put(slot, AnySlot::uint64, natural);
+        put(slot, {AnySlot::uint64, natural});
     } else {
         return readReal(start, text, 0, text - start, slot);
     }
@@ -713,7 +700,7 @@ const char* JSONReader::readReal(const char* start, const char* text, std::uint6
     }
     if (!value) value = realFromText(numeral);
     if (!std::isfinite(*value)) return fail("Number wound up as NaN", start);
-    put(slot, AnySlot::float64, std::bit_cast<std::uint64_t>(*value));
+    put(slot, {AnySlot::float64, std::bit_cast<std::uint64_t>(*value)});
     return text;
 }
 
@@ -721,10 +708,10 @@ const char* JSONReader::readReal(const char* start, const char* text, std::uint6
 bool JSONReader::putDecimal(std::string_view numeral, AnySlot& slot) {
     const NSDecimalNumber decimal(numeral);
     if (decimal.isNaN()) return false;
-    std::byte* const room = allocate(numeral.data(), sizeof(void*) + sizeof decimal);
-    new (room) Owner*(region_);
-    std::memcpy(room + sizeof(void*), &decimal, sizeof decimal);
-    put(slot, AnySlot::decimal, room + sizeof(void*));
+    std::byte* const room = allocate(numeral.data(), sizeof(OwnerLink) + sizeof decimal);
+    auto* const link = new (room) OwnerLink{region_};
+    std::memcpy(link + 1, &decimal, sizeof decimal);
+    put(slot, {AnySlot::decimal, link + 1});
     return true;
 }
 
@@ -739,17 +726,17 @@ const char* JSONReader::readWord(const char* text, const Frame& frame, AnySlot& 
         case 't':
             if (!rest.starts_with("true"))
                 return failed("true", "Something looked like a 'true' but wasn't");
-            put(slot, AnySlot::boolean, std::uint64_t{1});
+            put(slot, {AnySlot::boolean, std::uint64_t{1}});
             return text + 4;
         case 'f':
             if (!rest.starts_with("false"))
                 return failed("false", "Something looked like a 'false' but wasn't");
-            put(slot, AnySlot::boolean, std::uint64_t{0});
+            put(slot, {AnySlot::boolean, std::uint64_t{0}});
             return text + 5;
         case 'n':
             if (!rest.starts_with("null"))
                 return failed("null", "Something looked like a 'null' but wasn't");
-            put(slot, AnySlot::null, std::uint64_t{0});
+            put(slot, {AnySlot::null, std::uint64_t{0}});
             return text + 4;
         default:
             return failAtEndOr("Invalid value", text, frame);

@@ -288,7 +288,7 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
 [[gnu::always_inline]] inline char* JSONWriter::writeText(const AnySlot& slot, char* to) {
     if (slot.tag() != AnySlot::shortText) return writeAnyText(slot, to);
     to = ensure(to, 64);
-    const std::uint32_t size = slot.bytes[14];
+    const std::uint32_t size = slot.shortSize();
     const Bytes16 bytes = Bytes16::load(&slot);
     if ((specialsOf(bytes) & ((1u << size) - 1)) != 0) return writeAnyText(slot, to);
     *to = '"';

@@ -44,7 +44,7 @@ std::uint64_t hashOf(const AnySlot& key) noexcept {
     constexpr std::uint64_t second = 0xa0761d6478bd642f;
     if (key.tag() == AnySlot::shortText)
         return mixed(key.payload() ^ first ^ seed(), key.rest() ^ second);
-    if (key.tag() == AnySlot::malformedText) return hashOf(probe(key.text()));
+    if (key.tag() == AnySlot::malformedText) return hashOf(AnySlot::view(key.text()));
 
     const std::byte* text = key.pointer();
     const std::byte* const end = text + key.size();  // longer than 14 bytes

@@ -2,11 +2,9 @@
 
 #include "platform/foundation/values/Storage.h"
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string_view>
 
 /// How a dictionary finds its keys. Few members are compared one by one. Beyond that each key has a
 /// byte of its hash, its fingerprint, and sixteen of these are compared in one step. Many members
@@ -51,42 +49,6 @@ inline std::optional<std::uint32_t> find(const MemberSlots* members, const NodeH
         if (areEqual(members[position].key, key)) return position;
     }
     return std::nullopt;
-}
-
-/// A view of a key in the form that slots have, to compare it with them. It owns nothing.
-inline AnySlot probe(std::string_view key) noexcept {
-    const std::size_t size = key.size();
-    if (size > AnySlot::longestShortText)
-        return AnySlot(AnySlot::longText, key.data(), static_cast<std::uint32_t>(size));
-    AnySlot slot;
-    if constexpr (std::endian::native == std::endian::little) {
-        // The slot's two words are put together where they are soon wanted, in registers, from
-        // loads that overlap: bytes that both have are the same.
-        const auto wordOf = [&](auto word, std::size_t offset) {
-            std::memcpy(&word, key.data() + offset, sizeof word);
-            return std::uint64_t{word};
-        };
-        std::uint64_t first = 0;
-        std::uint64_t second = 0;
-        if (size >= 8) {
-            first = wordOf(std::uint64_t{}, 0);
-            if (size > 8) second = wordOf(std::uint64_t{}, size - 8) >> 8 * (16 - size);
-        } else if (size >= 4) {
-            first = wordOf(std::uint32_t{}, 0) | wordOf(std::uint32_t{}, size - 4)
-                                                     << 8 * (size - 4);
-        } else if (size > 0) {
-            first = wordOf(std::uint8_t{}, 0) | wordOf(std::uint8_t{}, size / 2) << 8 * (size / 2) |
-                    wordOf(std::uint8_t{}, size - 1) << 8 * (size - 1);
-        }
-        second |= std::uint64_t{size} << 48 | std::uint64_t{AnySlot::shortText} << 56;
-        std::memcpy(slot.bytes.data(), &first, sizeof first);
-        std::memcpy(slot.bytes.data() + 8, &second, sizeof second);
-    } else {
-        std::memcpy(slot.bytes.data(), key.data(), size);
-        slot.bytes[14] = static_cast<std::uint8_t>(size);
-        slot.bytes[15] = AnySlot::shortText;
-    }
-    return slot;
 }
 
 }  // namespace InkoraKit::DictionaryIndex

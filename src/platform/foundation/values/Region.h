@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/values/Owner.h"
+#include <InkoraKit/platform/Owner.h>
 
 #include <cstddef>
 

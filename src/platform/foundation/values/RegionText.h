@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/foundation/values/Owner.h"
+#include <InkoraKit/platform/AnySlot.h>
+
 #include "platform/foundation/values/Region.h"
 
 #include <cstddef>
@@ -26,7 +27,7 @@ public:
     void grow(double toCome) {
         const std::size_t written = size();
         const char* const before = start_;
-        region_.addPiece(sizeof(void*) + 2 * written + mostAtOnce_, toCome);
+        region_.addPiece(sizeof(OwnerLink) + 2 * written + mostAtOnce_, toCome);
         begin();
         std::memcpy(start_, before, written);
         to = start_ + written;
@@ -34,7 +35,7 @@ public:
 
     /// Leaves the text in the region. Without that the room is used for something else.
     char* keep() {
-        new (region_.take(sizeof(void*) + size())) Owner*(&region_);
+        new (region_.take(sizeof(OwnerLink) + size())) OwnerLink{&region_};
         return start_;
     }
 
@@ -42,7 +43,7 @@ public:
 
 private:
     void begin() noexcept {
-        start_ = reinterpret_cast<char*>(region_.next()) + sizeof(void*);
+        start_ = reinterpret_cast<char*>(region_.next()) + sizeof(OwnerLink);
         to = start_;
         last_ = reinterpret_cast<char*>(region_.end()) - mostAtOnce_;
     }

@@ -21,7 +21,7 @@ struct HeapNode {
     Owner owner;
     Region* region = nullptr;  // where the children live that are not counted
     bool hasCountedChildren = true;
-    NodeHeader header{0, 0, &owner};
+    NodeHeader header{0, 0, {&owner}};
 
     explicit constexpr HeapNode(Owner::Kind kind) noexcept : owner(kind) {}
 };
@@ -29,7 +29,7 @@ struct HeapNode {
 /// A text or a decimal, which follows.
 struct HeapBlock {
     Owner owner{Owner::Kind::block};
-    Owner* link = &owner;
+    OwnerLink link{&owner};
 };
 
 static_assert(sizeof(HeapNode) % 16 == 0 && offsetof(HeapNode, owner) == 0);
@@ -54,7 +54,7 @@ AnySlot blockSlot(AnySlot::Tag tag, const void* contents, std::size_t size) {
 AnySlot textSlot(std::string_view text) {
     return text.size() > AnySlot::longestShortText
                ? blockSlot(AnySlot::longText, text.data(), text.size())
-               : DictionaryIndex::probe(text);
+               : AnySlot::view(text);
 }
 
 Owner::Kind kindOf(const AnySlot& container) {
@@ -153,7 +153,7 @@ Any Storage::emptyDictionary() noexcept {
 const Any* Storage::member(const Any& dictionary, std::string_view key) noexcept {
     const auto* const members = reinterpret_cast<MemberSlots*>(dictionary.slot_.pointer());
     const auto position =
-        DictionaryIndex::find(members, header(dictionary.slot_), DictionaryIndex::probe(key));
+        DictionaryIndex::find(members, header(dictionary.slot_), AnySlot::view(key));
     return position ? &asAny(members[*position].value) : nullptr;
 }
 
@@ -168,8 +168,7 @@ Any& Storage::writableMember(Any& dictionary, std::string_view key) {
     const auto memberAt = [&](std::uint32_t position) -> MemberSlots& {
         return reinterpret_cast<MemberSlots*>(container.pointer())[position];
     };
-    const auto known =
-        DictionaryIndex::find(&memberAt(0), header(container), DictionaryIndex::probe(key));
+    const auto known = DictionaryIndex::find(&memberAt(0), header(container), AnySlot::view(key));
     if (known) {
         makeOwn(container);
         nodeOf(container).hasCountedChildren = true;
@@ -241,7 +240,7 @@ template <class Object>
 struct HeapObject {
     Owner owner{Owner::Kind::object};
     std::unique_ptr<Object> object;
-    Owner* link = &owner;
+    OwnerLink link{&owner};
 };
 
 }  // namespace
@@ -287,14 +286,8 @@ NSNumber Any::number() const noexcept {
     return result;
 }
 
-void Any::retain() noexcept {
-    Storage::owner(slot_).retain();
-    slot_.setCounted();
-}
-
-void Any::release() noexcept {
-    Owner& owner = Storage::owner(slot_);
-    if (owner.release()) Storage::destroy(&owner);
+void Any::takeDown(Owner* owner) noexcept {
+    Storage::destroy(owner);
 }
 
 }  // namespace InkoraKit

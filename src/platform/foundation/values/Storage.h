@@ -1,8 +1,8 @@
 #pragma once
 
 #include <InkoraKit/platform/Any.h>
+#include <InkoraKit/platform/Owner.h>
 
-#include "platform/foundation/values/Owner.h"
 #include "platform/foundation/values/Region.h"
 
 #include <cstddef>

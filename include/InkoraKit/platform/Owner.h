@@ -1,16 +1,15 @@
 #pragma once
 
+#include <InkoraKit/Export.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 
-#if __has_include(<sys/single_threaded.h>)
-#include <sys/single_threaded.h>
-#endif
-
 namespace InkoraKit {
 
-/// What keeps shared contents alive: it counts its users, and the last one takes it down.
+/// What keeps the shared contents of `Any` alive: it counts its users, and the last one takes it
+/// down. An implementation detail of `Any`; hosts have no use for it.
 class Owner {
 public:
     enum class Kind : std::uint8_t { region, array, dictionary, block, object };
@@ -22,7 +21,7 @@ public:
     Kind kind() const noexcept { return kind_; }
 
     void retain() noexcept {
-        if (isSingleThreaded()) {
+        if (*isSingleThreaded_ != 0) {
             users_.store(users_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
         } else {
             users_.fetch_add(1, std::memory_order_relaxed);
@@ -31,7 +30,7 @@ public:
 
     /// @return whether that was the last user, who is to take it down.
     bool release() noexcept {
-        if (isSingleThreaded()) {
+        if (*isSingleThreaded_ != 0) {
             const std::size_t left = users_.load(std::memory_order_relaxed) - 1;
             users_.store(left, std::memory_order_relaxed);
             return left == 0;
@@ -53,14 +52,9 @@ public:
     }
 
 private:
-    /// Before a process has started its first thread, counting needs no locked instructions.
-    static bool isSingleThreaded() noexcept {
-#if __has_include(<sys/single_threaded.h>)
-        return __libc_single_threaded != 0;
-#else
-        return false;
-#endif
-    }
+    /// Not zero before the process has started its first thread, where that can be told: until
+    /// then, counting needs no locked instructions.
+    INKORA_EXPORT static const char* const isSingleThreaded_;
 
     std::atomic<std::size_t> users_{1};
     Kind kind_;
