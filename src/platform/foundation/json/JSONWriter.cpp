@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <span>
 
 namespace InkoraKit {
 
@@ -84,6 +85,15 @@ char* writeEscaped(char character, char* to) {
     return to;
 }
 
+/// Without setting what is new, where the library can do that.
+void resizeUninitialised(std::string& text, std::size_t size) {
+#if defined(__cpp_lib_string_resize_and_overwrite)
+    text.resize_and_overwrite(size, [](const char*, std::size_t room) { return room; });
+#else
+    text.resize(size);
+#endif
+}
+
 }  // namespace
 
 JSONWriter::JSONWriter(JSONSerialization::WritingOptions options)
@@ -107,55 +117,65 @@ bool JSONWriter::write(const Any& value, std::string& result) {
     }
     result_ = &result;
     root_ = &root;
-    char* const end = has(JSONSerialization::WritingOptions::prettyPrinted)
-                          ? writeDocument<true>(root, buffer_.data())
-                          : writeDocument<false>(root, buffer_.data());
-    if (end) result.append(buffer_.data(), static_cast<std::size_t>(end - buffer_.data()));
-    return end != nullptr;
+    const char* const end = has(JSONSerialization::WritingOptions::prettyPrinted)
+                                ? writeDocument<true>(root, begin_)
+                                : writeDocument<false>(root, begin_);
+    if (!end) return false;
+    const auto size = static_cast<std::size_t>(end - begin_);
+    if (begin_ == buffer_.data()) {
+        result.assign(begin_, size);
+    } else {
+        result.resize(size);
+    }
+    return true;
 }
 
-char* JSONWriter::flush(char* to) {
-    // A result that grows again and again is copied as often. Where indentation makes the most of
-    // it, it takes less time to count first.
-    constexpr std::size_t large = std::size_t{128} * 1024;
-    if (!isReserved_ && result_->size() > large &&
-        has(JSONSerialization::WritingOptions::prettyPrinted)) {
-        result_->reserve(expectedSize(*root_));
-        isReserved_ = true;
-    }
-    result_->append(buffer_.data(), static_cast<std::size_t>(to - buffer_.data()));
-    return buffer_.data();
+/// Goes on where there is more room. What has been written is copied, which is why there is much.
+char* JSONWriter::grow(char* to) {
+    const auto written = static_cast<std::size_t>(to - begin_);
+    std::size_t size = 4 * written;
+    // What is nested deeply is little but indentation, and so much of it that counting takes less
+    // time than having copied or asked for too much.
+    constexpr std::ptrdiff_t sample = 4096;
+    if (has(JSONSerialization::WritingOptions::prettyPrinted) &&
+        std::count(to - sample, to, ' ') > sample / 8 * 7)
+        size = std::max(2 * written, expectedSize(*root_));
+    resizeUninitialised(*result_, size);
+    if (begin_ == buffer_.data()) std::memcpy(result_->data(), begin_, written);
+    begin_ = result_->data();
+    end_ = begin_ + size;
+    return begin_ + written;
 }
 
 template <bool isPretty>
 char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
     if (!root.isContainer()) return writeLeaf(root, to);
     Frame frame = begun(root);
-    *to++ = frame.hasKeys ? '{' : '[';
+    *to++ = frame.hasKeys() ? '{' : '[';
     bool isFirst = true;
+    std::size_t depth = 0;
     for (;;) {
         to = ensure(to, mostAtOnce);
-        if (frame.remaining == 0) {
+        if (frame.remaining < 2) {
             if constexpr (isPretty) {
                 if (isFirst) *to++ = '\n';  // an empty one has a line of its own
-                to = breakLine(to, frames_.size());
+                to = breakLine(to, depth);
             }
-            *to++ = frame.hasKeys ? '}' : ']';
-            if (frames_.empty()) return to;
-            frame = frames_.back();
-            frames_.pop_back();
+            *to++ = frame.hasKeys() ? '}' : ']';
+            if (depth == 0) return to;
+            frame = frames_[--depth];
             isFirst = false;
             continue;
         }
-        --frame.remaining;
+        frame.remaining -= 2;
         *to = ',';
         to += isFirst ? 0 : 1;
         isFirst = false;
-        if constexpr (isPretty) to = breakLine(to, frames_.size() + 1);
+        if constexpr (isPretty) to = breakLine(to, depth + 1);
         const AnySlot* value = frame.next++;
-        if (frame.hasKeys) {
+        if (frame.hasKeys()) {
             ++frame.next;
-            if (frame.isSorted) value = nextSorted();
+            if (has(JSONSerialization::WritingOptions::sortedKeys)) value = nextSorted();
             if (!value->isText()) return writeLeaf(*value, to);  // which finds it at fault
             to = writeText(*value++, to);
             if constexpr (isPretty) {
@@ -164,11 +184,13 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
                 *to++ = ':';
             }
         }
-        if (frames_.size() + 1 == mostNested) return fail("Too many nested arrays or dictionaries");
+        if (depth + 1 == mostNested) return fail("Too many nested arrays or dictionaries");
         if (value->isContainer()) {
-            frames_.push_back(frame);
+            if (frame.remaining >= 2)  // its sibling's header is asked for ahead of time
+                __builtin_prefetch(frame.next[frame.remaining & 1].pointer());
+            frames_[depth++] = frame;
             frame = begun(*value);
-            *to++ = frame.hasKeys ? '{' : '[';
+            *to++ = frame.hasKeys() ? '{' : '[';
             isFirst = true;
             continue;
         }
@@ -179,10 +201,9 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
 
 [[gnu::always_inline]] inline JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
     const bool hasKeys = container.tag() == AnySlot::dictionary;
-    const bool isSorted = hasKeys && has(JSONSerialization::WritingOptions::sortedKeys);
-    if (isSorted) sortMembers(container);
-    return {reinterpret_cast<AnySlot*>(container.pointer()), container.header().count, hasKeys,
-            isSorted};
+    if (hasKeys && has(JSONSerialization::WritingOptions::sortedKeys)) sortMembers(container);
+    return {reinterpret_cast<AnySlot*>(container.pointer()),
+            std::uint64_t{container.header().count} << 1 | std::uint64_t{hasKeys}};
 }
 
 void JSONWriter::sortMembers(const AnySlot& dictionary) {
@@ -199,36 +220,24 @@ const AnySlot* JSONWriter::nextSorted() {
     return &member->key;
 }
 
-/// About how long a pretty text will be. Escapes make it longer, short numbers shorter.
+/// At least how long a pretty text will be, but for escapes and long numbers.
 std::size_t JSONWriter::expectedSize(const AnySlot& root) {
-    if (!root.isContainer()) return 0;
-    const auto sizeOfLeaf = [](const AnySlot& leaf) -> std::size_t {
-        if (leaf.isText()) return leaf.text().size() + 2;
-        if (leaf.isInteger()) {
-            const auto magnitude = static_cast<std::uint64_t>(std::abs(leaf.integer() | 1));
-            return static_cast<std::size_t>(std::bit_width(magnitude)) * 3 / 10 + 2;
-        }
-        return leaf.tag() >= AnySlot::uint64 ? 20 : 5;
-    };
-    std::size_t size = 0;
+    std::size_t size = mostAtOnce;
     std::vector<std::pair<const AnySlot*, std::size_t>> pending{{&root, 1}};  // with their depths
     while (!pending.empty()) {
         const auto [container, depth] = pending.back();
         pending.pop_back();
-        const bool hasKeys = container->tag() == AnySlot::dictionary;
-        const auto* next = reinterpret_cast<const AnySlot*>(container->pointer());
-        const std::size_t count = container->header().count;
-        const std::size_t around = 2 + 2 * depth + (hasKeys ? 3 : 0);
-        size += 2 + (count + 1) * around;
         if (depth > mostNested) break;
-        for (std::size_t i = 0; i < count; ++i) {
-            if (hasKeys) size += sizeOfLeaf(*next++);
-            if (next->isContainer()) {
-                pending.emplace_back(next, depth + 1);
+        const std::size_t count = container->header().count;
+        size += 2 + (count + 1) * (2 + 2 * depth);
+        const std::size_t slots = container->tag() == AnySlot::dictionary ? 2 * count : count;
+        const auto* const first = reinterpret_cast<const AnySlot*>(container->pointer());
+        for (const AnySlot& slot : std::span(first, slots)) {
+            if (slot.isContainer()) {
+                pending.emplace_back(&slot, depth + 1);
             } else {
-                size += sizeOfLeaf(*next);
+                size += slot.isText() ? slot.text().size() + 5 : 8;
             }
-            ++next;
         }
     }
     return size;
@@ -246,9 +255,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
 
 [[gnu::always_inline]] inline char* JSONWriter::writeLeaf(const AnySlot& leaf, char* to) {
     if (leaf.isText()) return writeText(leaf, to);
-    constexpr std::size_t longest = 32;
-    static_assert(longest >= longestRealText && longest >= longestIntegerText);
-    to = ensure(to, longest);
+    static_assert(mostAfterText >= 16 + longestRealText && longestRealText >= longestIntegerText);
     switch (leaf.tag()) {
         case AnySlot::absent:
         case AnySlot::null:
@@ -284,10 +291,9 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
     return std::ranges::copy(text, to).out;
 }
 
-/// Afterwards there is room for another two steps.
+/// Needs and leaves room for `mostAfterText`, as all that ends in it does.
 [[gnu::always_inline]] inline char* JSONWriter::writeText(const AnySlot& slot, char* to) {
     if (slot.tag() != AnySlot::shortText) return writeAnyText(slot, to);
-    to = ensure(to, 64);
     const std::uint32_t size = slot.shortSize();
     const Bytes16 bytes = Bytes16::load(&slot);
     if ((specialsOf(bytes) & ((1u << size) - 1)) != 0) return writeAnyText(slot, to);
@@ -315,9 +321,9 @@ char* JSONWriter::writeAnyText(const AnySlot& slot, char* to) {
     } else {
         from = slot.text().data();
     }
-    to = ensure(to, 8 * step);
     *to++ = '"';
     for (;;) {
+        to = ensure(to, mostAfterText + 2 * step);
         const Bytes16 bytes = Bytes16::load(from);
         bytes.store(to);
         std::uint32_t specials = specialsOf(bytes);
@@ -335,7 +341,6 @@ char* JSONWriter::writeAnyText(const AnySlot& slot, char* to) {
             from += step;
             rest -= step;
         }
-        to = ensure(to, 8 * step);
     }
     *to++ = '"';
     return to;

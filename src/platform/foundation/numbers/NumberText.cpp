@@ -168,9 +168,9 @@ char* writeInteger(char* to, std::uint64_t value) noexcept {
 
 char* writeInteger(char* to, std::int64_t value) noexcept {
     const auto bits = static_cast<std::uint64_t>(value);
-    if (value >= 0) return writeInteger(to, bits);
     *to = '-';
-    return writeInteger(to + 1, 0 - bits);
+    to += value < 0;  // without a branch, which signs at random would mislead
+    return writeDigits(to, value < 0 ? 0 - bits : bits);
 }
 
 char* writeShortest(char* to, double value, double largestPlain) noexcept {
