@@ -55,6 +55,7 @@ void store(char* to, std::uint64_t digits, unsigned skipped = 0) {
 }
 
 constexpr std::uint64_t tenToThe8th = 100'000'000;
+constexpr std::uint64_t tenToThe16th = tenToThe8th * tenToThe8th;
 
 /// @param value below 10^8
 char* writeUpToEight(char* to, std::uint64_t value) {
@@ -63,20 +64,6 @@ char* writeUpToEight(char* to, std::uint64_t value) {
     const auto zeros = static_cast<unsigned>(std::countr_zero(digits | lastDigit)) / 8;
     store(to, digits, zeros);
     return to + 8 - zeros;
-}
-
-char* writeDigits(char* to, std::uint64_t value) {
-    if (value < tenToThe8th) return writeUpToEight(to, value);
-    const std::uint64_t upper = value / tenToThe8th;
-    if (upper < tenToThe8th) {
-        to = writeUpToEight(to, upper);
-    } else {
-        to = writeUpToEight(to, upper / tenToThe8th);
-        store(to, eightDigits(static_cast<std::uint32_t>(upper % tenToThe8th)));
-        to += 8;
-    }
-    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)));
-    return to + 8;
 }
 
 /// @param value below 10^16
@@ -105,10 +92,21 @@ Bytes16 sixteenCharacters(std::uint64_t value) {
 #endif
 }
 
+char* writeDigits(char* to, std::uint64_t value) {
+    if (value < tenToThe8th) return writeUpToEight(to, value);
+    if (value < tenToThe16th) {
+        to = writeUpToEight(to, value / tenToThe8th);
+        store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)));
+        return to + 8;
+    }
+    to = writeUpToEight(to, value / tenToThe16th);
+    sixteenCharacters(value % tenToThe16th).store(to);
+    return to + 16;
+}
+
 /// Writes the digits of a decimal.
 /// @return how many there are but for zeros at the end
 int writeDigits(char* to, ShortestDecimal decimal) {
-    constexpr std::uint64_t tenToThe16th = tenToThe8th * tenToThe8th;
     *to = static_cast<char>('0' + decimal.digits / tenToThe16th);
     const Bytes16 others = sixteenCharacters(decimal.digits % tenToThe16th);
     others.store(to + 1);
