@@ -3,6 +3,7 @@
 #include "platform/foundation/numbers/DecimalToDouble.h"
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/text/Characters.h"
 #include "platform/foundation/text/Utf8.h"
 #include "platform/foundation/values/DictionaryIndex.h"
 #include "platform/foundation/values/RegionText.h"
@@ -21,10 +22,6 @@ namespace {
 
 constexpr const char* endTooEarly = "Unexpected end of file during JSON parse.";
 constexpr const char* tooDeep = "Too many nested arrays or dictionaries";
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 bool isBlank(char character) {
     return character == ' ' || character == '\n' || character == '\r' || character == '\t';
