@@ -2,6 +2,7 @@
 
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/text/Characters.h"
 
 #include <algorithm>
 #include <bit>
@@ -12,14 +13,6 @@
 namespace InkoraKit {
 
 namespace {
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
-char lowered(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character | 0x20) : character;
-}
 
 /// Takes the digits at the start off the text, and leading zeros off the digits.
 std::string_view takeNumber(std::string_view& text) {
@@ -109,6 +102,11 @@ char* JSONWriter::fail(std::string_view reason) {
     return nullptr;
 }
 
+/// Of what is no JSON.
+char* JSONWriter::failAt(const AnySlot& value) {
+    return fail("Invalid type in JSON write (" + Storage::asAny(value).description() + ")");
+}
+
 bool JSONWriter::write(const Any& value, std::string& result) {
     const AnySlot& root = Storage::slot(value);
     if (!root.isContainer() && !has(JSONSerialization::WritingOptions::allowFragments)) {
@@ -133,7 +131,7 @@ bool JSONWriter::write(const Any& value, std::string& result) {
 /// Goes on where there is more room. What has been written is copied, which is why there is much.
 char* JSONWriter::grow(char* to) {
     const auto written = static_cast<std::size_t>(to - begin_);
-    std::size_t size = 4 * written;
+    std::size_t size = 4 * std::min(written, result_->max_size() / 4);
     // What is nested deeply is little but indentation, and so much of it that counting takes less
     // time than having copied or asked for too much.
     constexpr std::ptrdiff_t sample = 4096;
@@ -149,34 +147,42 @@ char* JSONWriter::grow(char* to) {
 
 template <bool isPretty>
 char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
-    if (!root.isContainer()) return writeLeaf(root, to);
-    Frame frame = begun(root);
-    *to++ = frame.hasKeys() ? '{' : '[';
-    bool isFirst = true;
+    const AnySlot* value = &root;
+    Frame frame{};  // around the root, where nothing follows
     std::size_t depth = 0;
     for (;;) {
+        bool isFirst = value->isContainer();
+        if (isFirst) {
+            if (frame.remaining >= 2)  // its sibling's header is asked for ahead of time
+                __builtin_prefetch(frame.next[frame.remaining & 1].pointer());
+            frames_[depth++] = frame;
+            frame = begun(*value);
+            *to++ = frame.hasKeys() ? '{' : '[';
+        } else {
+            to = writeLeaf(*value, to);
+            if (!to) return nullptr;
+        }
         to = ensure(to, mostAtOnce);
-        if (frame.remaining < 2) {
+        while (frame.remaining < 2) {
+            if (depth == 0) return to;
             if constexpr (isPretty) {
                 if (isFirst) *to++ = '\n';  // an empty one has a line of its own
-                to = breakLine(to, depth);
+                to = breakLine(to, depth - 1);
             }
             *to++ = frame.hasKeys() ? '}' : ']';
-            if (depth == 0) return to;
             frame = frames_[--depth];
             isFirst = false;
-            continue;
+            if constexpr (isPretty) to = ensure(to, mostAtOnce);
         }
         frame.remaining -= 2;
         *to = ',';
         to += isFirst ? 0 : 1;
-        isFirst = false;
-        if constexpr (isPretty) to = breakLine(to, depth + 1);
-        const AnySlot* value = frame.next++;
+        if constexpr (isPretty) to = breakLine(to, depth);
+        value = frame.next++;
         if (frame.hasKeys()) {
             ++frame.next;
             if (has(JSONSerialization::WritingOptions::sortedKeys)) value = nextSorted();
-            if (!value->isText()) return writeLeaf(*value, to);  // which finds it at fault
+            if (!value->isText()) return failAt(*value);
             to = writeText(*value++, to);
             if constexpr (isPretty) {
                 to = writeWord(" : ", to);
@@ -184,22 +190,11 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
                 *to++ = ':';
             }
         }
-        if (depth + 1 == mostNested) return fail("Too many nested arrays or dictionaries");
-        if (value->isContainer()) {
-            if (frame.remaining >= 2)  // its sibling's header is asked for ahead of time
-                __builtin_prefetch(frame.next[frame.remaining & 1].pointer());
-            frames_[depth++] = frame;
-            frame = begun(*value);
-            *to++ = frame.hasKeys() ? '{' : '[';
-            isFirst = true;
-            continue;
-        }
-        to = writeLeaf(*value, to);
-        if (!to) return nullptr;
+        if (depth == mostNested) return fail("Too many nested arrays or dictionaries");
     }
 }
 
-[[gnu::always_inline]] inline JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
+JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
     const bool hasKeys = container.tag() == AnySlot::dictionary;
     if (hasKeys && has(JSONSerialization::WritingOptions::sortedKeys)) sortMembers(container);
     return {reinterpret_cast<AnySlot*>(container.pointer()),
@@ -243,7 +238,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
     return size;
 }
 
-[[gnu::always_inline]] inline char* JSONWriter::breakLine(char* to, std::size_t depth) {
+char* JSONWriter::breakLine(char* to, std::size_t depth) {
     *to++ = '\n';
     const std::size_t indentation = 2 * depth;
     constexpr std::size_t step = 16;
@@ -277,7 +272,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
         case AnySlot::decimal:
             return writeNumber(leaf, to);
         default:
-            return fail("Invalid type in JSON write (" + Storage::asAny(leaf).description() + ")");
+            return failAt(leaf);
     }
 }
 
@@ -304,7 +299,7 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
 }
 
 /// The characters that have to be escaped.
-[[gnu::always_inline]] inline std::uint32_t JSONWriter::specialsOf(Bytes16 bytes) const {
+std::uint32_t JSONWriter::specialsOf(Bytes16 bytes) const {
     return bytes.equalTo('"') | bytes.equalTo('\\') | bytes.atMost('\x1f') |
            (bytes.equalTo('/') & slashes_);
 }

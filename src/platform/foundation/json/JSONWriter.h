@@ -46,6 +46,7 @@ private:
     char* writeAnyText(const AnySlot& text, char* to);
     static char* breakLine(char* to, std::size_t depth);
     char* fail(std::string_view reason);
+    char* failAt(const AnySlot& value);
 
     Frame begun(const AnySlot& container);
     void sortMembers(const AnySlot& dictionary);
@@ -69,11 +70,11 @@ private:
     std::string* result_ = nullptr;
     std::string fault_;
     std::vector<const MemberSlots*> sorted_;  // of the dictionaries begun, the next one last
+    std::array<Frame, mostNested> frames_;    // around the innermost
+    std::array<char, std::size_t{16} * 1024> buffer_;
     // Where the text is: in the buffer, until it is too long for that, then in the result.
     char* begin_ = buffer_.data();
     char* end_ = buffer_.data() + buffer_.size();
-    std::array<Frame, mostNested> frames_;  // around the innermost
-    std::array<char, std::size_t{16} * 1024> buffer_;
 };
 
 }  // namespace InkoraKit
