@@ -49,14 +49,16 @@ bool isBefore(const MemberSlots* left, const MemberSlots* right) {
     return leftKey < rightKey;
 }
 
-/// By character: the letter after the backslash, "u" where digits follow; zero where there is none.
-constexpr auto lettersOfEscapes = [] {
+/// By character: how it is escaped, and in the last byte the length of that.
+constexpr auto escapes = [] {
+    constexpr std::string_view hexDigits = "0123456789abcdef";
     constexpr std::string_view characters = "\"\\/\b\f\n\r\t";
     constexpr std::string_view letters = "\"\\/bfnrt";
-    std::array<char, 256> table{};
-    for (std::size_t i = 0; i < 0x20; ++i) table[i] = 'u';
+    std::array<std::array<char, 8>, 128> table{};
+    for (std::size_t i = 0; i < 0x20; ++i)
+        table[i] = {'\\', 'u', '0', '0', hexDigits[i >> 4], hexDigits[i & 0xF], 0, 6};
     for (std::size_t i = 0; i < letters.size(); ++i)
-        table[static_cast<unsigned char>(characters[i])] = letters[i];
+        table[static_cast<unsigned char>(characters[i])] = {'\\', letters[i], 0, 0, 0, 0, 0, 2};
     return table;
 }();
 
@@ -65,17 +67,10 @@ inline char* writeWord(std::string_view word, char* to) {
     return to + word.size();
 }
 
-char* writeEscaped(char character, char* to) {
-    constexpr std::string_view hexDigits = "0123456789abcdef";
-    const char letter = lettersOfEscapes[static_cast<unsigned char>(character)];
-    *to++ = '\\';
-    *to++ = letter;
-    if (letter != 'u') return to;
-    *to++ = '0';
-    *to++ = '0';
-    *to++ = hexDigits[static_cast<std::size_t>(character >> 4)];
-    *to++ = hexDigits[static_cast<std::size_t>(character & 0xF)];
-    return to;
+inline char* writeEscaped(char character, char* to) {
+    const auto& escape = escapes[static_cast<unsigned char>(character)];
+    std::memcpy(to, escape.data(), escape.size());
+    return to + escape.back();
 }
 
 /// Without setting what is new, where the library can do that.
@@ -318,24 +313,25 @@ char* JSONWriter::writeAnyText(const AnySlot& slot, char* to) {
     }
     *to++ = '"';
     for (;;) {
-        to = ensure(to, mostAfterText + 2 * step);
+        to = ensure(to, mostAfterText + 7 * step);  // of six characters each
         const Bytes16 bytes = Bytes16::load(from);
         bytes.store(to);
         std::uint32_t specials = specialsOf(bytes);
         if (rest < step) specials &= (1u << rest) - 1;
-        if (specials != 0) {
-            const int plain = std::countr_zero(specials);
-            to = writeEscaped(from[plain], to + plain);
-            from += plain + 1;
-            rest -= static_cast<std::size_t>(plain) + 1;
-        } else if (rest <= step) {
-            to += rest;
-            break;
-        } else {
-            to += step;
-            from += step;
-            rest -= step;
+        std::size_t done = 0;
+        for (; specials != 0; specials &= specials - 1) {
+            const auto plain = static_cast<std::size_t>(std::countr_zero(specials));
+            to = writeEscaped(from[plain], to + plain - done);
+            done = plain + 1;
+            Bytes16::load(from + done).store(to);
         }
+        if (rest <= step) {
+            to += rest - done;
+            break;
+        }
+        to += step - done;
+        from += step;
+        rest -= step;
     }
     *to++ = '"';
     return to;
