@@ -189,7 +189,7 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
     }
 }
 
-JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
+[[gnu::always_inline]] inline JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
     const bool hasKeys = container.tag() == AnySlot::dictionary;
     if (hasKeys && has(JSONSerialization::WritingOptions::sortedKeys)) sortMembers(container);
     return {reinterpret_cast<AnySlot*>(container.pointer()),
@@ -233,7 +233,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
     return size;
 }
 
-char* JSONWriter::breakLine(char* to, std::size_t depth) {
+[[gnu::always_inline]] inline char* JSONWriter::breakLine(char* to, std::size_t depth) {
     *to++ = '\n';
     const std::size_t indentation = 2 * depth;
     constexpr std::size_t step = 16;
@@ -294,7 +294,7 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
 }
 
 /// The characters that have to be escaped.
-std::uint32_t JSONWriter::specialsOf(Bytes16 bytes) const {
+[[gnu::always_inline]] inline std::uint32_t JSONWriter::specialsOf(Bytes16 bytes) const {
     return bytes.equalTo('"') | bytes.equalTo('\\') | bytes.atMost('\x1f') |
            (bytes.equalTo('/') & slashes_);
 }
