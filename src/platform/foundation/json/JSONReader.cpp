@@ -205,6 +205,7 @@ const char* JSONReader::moveToEnd(const char* text) {
     if (rest > 0) std::memcpy(copy, text, rest);
     std::memset(copy + rest, 0, padding);
     base_ = reinterpret_cast<std::uintptr_t>(copy) - offset;
+    checked_ = copy + std::max<std::ptrdiff_t>(checked_ - text, 0);
     end_ = copy + rest;
     limit_ = end_ + padding;  // which nothing reaches: the first zero stops everything
     return copy;
@@ -255,6 +256,7 @@ JSONReader::JSONReader(std::string_view text) noexcept
     : text_(text),
       end_(text.data() + text.size()),
       limit_(end_ - std::min(text.size(), endSize)),
+      checked_(text.data()),
       base_(reinterpret_cast<std::uintptr_t>(text.data())) {}
 
 bool JSONReader::read(bool allowFragments, Any& result) {
@@ -514,6 +516,19 @@ double JSONReader::toCome(const char* text) const noexcept {
     return skipBlanks(text + 1);
 }
 
+/// Checks a text together with what follows shortly, since a call for each would take longer.
+bool JSONReader::isUtf8(const char* text, const char* end) {
+    constexpr std::ptrdiff_t mostAhead = 512;
+    checked_ = std::max(checked_, text);
+    while (checked_ < end) {
+        const auto size = static_cast<std::size_t>(std::min(end_ - checked_, mostAhead));
+        const std::size_t wellFormed = wellFormedUtf8Length({checked_, size});
+        if (wellFormed == 0) return false;
+        checked_ += wellFormed;
+    }
+    return true;
+}
+
 /// @param text after the opening quote
 [[gnu::always_inline]] inline const char* JSONReader::readText(const char* text, AnySlot& slot) {
     const Bytes16 bytes = Bytes16::load(text);
@@ -539,9 +554,9 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
     for (;;) {
         const Bytes16 bytes = Bytes16::load(from);
         bytes.store(result.to);
+        nonASCII |= bytes.nonASCII();
         const std::uint32_t specials = specialsOf(bytes);
         if (specials == 0) {
-            nonASCII |= bytes.nonASCII();
             from += step;
             result.to += step;
             if (from >= limit_) [[unlikely]]
@@ -551,7 +566,6 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
             continue;
         }
         const int plain = std::countr_zero(specials);
-        nonASCII |= bytes.nonASCII() & ((1u << plain) - 1);
         from += plain;
         result.to += plain;
         if (*from == '"') break;
@@ -570,12 +584,8 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
         if (!result.hasRoom()) [[unlikely]]
             result.grow(toCome(from));
     }
-    if (nonASCII != 0) {
-        const std::string_view raw(text, static_cast<std::size_t>(from - text));
-        const std::size_t wellFormed = wellFormedUtf8Length(raw);
-        if (wellFormed != raw.size())
-            return fail("Unable to convert data to string", text + wellFormed);
-    }
+    if (nonASCII != 0 && !isUtf8(text, from))
+        return fail("Unable to convert data to string", checked_);
     const std::size_t size = result.size();
     if (size <= AnySlot::longestShortText) {
         putShortText(slot, Bytes16::load(result.start()), static_cast<std::uint32_t>(size));

@@ -71,6 +71,7 @@ private:
     const char* readKey(const char* text, Frame& frame, AnySlot& key);
     const char* readText(const char* text, AnySlot& slot);
     const char* readLongText(const char* text, AnySlot& slot);
+    bool isUtf8(const char* text, const char* end);
     const char* readUnicodeEscape(const char* text, char*& to);
     const char* readNumber(const char* text, AnySlot& slot);
     const char* readLongInteger(const char* start, const char* text, AnySlot& slot);
@@ -100,6 +101,7 @@ private:
     std::string_view text_;
     const char* end_;
     const char* limit_;    // where the end of the text begins; nowhere once the copy has taken over
+    const char* checked_;  // where what is known to be well-formed UTF-8 ends
     std::uintptr_t base_;  // what an address is to be offset from
     Region* region_ = nullptr;
     SlotStack stack_;
