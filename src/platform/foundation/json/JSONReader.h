@@ -96,9 +96,7 @@ private:
     const char* fail(const char* reason, const char* place);
     const char* failAtEndOr(const char* reason, const char* place, const Frame& frame);
 
-    // More than is looked at without asking: a value, and what leads to the next one, each run of
-    // white space in it at most a line break and 31 blanks.
-    static constexpr std::size_t endSize = 256;
+    static constexpr std::size_t endSize = 256;  // more than a value, and what leads to the next
     static constexpr std::size_t padding = 64;
 
     std::string_view text_;
