@@ -64,7 +64,7 @@ inkora_status statusOfException() noexcept {
 
 extern "C" {
 
-const char* inkora_status_text(inkora_status status) {
+const char* inkora_status_text(int status) {
     switch (status) {
         case INKORA_OK:
             return "done";

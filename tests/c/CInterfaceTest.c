@@ -100,7 +100,7 @@ static void make_mistakes(void) {
     EXPECT(inkora_virtual_radio_set_powered(true) == INKORA_NOT_FOUND);
     EXPECT(inkora_virtual_pen_capture(1, 0, 0, 0) == INKORA_NOT_FOUND);
     EXPECT(inkora_stop() == INKORA_OK && inkora_link() == INKORA_LINK_NONE);
-    EXPECT(strcmp(inkora_status_text((inkora_status)-99), "a status of another version") == 0);
+    EXPECT(strcmp(inkora_status_text(-99), "a status of another version") == 0);
 }
 
 static void find_nothing(void) {

@@ -54,8 +54,9 @@ enum {
     INKORA_FAILURE_NOT_FOUND = 19,   ///< no pen was found within 6 seconds
 };
 
-/// A status in words: "the battery cannot be asked yet". Never null; lasts for ever. Any thread.
-INKORA_EXPORT const char* inkora_status_text(inkora_status status);
+/// An inkora_status in words: "the battery cannot be asked yet". Never null; lasts for ever. Any
+/// thread.
+INKORA_EXPORT const char* inkora_status_text(int status);
 
 /// What was wrong with the last call that failed on this thread; "" if none did. Lasts until the
 /// next call on this thread.
