@@ -102,7 +102,8 @@ def function(name: str) -> Any:
 
 def text_of(name: str) -> str:
     """The text that a function of the C interface gives."""
-    return function(name)().decode(errors="replace")
+    text: bytes = function(name)()
+    return text.decode(errors="replace")
 
 
 def call(name: str, *arguments: Any) -> None:

@@ -23,7 +23,8 @@ def descriptor() -> int:
     It is the kit's: never read or close it. By a virtual clock it shows only what is due already.
     -1 on systems other than Linux.
     """
-    return _library.function("loop_descriptor")()
+    number: int = _library.function("loop_descriptor")()
+    return number
 
 
 def now() -> float:
@@ -81,16 +82,18 @@ def post(work: Callable[[], object]) -> None:
     _library.call("loop_post", _trampoline, number)
 
 
-@_library.Event
-def _trampoline(number: int) -> None:
+def _run_posted(number: int) -> None:
     try:
         _posted.pop(number)()
     except BaseException as error:  # nothing may be raised into C
         _library.raised.append(error)
 
 
+_trampoline = _library.Event(_run_posted)
+
+
 def _seconds(name: str) -> float:
-    seconds = _library.function(name)()
+    seconds: float = _library.function(name)()
     if math.isnan(seconds):
         raise errors.WrongThreadError(-6, _library.text_of("last_error"))
     return seconds

@@ -20,8 +20,9 @@ class Pen:
                 print(colour.hex)
 
     The block's beginning starts the kit, and its end disconnects the pen. A link that is lost is
-    found again by itself. A failure (a ``PenError``) is raised by all that waits, now or later, until
-    a pen is connected after all or ``start`` is called. One pen can be open at a time, and once.
+    found again by itself. A failure (a ``PenError``) is raised by all that waits, now or later,
+    until a pen is connected after all or ``start`` is called. One pen can be open at a time, and
+    once.
     """
 
     _open: Pen | None = None

@@ -13,9 +13,9 @@ from .colour import Colour
 class Receiver:
     """What hears from the kit: override what is of interest.
 
-    All is called on the thread that runs the loop; ``information``, and ``bluetooth_unavailable`` in
-    answer to ``start``, before the call returns that asks. What a callback raises disturbs nothing:
-    it leaves through the call that ran the loop, or that asked.
+    All is called on the thread that runs the loop; ``information``, and ``bluetooth_unavailable``
+    in answer to ``start``, before the call returns that asks. What a callback raises disturbs
+    nothing: it leaves through the call that ran the loop, or that asked.
     """
 
     def bluetooth_unavailable(self, error: errors.BluetoothUnavailableError) -> None:

@@ -58,8 +58,8 @@ class VirtualPen:
     """A pen without a pen, near the virtual radio: black at first, with a full battery.
 
     It is there until it is closed, by ``close`` or at the end of a ``with`` block. A second pen
-    needs a serial number of its own; one that is taken raises ``AlreadyDoneError``. The methods of a
-    closed pen raise ``NotFoundError``.
+    needs a serial number of its own; one that is taken raises ``AlreadyDoneError``. The methods of
+    a closed pen raise ``NotFoundError``.
     """
 
     def __init__(self, serial_number: int = 0) -> None:
