@@ -7,11 +7,16 @@
 
 #include "c/Boundary.h"
 
+#include <memory>
+
 // The facade, and where the link stands.
 namespace InkoraKit {
 namespace {
 
 bool started = false;
+
+// The pen that was stopped, which the engine forgets at once.
+std::weak_ptr<CBPeripheral> leaving;
 
 inkora_link_state linkState() {
     const auto& handler = InkoraHandler::getInstance();
@@ -21,7 +26,10 @@ inkora_link_state linkState() {
             return handler->batterLifeCharacterstic() ? INKORA_LINK_READY : INKORA_LINK_CONNECTED;
     }
     // The engine's one timer bounds the scan.
-    return handler->timeoutMonitor() ? INKORA_LINK_SCANNING : INKORA_LINK_NONE;
+    if (handler->timeoutMonitor()) return INKORA_LINK_SCANNING;
+    const auto left = leaving.lock();
+    return left && left->state() == CBPeripheralState::disconnecting ? INKORA_LINK_DISCONNECTING
+                                                                     : INKORA_LINK_NONE;
 }
 
 }  // namespace
@@ -40,6 +48,7 @@ inkora_status inkora_start(void) {
     return onLoopThread([] {
         switch (linkState()) {
             case INKORA_LINK_NONE:
+            case INKORA_LINK_DISCONNECTING:
                 break;
             case INKORA_LINK_SCANNING:
                 throw Refusal(INKORA_ALREADY_DONE, "a scan is under way");
@@ -54,6 +63,7 @@ inkora_status inkora_start(void) {
 inkora_status inkora_stop(void) {
     return onLoopThread([] {
         const bool isScanning = linkState() == INKORA_LINK_SCANNING;
+        if (const auto pen = InkoraHandler::getInstance()->connectedPeripheral()) leaving = pen;
         InkoraManager::stopPairingDevice();
         // Without a pen the kit lets a scan run to its end, and would take what it finds.
         if (isScanning) InkoraHandler::getInstance()->stopScanPeripheral();

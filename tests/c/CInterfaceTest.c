@@ -192,8 +192,9 @@ static void use_two_threads(void) {
 }
 
 static void leave(void) {
-    EXPECT(inkora_stop() == INKORA_OK);
-    inkora_loop_run_for(10);
+    EXPECT(inkora_stop() == INKORA_OK && inkora_stop() == INKORA_OK);
+    EXPECT(inkora_link() == INKORA_LINK_DISCONNECTING);
+    while (inkora_link() == INKORA_LINK_DISCONNECTING) inkora_loop_run_once(1, NULL);
     EXPECT(heard_is("new disconnected;"));
     EXPECT(inkora_unregister() == INKORA_OK && inkora_unregister() == INKORA_OK);
     EXPECT(heard_is(""));

@@ -61,7 +61,8 @@ class Pen:
         self._heard.changed.set()
         try:
             receiver.stop()
-            await self._heard.until_at_last(lambda: not self._heard.is_connected)
+            await self._heard.until_at_last(
+                lambda: receiver.link() != receiver.LinkState.DISCONNECTING)
             receiver.unregister()
             await self._heard.until_at_last(lambda: self._heard.is_released)
         finally:

@@ -59,6 +59,8 @@ class LinkState(enum.IntEnum):
     CONNECTED = 3
     #: All requests can be made.
     READY = 4
+    #: Stopped, and the link not down yet.
+    DISCONNECTING = 5
 
 
 # Those that the kit holds, by the context under which they were registered.
@@ -131,8 +133,9 @@ def start() -> None:
 def stop() -> None:
     """Ends the scan, or disconnects the pen without looking for it again.
 
-    Run the loop until ``disconnected``, two to three seconds on BlueZ. Inside ``connected``, post
-    it: the kit has steps to do there.
+    Run the loop while ``link`` is ``DISCONNECTING``, two to three seconds on BlueZ. Inside
+    ``connected``, post it: the kit has steps to do there. Bluetooth that comes back begins a scan
+    all the same.
     """
     _library.call("stop")
 

@@ -131,11 +131,12 @@ INKORA_EXPORT inkora_status inkora_unregister(void);
 
 /// How far the kit is with a pen.
 typedef enum inkora_link_state {
-    INKORA_LINK_NONE = 0,        ///< no pen, and no scan for one
-    INKORA_LINK_SCANNING = 1,    ///< looking for a pen
-    INKORA_LINK_CONNECTING = 2,  ///< a pen was found
-    INKORA_LINK_CONNECTED = 3,   ///< the pen is connected, and its battery not known yet
-    INKORA_LINK_READY = 4,       ///< all requests can be made
+    INKORA_LINK_NONE = 0,           ///< no pen, and no scan for one
+    INKORA_LINK_SCANNING = 1,       ///< looking for a pen
+    INKORA_LINK_CONNECTING = 2,     ///< a pen was found
+    INKORA_LINK_CONNECTED = 3,      ///< the pen is connected, and its battery not known yet
+    INKORA_LINK_READY = 4,          ///< all requests can be made
+    INKORA_LINK_DISCONNECTING = 5,  ///< stopped, and the link not down yet
 } inkora_link_state;
 
 /// Looks for a pen and connects to the first one found. After a loss the kit looks again by itself;
@@ -145,9 +146,14 @@ typedef enum inkora_link_state {
 /// @return INKORA_ALREADY_DONE while it scans or has a pen
 INKORA_EXPORT inkora_status inkora_start(void);
 
-/// Ends the scan, or disconnects the pen without looking for it again; then run the loop until
-/// `disconnected` (BlueZ takes two to three seconds). Harmless without either. Inside `connected`,
-/// post it: the kit has steps to do there. Bluetooth that comes back begins a scan all the same.
+/// Ends the scan, or disconnects the pen without looking for it again. A link takes its time to end
+/// (two to three seconds with BlueZ), on the loop:
+///
+///     inkora_stop();
+///     while (inkora_link() == INKORA_LINK_DISCONNECTING) inkora_loop_run_once(1, NULL);
+///
+/// Harmless without pen or scan. Inside `connected`, post it: the kit has steps to do there.
+/// Bluetooth that comes back begins a scan all the same.
 INKORA_EXPORT inkora_status inkora_stop(void);
 
 /// Where the link stands: an inkora_link_state, or a negative inkora_status.
