@@ -6,6 +6,7 @@ from __future__ import annotations
 
 import asyncio
 import enum
+import operator
 from types import TracebackType
 
 from . import _library, loop
@@ -120,6 +121,7 @@ class VirtualPen:
 
 # C would take the lowest bits of any number.
 def _whole(value: int, most: int, what: str) -> int:
-    if not 0 <= value <= most:
-        raise ValueError(f"{what} is {value}, and not from 0 to {most}")
-    return int(value)
+    whole = operator.index(value)
+    if not 0 <= whole <= most:
+        raise ValueError(f"{what} is {whole}, and not from 0 to {most}")
+    return whole

@@ -117,6 +117,7 @@ class Callbacks(unittest.TestCase):
                     (lambda: VirtualPen(), inkorakit.AlreadyDoneError),
                     (lambda: VirtualPen(-1), ValueError),
                     (lambda: pen.capture(256, 0, 0), ValueError),
+                    (lambda: pen.capture(1.5, 0, 0), TypeError),
                     (lambda: pen.set_battery(101), ValueError),
                     (lambda: pen.set_distance(4), ValueError),
                     (lambda: pen.start_capturing(0), ValueError),
