@@ -154,7 +154,7 @@ class Callbacks(unittest.TestCase):
 
     def test_interrupt_ends_a_run_at_once(self):
         loop.run_for(0)
-        threading.Timer(0.1, os.kill, (os.getpid(), signal.SIGINT)).start()
+        loop.post(threading.Timer(0.1, os.kill, (os.getpid(), signal.SIGINT)).start)
         self.assertRaises(KeyboardInterrupt, loop.run)
 
 
