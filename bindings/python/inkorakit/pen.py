@@ -115,7 +115,11 @@ class Pen:
             yield self._heard.colours.popleft()
 
     async def battery(self) -> int:
-        """The battery level in percent, read from the pen; without one, when there is one."""
+        """The battery level in percent, read from the pen; without one, when there is one.
+
+        On a link that follows one which ended with the adapter (``BluetoothUnavailableError``) it
+        comes only when the pen tells it of its own accord: give up with ``asyncio.timeout``.
+        """
         self._heard.expect_open()
         self._heard.percent = None
         try:

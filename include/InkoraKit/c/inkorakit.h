@@ -164,7 +164,9 @@ INKORA_EXPORT int inkora_link(void);
 INKORA_EXPORT const char* inkora_bluetooth_reason(void);
 
 /// Asks for the battery level, answered once by `battery`. Without a pen the request waits for the
-/// first reading of the next one: ask before the start, or in `disconnected`.
+/// first reading of the next one: ask before the start, or in `disconnected`. On a link that
+/// follows one which ended with the adapter it waits for a level that the pen tells of its own
+/// accord.
 /// @return INKORA_TOO_EARLY from when a pen is found until its first battery reading, which makes
 /// the link INKORA_LINK_READY, and after a pen that could not be connected; the request is not kept
 INKORA_EXPORT inkora_status inkora_request_battery(void);
