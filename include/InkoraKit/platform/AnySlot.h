@@ -1,5 +1,7 @@
 #pragma once
 
+#include <InkoraKit/Export.h>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -33,8 +35,12 @@ struct NodeHeader {
 ///          | pointer  | unused              |tag|   decimal, array, dictionary, object
 ///
 /// What a pointer leads to is preceded by an `OwnerLink` to its `Owner`, which counts its users.
-/// The highest bit of the tag tells that this slot is one of them. A slot within an array or
-/// dictionary need not be, where the container keeps what it leads to alive by other means.
+/// A slot within an array or dictionary need not be one of them, where the container keeps what it
+/// leads to alive by other means.
+///
+/// The tag has five bits. Above them are the flags: that the slot is counted as a user; that it is
+/// an object or a container that may hold one, however deep; that it is an array that may hold
+/// absent elements. What a reader makes has neither of the latter two.
 ///
 /// Two words and nothing else, so that compilers keep a slot in registers.
 struct alignas(8) AnySlot {
@@ -53,9 +59,9 @@ struct alignas(8) AnySlot {
         longText,  // from here on with a pointer
         malformedText,
         decimal,
-        array,
+        object,
         dictionary,
-        object
+        array  // a bit of its own: 16
     };
 
     static constexpr std::size_t longestShortText = 14;
@@ -99,9 +105,25 @@ struct alignas(8) AnySlot {
 
     Tag tag() const noexcept { return static_cast<Tag>(second_ >> tagShift & 0x1F); }
     bool isShared() const noexcept { return tag() >= longText; }
+
     bool isCounted() const noexcept { return (second_ & countedFlag) != 0; }
     void setCounted() noexcept { second_ |= countedFlag; }
     void clearCounted() noexcept { second_ &= ~countedFlag; }
+
+    /// Whether it is an object, or may hold one.
+    bool isForeign() const noexcept { return (second_ & foreignFlag) != 0; }
+    void setForeign() noexcept { second_ |= foreignFlag; }
+    /// Whether no element is an object, holds one or is absent.
+    bool isPlain() const noexcept { return (second_ & (foreignFlag | gapsFlag)) == 0; }
+    /// Of a container: takes note of what it holds from now on.
+    void note(const AnySlot& part) noexcept {
+        second_ |= (part.second_ & foreignFlag) | (part.tag() == absent ? gapsFlag : 0);
+    }
+    /// Of a container: that it holds what the other one does.
+    void copyNotes(const AnySlot& other) noexcept {
+        constexpr std::uint64_t notes = foreignFlag | gapsFlag;
+        second_ = (second_ & ~notes) | (other.second_ & notes);
+    }
 
     bool isNumber() const noexcept {
         return (tag() >= boolean && tag() <= float64) || tag() == decimal;
@@ -109,7 +131,8 @@ struct alignas(8) AnySlot {
     /// Text that is well-formed UTF-8.
     bool isText() const noexcept { return tag() == shortText || tag() == longText; }
 
-    bool isContainer() const noexcept { return tag() == array || tag() == dictionary; }
+    bool isContainer() const noexcept { return tag() >= dictionary; }
+    bool isArray() const noexcept { return (second_ >> tagShift & std::uint64_t{array}) != 0; }
     /// An integer of 64 bits, or of fewer.
     bool isInteger() const noexcept { return tag() >= int8 && tag() <= int64; }
 
@@ -124,16 +147,23 @@ struct alignas(8) AnySlot {
         // NOLINTNEXTLINE(performance-no-int-to-ptr)
         return reinterpret_cast<std::byte*>(static_cast<std::uintptr_t>(first_));
     }
+    void setPointer(const void* pointer) noexcept {
+        first_ = reinterpret_cast<std::uintptr_t>(pointer);
+    }
     /// Of an array or dictionary.
     NodeHeader& header() const noexcept { return reinterpret_cast<NodeHeader*>(pointer())[-1]; }
     /// Of what a pointer leads to.
     Owner* owner() const noexcept { return reinterpret_cast<OwnerLink*>(pointer())[-1].owner; }
-    /// Whether the first element, or the value of the first member, is an object.
-    bool startsWithObject() const noexcept {
-        if (!isContainer() || header().count == 0) return false;
-        const auto* const first = reinterpret_cast<const AnySlot*>(pointer());
-        return first[tag() == dictionary ? 1 : 0].tag() == object;
+    /// The elements of an array; keys and values of a dictionary in turns.
+    const AnySlot* parts() const noexcept { return reinterpret_cast<const AnySlot*>(pointer()); }
+    /// What an array holds at a position; null if it holds nothing there.
+    /// @param position huge where it was negative
+    const AnySlot* element(std::uint64_t position) const noexcept {
+        return position < header().count ? parts() + position : nullptr;
     }
+    /// What a dictionary holds under a key, a view; null if it holds nothing there.
+    INKORA_EXPORT static const AnySlot* member(AnySlot dictionary, AnySlot key) noexcept;
+
     /// Of a text that is not short.
     std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(second_ >> sizeShift); }
     /// Of a short text.
@@ -142,8 +172,16 @@ struct alignas(8) AnySlot {
     }
     /// Of a short text it lives in this slot.
     std::string_view text() const noexcept {
-        if (tag() == shortText) return {reinterpret_cast<const char*>(this), shortSize()};
-        return {reinterpret_cast<const char*>(pointer()), size()};
+        return {tag() == shortText ? reinterpret_cast<const char*>(this)
+                                   : reinterpret_cast<const char*>(pointer()),
+                textSize()};
+    }
+    std::size_t textSize() const noexcept {
+        const bool isShort = tag() == shortText;
+        if constexpr (!isLittleEndian) return isShort ? shortSize() : size();
+        // Which of the two it is, no processor can foresee: so both take the same way.
+        const int below = 8 + (shortSizeShift - sizeShift) * static_cast<int>(isShort);
+        return static_cast<std::size_t>(second_ << 8 >> below);
     }
 
 private:
@@ -152,11 +190,13 @@ private:
     static constexpr int shortSizeShift = isLittleEndian ? 48 : 8;
     static constexpr int sizeShift = isLittleEndian ? 0 : 32;
     static constexpr std::uint64_t countedFlag = std::uint64_t{0x80} << tagShift;
+    static constexpr std::uint64_t foreignFlag = std::uint64_t{0x40} << tagShift;
+    static constexpr std::uint64_t gapsFlag = std::uint64_t{0x20} << tagShift;
 
     std::uint64_t first_ = 0;
     std::uint64_t second_ = 0;
 };
 
-static_assert(sizeof(AnySlot) == 16);
+static_assert(sizeof(AnySlot) == 16 && AnySlot::array == 16);
 
 }  // namespace InkoraKit
