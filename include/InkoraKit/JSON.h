@@ -85,6 +85,13 @@ public:
             JSON(T&& value)
         : JSON(made(std::forward<T>(value))) {}
 
+    /// Anything else makes none.
+    template <class T>
+    requires(!std::derived_from<std::remove_cvref_t<T>, JSON> &&
+             !CanBeJSON<std::remove_cvref_t<T>> && !ForeignToJSON<std::remove_cvref_t<T>>) JSON(T&&)
+    = delete;  // JSON is made of truth values, numbers, texts, null, and ranges, maps and
+               // optionals of these; not of pointers, enumerations, characters, pairs ...
+
     /// A dictionary: `JSON{{"name", "desk"}, {"ports", std::vector{1, 2}}}`. Of two members with
     /// one key the last one counts. `JSON` values in a `Dictionary` become what they hold.
     JSON(std::initializer_list<std::pair<std::string_view, JSON>> members);
