@@ -1,5 +1,6 @@
 #include "platform/foundation/values/DictionaryIndex.h"
 
+#include "platform/foundation/numbers/Words.h"
 #include "platform/foundation/text/Bytes16.h"
 
 #include <array>
@@ -9,13 +10,11 @@ namespace InkoraKit::DictionaryIndex {
 
 namespace {
 
-__extension__ typedef unsigned __int128 Product;
-
 constexpr std::size_t roundedUp(std::size_t size) {
     return (size + 15) & ~std::size_t{15};
 }
 
-constexpr std::uint32_t tableSize(std::uint32_t capacity) {
+constexpr std::size_t tableSize(std::size_t capacity) {
     return std::bit_ceil(capacity + capacity / 2);
 }
 
@@ -28,8 +27,8 @@ std::uint64_t wordAt(const void* address) noexcept {
 /// Every bit of the result depends on every bit of both: keys such as long runs of digits differ in
 /// a few low bits only.
 std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept {
-    const Product product = static_cast<Product>(left) * right;
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+    const TwoWords product = multiplied(left, right);
+    return product.high ^ product.low;
 }
 
 /// Where the program was loaded differs from run to run, so that nobody can prepare keys that all
@@ -86,9 +85,9 @@ std::optional<std::uint32_t> findInTable(const MemberSlots* members, const NodeH
                                          const AnySlot& key) noexcept {
     const std::uint8_t* const prints = fingerprints(members, header.capacity);
     const std::uint32_t* const positions = table(members, header.capacity);
-    const std::uint32_t last = tableSize(header.capacity) - 1;
+    const std::size_t last = tableSize(header.capacity) - 1;
     const std::uint64_t hash = hashOf(key);
-    for (auto place = static_cast<std::uint32_t>(hash) & last; positions[place] != 0;
+    for (auto place = static_cast<std::size_t>(hash) & last; positions[place] != 0;
          place = (place + 1) & last) {
         const std::uint32_t position = positions[place] - 1;
         if (prints[position] == fingerprintOf(hash) && areEqual(members[position].key, key))
@@ -102,7 +101,7 @@ std::optional<std::uint32_t> findInTable(const MemberSlots* members, const NodeH
 std::size_t size(std::uint32_t capacity) noexcept {
     std::size_t bytes = std::size_t{capacity} * sizeof(MemberSlots);
     if (capacity > mostWithoutFingerprints) bytes += roundedUp(capacity);
-    if (capacity > mostWithoutTable) bytes += std::size_t{tableSize(capacity)} * 4;
+    if (capacity > mostWithoutTable) bytes += tableSize(capacity) * 4;
     return bytes;
 }
 
@@ -118,8 +117,8 @@ void insert(MemberSlots* members, const NodeHeader& header, std::uint32_t positi
     fingerprints(members, header.capacity)[position] = fingerprintOf(hash);
     if (header.capacity <= mostWithoutTable) return;
     std::uint32_t* const positions = table(members, header.capacity);
-    const std::uint32_t last = tableSize(header.capacity) - 1;
-    auto place = static_cast<std::uint32_t>(hash) & last;
+    const std::size_t last = tableSize(header.capacity) - 1;
+    auto place = static_cast<std::size_t>(hash) & last;
     while (positions[place] != 0) place = (place + 1) & last;
     positions[place] = position + 1;
 }
@@ -129,8 +128,7 @@ void build(MemberSlots* members, const NodeHeader& header) noexcept {
     std::uint8_t* const prints = fingerprints(members, header.capacity);
     std::memset(prints + header.count, 0, roundedUp(header.capacity) - header.count);
     if (header.capacity > mostWithoutTable)
-        std::memset(table(members, header.capacity), 0,
-                    std::size_t{tableSize(header.capacity)} * 4);
+        std::memset(table(members, header.capacity), 0, tableSize(header.capacity) * 4);
     for (std::uint32_t position = 0; position < header.count; ++position)
         insert(members, header, position);
 }
