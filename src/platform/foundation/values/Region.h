@@ -35,7 +35,7 @@ public:
     static constexpr std::size_t slack = 16;
 
 private:
-    struct Piece {
+    struct alignas(8) Piece {
         Piece* next;
     };
 

@@ -14,7 +14,9 @@ namespace InkoraKit {
 
 namespace {
 
-constexpr std::size_t mostElements = std::numeric_limits<std::uint32_t>::max() / 2;
+// With their index, members take less than 64 bytes each: the size of all is no more than fits.
+constexpr std::size_t mostElements = std::min<std::size_t>(
+    std::numeric_limits<std::uint32_t>::max() / 2, std::numeric_limits<std::size_t>::max() / 64);
 
 /// A node of its own, followed by its elements or members.
 struct HeapNode {
