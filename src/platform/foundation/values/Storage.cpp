@@ -154,9 +154,9 @@ Any Storage::emptyDictionary() noexcept {
 
 const Any* Storage::member(const Any& dictionary, std::string_view key) noexcept {
     const auto* const members = reinterpret_cast<MemberSlots*>(dictionary.slot_.pointer());
-    const auto position =
+    const MemberSlots* const member =
         DictionaryIndex::find(members, header(dictionary.slot_), AnySlot::view(key));
-    return position ? &asAny(members[*position].value) : nullptr;
+    return member ? &asAny(member->value) : nullptr;
 }
 
 Any& Storage::writableElement(Any& array, std::size_t position) {
@@ -170,11 +170,13 @@ Any& Storage::writableMember(Any& dictionary, std::string_view key) {
     const auto memberAt = [&](std::uint32_t position) -> MemberSlots& {
         return reinterpret_cast<MemberSlots*>(container.pointer())[position];
     };
-    const auto known = DictionaryIndex::find(&memberAt(0), header(container), AnySlot::view(key));
+    const MemberSlots* const known =
+        DictionaryIndex::find(&memberAt(0), header(container), AnySlot::view(key));
     if (known) {
+        const auto position = static_cast<std::uint32_t>(known - &memberAt(0));
         makeOwn(container);
         nodeOf(container).hasCountedChildren = true;
-        return asAny(memberAt(*known).value);
+        return asAny(memberAt(position).value);
     }
     Any ownKey(key);
     const std::uint32_t count = header(container).count;
