@@ -10,7 +10,7 @@ namespace InkoraKit::DictionaryIndex {
 namespace {
 
 constexpr std::size_t tableSize(std::size_t capacity) {
-    return std::bit_ceil(capacity + capacity / 2);
+    return std::bit_ceil(capacity + capacity / 4);
 }
 
 std::uint64_t wordAt(const void* address) noexcept {
@@ -55,8 +55,7 @@ std::uint64_t hashOfText(const AnySlot& key) noexcept {
     return mixed(wordAt(tail) ^ hash ^ first, wordAt(end - 8) ^ second);
 }
 
-/// Small tables are of bytes.
-constexpr std::size_t largestOfBytes = 64;
+constexpr std::size_t largestTableOfBytes = 64;
 
 /// Finds the place of a key in a table of hashes, or the empty one where it belongs. An entry is
 /// the member's position plus one, for which the table's size tells how many bits it takes, and in
@@ -107,14 +106,15 @@ public:
 private:
     const MemberSlots* members_;
     Entry* entries_;
-    std::size_t last_;  // place
+    std::size_t last_;  // place; its bits are those of a position
 };
 
-/// Does with the table of the members what is told.
+/// Does the work with the table of the members.
 template <class Work>
 auto withTable(const MemberSlots* members, std::uint32_t capacity, const Work& work) noexcept {
-    return tableSize(capacity) <= largestOfBytes ? work(Table<std::uint8_t>(members, capacity))
-                                                 : work(Table<std::uint32_t>(members, capacity));
+    return tableSize(capacity) <= largestTableOfBytes
+               ? work(Table<std::uint8_t>(members, capacity))
+               : work(Table<std::uint32_t>(members, capacity));
 }
 
 }  // namespace
@@ -123,7 +123,7 @@ std::size_t size(std::uint32_t capacity) noexcept {
     std::size_t bytes = std::size_t{capacity} * sizeof(MemberSlots);
     if (capacity <= mostWithoutTable) return bytes;
     const std::size_t entries = tableSize(capacity);
-    return bytes + entries * (entries <= largestOfBytes ? 1 : 4);
+    return bytes + entries * (entries <= largestTableOfBytes ? 1 : 4);
 }
 
 bool areEqualTexts(const AnySlot& left, AnySlot right) noexcept {
