@@ -4,6 +4,7 @@
 #include <InkoraKit/Index.h>
 #include <InkoraKit/JSONErrors.h>
 #include <InkoraKit/JSONKey.h>
+#include <InkoraKit/JSONValue.h>
 #include <InkoraKit/Type.h>
 #include <InkoraKit/platform/Any.h>
 #include <InkoraKit/platform/Array.h>
@@ -24,15 +25,12 @@
 #include <functional>
 #include <initializer_list>
 #include <iosfwd>
-#include <iterator>
 #include <map>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 #include <version>
@@ -43,24 +41,10 @@
 
 namespace InkoraKit {
 
-class JSON;
-struct JSONMember;
+class JSONElements;
 class JSONMemberIterator;
+class JSONMembers;
 class JSONPlace;
-
-/// What a `JSON` value is made of without being asked to: the platform's values, other `JSON`
-/// values, bytes (which are read as JSON text), and the standard containers and optionals of these.
-template <class T>
-inline constexpr bool isJSONValue =
-    isPlatformValue<T> || std::derived_from<T, JSON> || std::same_as<T, Data>;
-template <class T>
-inline constexpr bool isJSONValue<std::optional<T>> = isJSONValue<T>;
-template <class T>
-inline constexpr bool isJSONValue<std::vector<T>> = isJSONValue<T>;
-template <class T, class Order>
-inline constexpr bool isJSONValue<std::map<std::string, T, Order>> = isJSONValue<T>;
-template <class T, class Hash, class Equal>
-inline constexpr bool isJSONValue<std::unordered_map<std::string, T, Hash, Equal>> = isJSONValue<T>;
 
 /// A JSON value (RFC 8259): a number, a text, a truth value, an array, a dictionary or null.
 ///
@@ -85,19 +69,25 @@ class INKORA_EXPORT JSON {
 public:
     /// Null.
     JSON() noexcept = default;
+    /// The same value; in constant time.
     JSON(const JSON& other) noexcept = default;
+    /// The value of the other one, which becomes null.
     JSON(JSON&& other) noexcept = default;
+    /// Frees what no other value shares; however deep it is nested.
     ~JSON() = default;
 
-    /// The value that `T` stands for. Any other type has to be named, and gives type `unknown`
-    /// with `ErrorUnsupportedType`; so do texts that are not UTF-8.
+    /// The value that `T` stands for. An object of a class that JSON knows nothing of has to be
+    /// named, and gives type `unknown` with `ErrorUnsupportedType`; so does a text that is not
+    /// UTF-8.
     template <class T>
-    requires(!std::derived_from<std::remove_cvref_t<T>, JSON>) explicit(
-        !isJSONValue<std::remove_cvref_t<T>>) JSON(T&& value)
+    requires(!std::derived_from<std::remove_cvref_t<T>, JSON>) &&
+        (CanBeJSON<std::remove_cvref_t<T>> ||
+         ForeignToJSON<std::remove_cvref_t<T>>)explicit(!isJSONValue<std::remove_cvref_t<T>>)
+            JSON(T&& value)
         : JSON(made(std::forward<T>(value))) {}
 
     /// A dictionary: `JSON{{"name", "desk"}, {"ports", std::vector{1, 2}}}`. Of two members with
-    /// one key the last one counts.
+    /// one key the last one counts. `JSON` values in a `Dictionary` become what they hold.
     JSON(std::initializer_list<std::pair<std::string_view, JSON>> members);
 
     /// Reads JSON text. What is no such text becomes null.
@@ -121,6 +111,7 @@ public:
 
     /// The value of an object, unless its type would be `unknown`.
     static std::optional<JSON> fromRawValue(const Any& object);
+    /// The same as `object()`.
     Any rawValue() const { return object(); }
 
     /// What the value is, as the platform's object. Null for null and unknown.
@@ -129,145 +120,195 @@ public:
     /// `array`, but brings back the elements of the array that this was last: use `=` for such.
     void setObject(Any object) &;
 
+    /// What the value is.
     Type type() const noexcept;
     /// Why this value is not what was asked for.
     std::optional<NSError> error() const;
     /// Whether this is not the result of asking for what is not there. A JSON null is there.
     bool exists() const noexcept;
 
-    /// Assigning replaces the whole value. For the result of a subscript see `JSONPlace`.
+    /// Replaces the whole value. For the result of a subscript see `JSONPlace`.
     JSON& operator=(const JSON& other) & noexcept = default;
+    /// The same; the other value becomes null.
     JSON& operator=(JSON&& other) & noexcept = default;
 
     // Reading and writing by type. The plain forms are empty when the type does not fit. The forms
     // with "Value" always answer: they convert, or give an empty value or zero. Setters decide the
     // type anew; setting an empty optional gives null.
 
+    /// Of an array its elements.
     std::optional<std::vector<JSON>> array() const;
+    /// The same, or none.
     std::vector<JSON> arrayValue() const;
+    /// Of an array the platform's.
     std::optional<Array> arrayObject() const;
+    /// Becomes the array.
     void setArrayObject(const std::optional<Array>& value) &;
 
+    /// Of a dictionary its members, by their keys.
     std::optional<std::map<std::string, JSON, std::less<>>> dictionary() const;
+    /// The same, or none.
     std::map<std::string, JSON, std::less<>> dictionaryValue() const;
+    /// Of a dictionary the platform's, in the order of its members.
     std::optional<Dictionary> dictionaryObject() const;
+    /// Becomes the dictionary.
     void setDictionaryObject(const std::optional<Dictionary>& value) &;
 
+    /// Of a truth value the same.
     std::optional<bool> bool_() const noexcept;
+    /// Becomes the truth value.
     void setBool(std::optional<bool> value) &;
     /// Of a number whether it is not zero; of a text whether it is "true", "y" or "t" in any case.
     bool boolValue() const;
+    /// Becomes the truth value.
     void setBoolValue(bool value) &;
 
+    /// Of a text the same.
     std::optional<std::string> string() const;
+    /// Becomes the text.
     void setString(const std::optional<std::string>& value) &;
     /// Of a number or truth value its text.
     std::string stringValue() const;
     /// Of a text the text, without copying it; of anything else nothing. It lives as long as this
     /// value, and until that changes.
     std::string_view stringView() const& noexcept;
-    std::string_view stringView() && = delete;
+    std::string_view stringView() && = delete;  // it would not outlive the expression
+    /// Becomes the text.
     void setStringValue(std::string_view value) &;
 
-    /// Of a truth value 1 or 0.
+    /// Of a number the same, of a truth value 1 or 0.
     std::optional<NSNumber> number() const;
+    /// Becomes the number.
     void setNumber(const std::optional<NSNumber>& value) &;
     /// Of a text the decimal number at its start, whatever the locale, or zero.
     NSNumber numberValue() const;
+    /// Becomes the number.
     void setNumberValue(const NSNumber& value) &;
 
+    /// Of null, and of what is not there, the platform's.
     std::optional<NSNull> null() const noexcept;
+    /// Becomes null.
     void setNull() & { setObject(NSNull()); }
 
     /// Of a text the URL that it is; characters that a URL's query may not contain are first
     /// percent-encoded, unless the text holds a percent escape already.
     std::optional<URL> url() const;
+    /// Becomes the text of the URL.
     void setUrl(const std::optional<URL>& value) &;
 
     // The number (of the "Value" forms, the number value) in each width, as `NSNumber` converts:
     // cut off, and wrapped around where it does not fit.
 
-    std::optional<double> double_() const;
-    std::optional<float> float_() const;
-    std::optional<std::int64_t> int_() const;
-    std::optional<std::uint64_t> uInt() const;
-    std::optional<std::int8_t> int8() const;
-    std::optional<std::uint8_t> uInt8() const;
-    std::optional<std::int16_t> int16() const;
-    std::optional<std::uint16_t> uInt16() const;
-    std::optional<std::int32_t> int32() const;
-    std::optional<std::uint32_t> uInt32() const;
-    std::optional<std::int64_t> int64() const;
-    std::optional<std::uint64_t> uInt64() const;
+    std::optional<double> double_() const;        ///< The number in double precision.
+    std::optional<float> float_() const;          ///< The number in single precision.
+    std::optional<std::int64_t> int_() const;     ///< The number as an integer of 64 bits.
+    std::optional<std::uint64_t> uInt() const;    ///< The same without a sign.
+    std::optional<std::int8_t> int8() const;      ///< The number as an integer of 8 bits.
+    std::optional<std::uint8_t> uInt8() const;    ///< The same without a sign.
+    std::optional<std::int16_t> int16() const;    ///< The number as an integer of 16 bits.
+    std::optional<std::uint16_t> uInt16() const;  ///< The same without a sign.
+    std::optional<std::int32_t> int32() const;    ///< The number as an integer of 32 bits.
+    std::optional<std::uint32_t> uInt32() const;  ///< The same without a sign.
+    std::optional<std::int64_t> int64() const;    ///< The number as an integer of 64 bits.
+    std::optional<std::uint64_t> uInt64() const;  ///< The same without a sign.
 
-    double doubleValue() const;
-    float floatValue() const;
-    std::int64_t intValue() const;
-    std::uint64_t uIntValue() const;
-    std::int8_t int8Value() const;
-    std::uint8_t uInt8Value() const;
-    std::int16_t int16Value() const;
-    std::uint16_t uInt16Value() const;
-    std::int32_t int32Value() const;
-    std::uint32_t uInt32Value() const;
-    std::int64_t int64Value() const;
-    std::uint64_t uInt64Value() const;
+    double doubleValue() const;         ///< The number value in double precision.
+    float floatValue() const;           ///< The number value in single precision.
+    std::int64_t intValue() const;      ///< The number value as an integer of 64 bits.
+    std::uint64_t uIntValue() const;    ///< The same without a sign.
+    std::int8_t int8Value() const;      ///< The number value as an integer of 8 bits.
+    std::uint8_t uInt8Value() const;    ///< The same without a sign.
+    std::int16_t int16Value() const;    ///< The number value as an integer of 16 bits.
+    std::uint16_t uInt16Value() const;  ///< The same without a sign.
+    std::int32_t int32Value() const;    ///< The number value as an integer of 32 bits.
+    std::uint32_t uInt32Value() const;  ///< The same without a sign.
+    std::int64_t int64Value() const;    ///< The number value as an integer of 64 bits.
+    std::uint64_t uInt64Value() const;  ///< The same without a sign.
 
-    void setDouble(std::optional<double> value) &;
-    void setFloat(std::optional<float> value) &;
-    void setInt(std::optional<std::int64_t> value) &;
-    void setUInt(std::optional<std::uint64_t> value) &;
-    void setInt8(std::optional<std::int8_t> value) &;
-    void setUInt8(std::optional<std::uint8_t> value) &;
-    void setInt16(std::optional<std::int16_t> value) &;
-    void setUInt16(std::optional<std::uint16_t> value) &;
-    void setInt32(std::optional<std::int32_t> value) &;
-    void setUInt32(std::optional<std::uint32_t> value) &;
-    void setInt64(std::optional<std::int64_t> value) &;
-    void setUInt64(std::optional<std::uint64_t> value) &;
+    void setDouble(std::optional<double> value) &;         ///< Becomes the number, a double.
+    void setFloat(std::optional<float> value) &;           ///< Becomes the number, a float.
+    void setInt(std::optional<std::int64_t> value) &;      ///< Becomes the integer.
+    void setUInt(std::optional<std::uint64_t> value) &;    ///< Becomes the integer.
+    void setInt8(std::optional<std::int8_t> value) &;      ///< Becomes the integer.
+    void setUInt8(std::optional<std::uint8_t> value) &;    ///< Becomes the integer.
+    void setInt16(std::optional<std::int16_t> value) &;    ///< Becomes the integer.
+    void setUInt16(std::optional<std::uint16_t> value) &;  ///< Becomes the integer.
+    void setInt32(std::optional<std::int32_t> value) &;    ///< Becomes the integer.
+    void setUInt32(std::optional<std::uint32_t> value) &;  ///< Becomes the integer.
+    void setInt64(std::optional<std::int64_t> value) &;    ///< Becomes the integer.
+    void setUInt64(std::optional<std::uint64_t> value) &;  ///< Becomes the integer.
 
-    void setDoubleValue(double value) &;
-    void setFloatValue(float value) &;
-    void setIntValue(std::int64_t value) &;
-    void setUIntValue(std::uint64_t value) &;
-    void setInt8Value(std::int8_t value) &;
-    void setUInt8Value(std::uint8_t value) &;
-    void setInt16Value(std::int16_t value) &;
-    void setUInt16Value(std::uint16_t value) &;
-    void setInt32Value(std::int32_t value) &;
-    void setUInt32Value(std::uint32_t value) &;
-    void setInt64Value(std::int64_t value) &;
-    void setUInt64Value(std::uint64_t value) &;
+    void setDoubleValue(double value) &;         ///< Becomes the number, a double.
+    void setFloatValue(float value) &;           ///< Becomes the number, a float.
+    void setIntValue(std::int64_t value) &;      ///< Becomes the integer.
+    void setUIntValue(std::uint64_t value) &;    ///< Becomes the integer.
+    void setInt8Value(std::int8_t value) &;      ///< Becomes the integer.
+    void setUInt8Value(std::uint8_t value) &;    ///< Becomes the integer.
+    void setInt16Value(std::int16_t value) &;    ///< Becomes the integer.
+    void setUInt16Value(std::uint16_t value) &;  ///< Becomes the integer.
+    void setInt32Value(std::int32_t value) &;    ///< Becomes the integer.
+    void setUInt32Value(std::uint32_t value) &;  ///< Becomes the integer.
+    void setInt64Value(std::int64_t value) &;    ///< Becomes the integer.
+    void setUInt64Value(std::uint64_t value) &;  ///< Becomes the integer.
 
     // Navigation. Reading never fails: see `error()`. Writing does what the types allow and nothing
     // else: it sets a member of a dictionary, or an element that the array has.
 
-    /// The element or member. On a value that may change, assigning to the result writes it.
+    /// The element or member, as a value of its own; null with an error if it is not there.
     template <JSONSubscriptType Step>
     JSON operator[](const Step& step) const& {
-        const Any* const found = element(contents(), simple(step));
-        return isPlain(found) ? JSON(Plain(), *found) : unusual(found, stepOf(simple(step)));
+        const AnySlot view = stepView(step);
+        const AnySlot* const found = part(value_.slot(), view);
+        return found ? shown(*found) : missing(value_.slot(), view);
     }
+    /// The same of a value that is not needed any more.
     template <JSONSubscriptType Step>
     JSON operator[](const Step& step) && {
-        const Any* const found = element(contents(), simple(step));
-        return isPlain(found) ? JSON(Plain(), std::move(value_), *found)
-                              : unusual(found, stepOf(simple(step)));
+        const AnySlot view = stepView(step);
+        const AnySlot* const found = part(value_.slot(), view);
+        return found ? JSON(std::move(*this), *found) : missing(value_.slot(), view);
     }
+    /// The same of a value that may change: assigning to the result writes it.
     template <JSONSubscriptType Step>
     JSONPlace operator[](const Step& step) &;
 
     /// The value at the end of a path: `json[{"pens", 0, "name"}]`. An empty path is the value
     /// itself, and cannot be written.
     JSON operator[](const JSONPath& path) const&;
+    /// The same of a value that may change: assigning to the result writes it.
     JSONPlace operator[](const JSONPath& path) &;
+
+    // Reading without owning. What these give lives as long as this value, and until that changes:
+    // nothing is counted, nothing is copied.
+
+    /// The value at the end of the steps, or null where they lead nowhere:
+    /// `json.find("pens", 0, "name")`.
+    template <JSONSubscriptType... Steps>
+    const JSON* find(const Steps&... steps) const& {
+        const AnySlot* place = &value_.slot();
+        ((place = place ? part(*place, stepView(steps)) : nullptr), ...);
+        return place ? &shown(*place) : nullptr;
+    }
+    template <JSONSubscriptType... Steps>
+    const JSON* find(const Steps&... steps) && = delete;  // it would not outlive the expression
+
+    /// The elements of an array; of anything else none.
+    JSONElements elements() const& noexcept;
+    JSONElements elements() && = delete;  // they would not outlive the expression
+    /// The members of a dictionary in their order; of anything else none.
+    JSONMembers members() const& noexcept;
+    JSONMembers members() && = delete;  // they would not outlive the expression
 
     // The value as a collection of its elements or members. Other types have none.
 
+    /// A position of the collection.
     using Index = InkoraKit::Index<Any>;
+    /// Goes through the collection.
     using const_iterator = JSONMemberIterator;
 
+    /// The first position.
     Index startIndex() const noexcept;
+    /// The position after the last one.
     Index endIndex() const noexcept;
     /// The position after one that is not the end.
     Index indexAfter(const Index& position) const noexcept;
@@ -277,9 +318,13 @@ public:
     /// `for (const auto& [key, value] : json)`; the keys of an array are "0", "1", …
     /// The contents are those at the start of the loop, whatever it does to the value.
     const_iterator begin() const;
-    std::default_sentinel_t end() const noexcept { return {}; }
+    /// Where such a loop ends.
+    const_iterator end() const noexcept;
+    /// How many elements or members there are.
     std::size_t count() const noexcept;
+    /// The same.
     std::size_t size() const noexcept { return count(); }
+    /// Whether there are none.
     bool isEmpty() const noexcept { return count() == 0; }
 
     // Text.
@@ -301,13 +346,15 @@ public:
 
     /// The text, pretty-printed, or "unknown".
     std::string description() const;
+    /// The same.
     std::string debugDescription() const { return description(); }
 
-    // Merging: members of dictionaries are merged deeply, arrays are joined, anything else is
-    // replaced by the other's.
-
+    /// Merges the other value into this one: members of dictionaries are merged deeply, arrays are
+    /// joined, anything else is replaced by the other's.
     /// @throws NSError `ErrorWrongType` when the two types differ; the value stays as it was.
     void merge(const JSON& other) &;
+    /// A copy into which the other value is merged.
+    /// @throws NSError `ErrorWrongType` when the two types differ
     JSON merged(const JSON& other) const;
 
     /// A copy that shares no memory with the document that the value came from. Worth its time
@@ -317,10 +364,15 @@ public:
     // Comparing. Values of different types are neither equal nor in any order, nor is anything to
     // `unknown`. Truth values, arrays, dictionaries and nulls are equal or in no order.
 
+    /// Whether both are of one type and equal: numbers by their values, dictionaries in any order.
     friend INKORA_EXPORT bool operator==(const JSON& left, const JSON& right);
+    /// Numbers by their values, texts by their bytes.
     friend INKORA_EXPORT bool operator<(const JSON& left, const JSON& right);
+    /// Less or equal.
     friend INKORA_EXPORT bool operator<=(const JSON& left, const JSON& right);
+    /// The other way round.
     friend bool operator>(const JSON& left, const JSON& right) { return right < left; }
+    /// The other way round.
     friend bool operator>=(const JSON& left, const JSON& right) { return right <= left; }
 
     /// Equal values have equal hashes.
@@ -329,93 +381,74 @@ public:
     /// Writes `description()`.
     friend INKORA_EXPORT std::ostream& operator<<(std::ostream& stream, const JSON& json);
 
-protected:
-    /// One step of a path, as long as the expression lives that it stands in.
-    struct Step {
-        enum class Kind : std::uint8_t { index, key, path };
-        Kind kind;
-        std::int64_t index = 0;
-        std::string_view key;
-        const JSONPath* path = nullptr;
-    };
-
 private:
-    friend class JSONPlace;
+    friend class JSONElements;
     friend class JSONMemberIterator;
+    friend class JSONMembers;
+    friend class JSONPlace;
 
     /// What only few values have, kept as an object in place of the value: why a subscript gave a
-    /// null, and the array that the value was last.
+    /// null, the array that the value was last, and parts that have to be converted to be shown.
     struct Aside;
+
+    /// Part of a value that is not needed any more, and becomes null.
+    JSON(JSON&& container, const AnySlot& part)
+    noexcept : value_(std::move(container.value_), part) {}
 
     /// What the value is.
     const Any& contents() const noexcept {
-        return value_.slot().tag() == AnySlot::object ? contentsOfObject() : value_;
+        return value_.slot().tag() == AnySlot::object ? contentsOfObject(value_) : value_;
     }
-    const Any& contentsOfObject() const noexcept;
+    /// The same, with every part of a container such that a `JSON` can show it as it stands.
+    const Any& shownContents() const noexcept {
+        return value_.slot().tag() == AnySlot::object ? shownContentsOfObject(value_) : value_;
+    }
+    static const Any& contentsOfObject(const Any& value) noexcept;
+    static const Any& shownContentsOfObject(const Any& value) noexcept;
+    static const JSON& shown(const AnySlot& part) noexcept {
+        return reinterpret_cast<const JSON&>(part);  // of which a JSON consists
+    }
+
     const Aside* aside() const noexcept;
     /// Takes out what stands aside for as long as the contents change.
     Any takeFormerArray();
-    void putFormerArray(Any formerArray);
+    /// Puts aside what has to be.
+    void settle(Any formerArray = {});
 
-    /// A step as the one or the other of two types.
-    template <JSONSubscriptType T>
-    static auto simple(const T& step) noexcept {
-        if constexpr (Integer<T>) {
-            return JSONKey::clamped(step);
+    // Steps and parts. These are static and take slots, since a value whose address is not taken
+    // can live in registers.
+
+    template <JSONSubscriptType Step>
+    static AnySlot stepView(const Step& step) noexcept {
+        if constexpr (Integer<Step>) {
+            return {AnySlot::int64, static_cast<std::uint64_t>(JSONKey::clamped(step))};
         } else {
-            return std::string_view(step);
+            return AnySlot::view(step);
         }
     }
-    static Step stepOf(std::int64_t index) noexcept {
-        return {Step::Kind::index, index, {}, nullptr};
+    static AnySlot stepView(const JSONKey& key) noexcept {
+        return key.index() ? stepView(*key.index()) : stepView(*key.key());
     }
-    static Step stepOf(std::string_view key) noexcept { return {Step::Kind::key, 0, key, nullptr}; }
-    static Step stepFrom(const JSONKey& key) noexcept {
-        if (const auto index = key.index()) return stepOf(*index);
-        return stepOf(std::string_view(*key.key()));
+    /// What the value has at the step, as it is shown; null if there is nothing.
+    static const AnySlot* part(const AnySlot& value, AnySlot step) noexcept {
+        const AnySlot* const found = step.tag() == AnySlot::int64 ? value.element(step.integer())
+                                                                  : AnySlot::member(value, step);
+        return found || value.tag() != AnySlot::object ? found : partOfObject(value, step);
     }
+    static const AnySlot* partOfObject(AnySlot value, AnySlot step) noexcept;
+    /// Null, with the error that the value has already, or else the one of the step.
+    static JSON missing(AnySlot value, AnySlot step);
 
-    /// What the container holds at the step; null if it does not, or is no such container.
-    static const Any* element(const Any& container, std::int64_t position) noexcept {
-        const AnySlot& slot = container.slot();
-        if (slot.tag() != AnySlot::array) return nullptr;
-        const auto index = static_cast<std::uint64_t>(position);  // huge when negative
-        if (index >= slot.header().count) return nullptr;
-        return reinterpret_cast<const Any*>(slot.pointer()) + index;
-    }
-    static const Any* element(const Any& container, std::string_view key) noexcept;
-    static const Any* element(const Any& container, const Step& step) noexcept {
-        return step.kind == Step::Kind::key ? element(container, step.key)
-                                            : element(container, step.index);
-    }
-    /// The same as a `JSON` shows it, which `converted` keeps alive if it is not in the container.
-    static const Any* element(const Any& container, const Step& step, JSON& converted);
-
-    /// Whether a `JSON` made of what was found in a container holds just that. What is not counted
-    /// there comes from a text, and therefore does.
-    static bool isPlain(const Any* found) noexcept {
-        if (!found) return false;
-        const AnySlot& slot = found->slot();
-        if (slot.tag() < AnySlot::array) return true;
-        return slot.isContainer() && (!slot.isCounted() || !slot.startsWithObject());
-    }
-    struct Plain {};
-    // Copied where it is to be, without a detour. NOLINTNEXTLINE(modernize-pass-by-value)
-    JSON(Plain, const Any& value) noexcept : value_(value) {}
-    JSON(Plain, Any&& container, const Any& part) noexcept : value_(std::move(container), part) {}
-
-    /// What a step gives where it finds nothing, or something that has to be converted.
-    JSON unusual(const Any* found, const Step& step) const;
-    JSON missing(const Step& step) const;
-    JSON atPath(const JSONPath& path) const;
-
-    void write(std::span<const Step> steps, Any object);
+    void write(std::span<const Any> steps, Any object);
 
     static JSON fromAny(Any value);
-    static JSON fromElements(const std::vector<JSON>& elements);
+    static JSON fromElements(std::span<const JSON> elements);
+    static Any withShownParts(const Any& container);
+    static double convertedToDouble(AnySlot value);
+    static std::int64_t convertedToInteger(AnySlot value);
 
-    /// What a C++ value becomes: containers of `JSON`, at any depth, become arrays and
-    /// dictionaries of what their values hold.
+    /// What a C++ value becomes: ranges and maps, at any depth, become arrays and dictionaries of
+    /// what their values hold.
     template <class T>
     static JSON made(T&& value) {
         using Value = std::remove_cvref_t<T>;
@@ -424,21 +457,19 @@ private:
             JSON result;
             result.value_ = Any(std::forward<T>(value));
             return result;
-        } else if constexpr (isPlatformValue<Value> || !isJSONValue<Value>) {
-            return fromAny(Any(std::forward<T>(value)));
         } else if constexpr (std::same_as<Value, Data>) {
             return JSON(value, JSONSerialization::ReadingOptions::allowFragments);
-        } else if constexpr (std::same_as<Value, std::vector<JSON>>) {
-            return fromElements(value);
+        } else if constexpr (isPlatformValue<Value> || !isJSONValue<Value>) {
+            return fromAny(Any(std::forward<T>(value)));
         } else if constexpr (requires { value.has_value(); }) {
             return value ? JSON(*std::forward<T>(value)) : JSON();
-        } else if constexpr (requires { typename Value::mapped_type; }) {
+        } else if constexpr (JSONMap<Value>) {
             Dictionary members;
-            members.reserve(value.size());
-            for (const auto& [key, member] : value) members.set(key, JSON(member).object());
+            for (auto&& [key, member] : value) members.set(key, JSON(member).object());
             return fromAny(std::move(members));
         } else {
-            std::vector<JSON> elements(value.begin(), value.end());
+            std::vector<JSON> elements;
+            for (auto&& element : value) elements.emplace_back(element);
             return fromElements(elements);
         }
     }
@@ -446,197 +477,7 @@ private:
     Any value_;  // absent means null
 };
 
-static_assert(sizeof(JSON) == sizeof(Any));  // so that elements can be shown where they are
-
-/// What a subscript gives on a `JSON` that may change: the value, and within the same expression
-/// the place that it came from. Assigning to it there writes to that place; kept in a variable it
-/// is a value of its own like any other.
-///
-///     json["pens"][0]["name"] = "desk";   // writes to json
-///     auto pen = json["pens"][0];         // a copy
-class INKORA_EXPORT JSONPlace final : public JSON {
-public:
-    JSONPlace(const JSONPlace&) = delete;  // the place does not outlive its expression
-    ~JSONPlace() = default;
-
-    // What is written is gone from here, so nothing is returned; JSON minds assigning to itself.
-    // NOLINTBEGIN(misc-unconventional-assign-operator, bugprone-unhandled-self-assignment)
-    void operator=(JSON value) && { write(std::move(value)); }
-    void operator=(const JSONPlace& other) && { write(static_cast<const JSON&>(other)); }
-
-    JSONPlace& operator=(JSON value) & {
-        JSON::operator=(std::move(value));
-        return *this;
-    }
-    JSONPlace& operator=(const JSONPlace& other) & {
-        JSON::operator=(static_cast<const JSON&>(other));
-        return *this;
-    }
-    // NOLINTEND(misc-unconventional-assign-operator, bugprone-unhandled-self-assignment)
-
-    using JSON::operator[];
-    template <JSONSubscriptType NextStep>
-    JSONPlace operator[](const NextStep& step) && {
-        return JSONPlace(std::move(*this), element(contents(), simple(step)), stepOf(simple(step)));
-    }
-
-    void setObject(Any object) && {
-        JSON value = static_cast<const JSON&>(*this);
-        value.setObject(std::move(object));
-        write(std::move(value));
-    }
-    using JSON::setObject;
-
-    /// Merges into the place. See `JSON::merge`.
-    void merge(const JSON& other) && {
-        JSON value = static_cast<const JSON&>(*this);
-        value.merge(other);
-        write(std::move(value));
-    }
-    using JSON::merge;
-
-private:
-    friend class JSON;
-    /// @param found what is at the step; or null
-    JSONPlace(JSON& root, const Any* found, const Step& step)
-        : JSON(isPlain(found) ? JSON(Plain(), *found) : root.unusual(found, step)),
-          root_(&root),
-          step_(step) {}
-    JSONPlace(JSONPlace&& parent, const Any* found, const Step& step)
-        : JSON(isPlain(found) ? JSON(Plain(), std::move(parent.value_), *found)
-                              : parent.unusual(found, step)),
-          root_(parent.root_),
-          parent_(&parent),
-          step_(step) {}
-    JSONPlace(JSON& root, const JSONPath& path)
-        : JSON(root.atPath(path)), root_(&root), step_{Step::Kind::path, 0, {}, &path} {}
-
-    void write(JSON value);
-
-    JSON* root_;
-    JSONPlace* parent_ = nullptr;
-    Step step_;
-};
-
-template <JSONSubscriptType StepType>
-JSONPlace JSON::operator[](const StepType& step) & {
-    return JSONPlace(*this, element(contents(), simple(step)), stepOf(simple(step)));
-}
-
-/// The key of an element or member that iteration shows: of an array the position in decimal.
-/// It is, and what it gives as a `std::string_view`, valid until the iterator moves on; as a
-/// `std::string` it is yours.
-class INKORA_EXPORT JSONMemberKey {
-public:
-    std::string_view view() const noexcept { return text_ ? text_->text() : positionText(); }
-    std::size_t size() const noexcept { return view().size(); }
-
-    operator std::string_view() const noexcept { return view(); }
-    operator std::string() const { return std::string(view()); }
-    friend bool operator==(const JSONMemberKey& key, std::string_view text) noexcept {
-        return key.view() == text;
-    }
-    friend INKORA_EXPORT std::ostream& operator<<(std::ostream& stream, const JSONMemberKey& key);
-
-private:
-    friend class JSONMemberIterator;
-    JSONMemberKey(const AnySlot* text, std::int64_t position) noexcept
-        : text_(text), position_(position) {}
-    std::string_view positionText() const noexcept;
-
-    const AnySlot* text_;    // of a member; null for an element
-    std::int64_t position_;  // of an element
-    mutable std::uint8_t digitCount_ = 0;
-    mutable std::array<char, 20> digits_;  // of the position, once somebody asks for them
-};
-
-/// An element or member, which it keeps.
-struct JSONMember {
-    std::string key;
-    JSON value;
-};
-
-/// An element or member as iteration shows it: where it is, until the iterator moves on. Copies of
-/// its value live on their own.
-struct JSONMemberReference {
-    JSONMemberKey key;
-    const JSON& value;
-
-    operator JSONMember() const { return {key, value}; }
-};
-
-/// Goes through the contents that a value has when the iterator is made. An iterator of a value
-/// that another iterator shows lives no longer than that one.
-class INKORA_EXPORT JSONMemberIterator {
-public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = JSONMember;
-    using difference_type = std::ptrdiff_t;
-    using reference = JSONMemberReference;
-    struct pointer {
-        const JSONMemberReference* operator->() const noexcept { return &member; }
-        JSONMemberReference member;
-    };
-
-    JSONMemberIterator() = default;
-
-    JSONMemberReference operator*() const {
-        const Any& value = next_[hasKeys_ ? 1 : 0];
-        const JSON& shown =
-            JSON::isPlain(&value) ? reinterpret_cast<const JSON&>(value) : converted(value);
-        return {JSONMemberKey(hasKeys_ ? &next_->slot() : nullptr, position_), shown};
-    }
-    pointer operator->() const { return {**this}; }
-    JSONMemberIterator& operator++() noexcept {
-        --remaining_;
-        ++position_;
-        next_ += hasKeys_ ? 2 : 1;
-        return *this;
-    }
-    JSONMemberIterator operator++(int) {
-        JSONMemberIterator before = *this;
-        ++*this;
-        return before;
-    }
-
-    /// Iterators of one value are equal at the same position.
-    friend bool operator==(const JSONMemberIterator& left,
-                           const JSONMemberIterator& right) noexcept {
-        return left.remaining_ == right.remaining_;
-    }
-    friend bool operator==(const JSONMemberIterator& iterator, std::default_sentinel_t) noexcept {
-        return iterator.remaining_ == 0;
-    }
-
-private:
-    friend class JSON;
-    explicit JSONMemberIterator(const Any& container) {
-        const AnySlot& slot = container.slot();
-        if (!slot.isContainer()) return;
-        if (slot.isCounted()) {
-            container_ = container;
-        } else {
-            container_.borrow(container);  // which is shown by another iterator
-        }
-        next_ = reinterpret_cast<const Any*>(slot.pointer());
-        remaining_ = slot.header().count;
-        hasKeys_ = slot.tag() == AnySlot::dictionary;
-    }
-
-    /// What is shown of something that has to be converted.
-    const JSON& converted(const Any& value) const;
-
-    Any container_;
-    const Any* next_ = nullptr;
-    std::size_t remaining_ = 0;
-    std::int64_t position_ = 0;
-    bool hasKeys_ = false;
-    mutable JSON converted_;
-};
-
-inline JSON::const_iterator JSON::begin() const {
-    return JSONMemberIterator(contents());
-}
+static_assert(sizeof(JSON) == sizeof(Any));  // so that parts can be shown where they are
 
 inline std::size_t JSON::count() const noexcept {
     const AnySlot& slot = contents().slot();
@@ -659,13 +500,13 @@ inline std::string_view JSON::stringView() const& noexcept {
 
 inline std::int64_t JSON::intValue() const {
     const AnySlot& slot = value_.slot();
-    return slot.isInteger() ? slot.integer() : numberValue().integerValue();
+    return slot.isInteger() ? slot.integer() : convertedToInteger(slot);
 }
 
 inline double JSON::doubleValue() const {
     const AnySlot& slot = value_.slot();
     if (slot.tag() == AnySlot::float64) return slot.real();
-    return slot.isInteger() ? static_cast<double>(slot.integer()) : numberValue().doubleValue();
+    return slot.isInteger() ? static_cast<double>(slot.integer()) : convertedToDouble(slot);
 }
 
 }  // namespace InkoraKit
@@ -685,3 +526,7 @@ struct std::formatter<Value> : std::formatter<std::string_view> {
     }
 };
 #endif
+
+#include <InkoraKit/JSONIteration.h>
+#include <InkoraKit/JSONPlace.h>
+#include <InkoraKit/JSONViews.h>

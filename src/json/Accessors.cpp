@@ -9,7 +9,7 @@ namespace InkoraKit {
 
 std::optional<std::vector<JSON>> JSON::array() const {
     if (type() != Type::array) return std::nullopt;
-    const auto elements = Storage::elements(contents());
+    const JSONElements elements = this->elements();
     return std::vector<JSON>(elements.begin(), elements.end());
 }
 
@@ -28,8 +28,7 @@ void JSON::setArrayObject(const std::optional<Array>& value) & {
 std::optional<std::map<std::string, JSON, std::less<>>> JSON::dictionary() const {
     if (type() != Type::dictionary) return std::nullopt;
     std::map<std::string, JSON, std::less<>> result;
-    for (const MemberSlots& member : Storage::members(contents()))
-        result.emplace(member.key.text(), JSON(Storage::asAny(member.value)));
+    for (const auto& [key, value] : members()) result.emplace(key, value);
     return result;
 }
 
@@ -134,6 +133,14 @@ NSNumber JSON::numberValue() const {
         default:
             return 0.0;
     }
+}
+
+std::int64_t JSON::convertedToInteger(AnySlot value) {
+    return shown(value).numberValue().integerValue();
+}
+
+double JSON::convertedToDouble(AnySlot value) {
+    return shown(value).numberValue().doubleValue();
 }
 
 void JSON::setNumberValue(const NSNumber& value) & {

@@ -11,6 +11,7 @@ struct JSON::Aside {
     std::int64_t code = 0;  // of the error; 0 without one
     JSONKey step = 0;       // that failed
     Any formerArray;        // the array that the value was last; or absent
+    mutable Any shown;      // the contents, each part as a `JSON` made of it is; or absent so far
 };
 
 }  // namespace InkoraKit

@@ -1,9 +1,7 @@
 #include <InkoraKit/JSON.h>
 
-#include "Conversion.h"
-#include "platform/foundation/values/Storage.h"
-
 #include <charconv>
+#include <iterator>
 #include <ostream>
 
 namespace InkoraKit {
@@ -41,20 +39,13 @@ std::pair<std::string, JSON> JSON::operator[](const Index& position) const {
     const auto isWithin = [this](const std::optional<std::int64_t>& index, Type container) {
         return index && type() == container && static_cast<std::uint64_t>(*index) < count();
     };
-    if (const auto index = position.arrayPosition(); isWithin(index, Type::array)) {
-        const Any& element = Storage::elements(contents())[static_cast<std::size_t>(*index)];
-        return {std::to_string(*index), JSON(element)};
-    }
+    if (const auto index = position.arrayPosition(); isWithin(index, Type::array))
+        return {std::to_string(*index), elements()[static_cast<std::size_t>(*index)]};
     if (const auto index = position.dictionaryPosition(); isWithin(index, Type::dictionary)) {
-        const MemberSlots& member = Storage::members(contents())[static_cast<std::size_t>(*index)];
-        return {std::string(member.key.text()), JSON(Storage::asAny(member.value))};
+        const auto [key, value] = *std::next(members().begin(), *index);
+        return {std::string(key), value};
     }
     return {};
-}
-
-const JSON& JSONMemberIterator::converted(const Any& value) const {
-    converted_ = JSON(value);
-    return converted_;
 }
 
 std::string_view JSONMemberKey::positionText() const noexcept {

@@ -5,6 +5,7 @@
 #include "platform/foundation/values/Storage.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace InkoraKit {
 
@@ -14,8 +15,27 @@ bool isJSON(const Any& value) {
     return value.as<JSON>() != nullptr;
 }
 
+bool isDictionary(const Any& value) {
+    return Storage::tag(value) == AnySlot::dictionary;
+}
+
+/// The container with another value in place of each part.
+template <class Replacement>
+Any withParts(const Any& container, Replacement replacement) {
+    if (isDictionary(container)) {
+        Any members = Storage::emptyDictionary();
+        for (const MemberSlots& member : Storage::members(container))
+            Storage::set(members, member.key.text(), replacement(Storage::asAny(member.value)));
+        return members;
+    }
+    Any elements = Storage::emptyArray();
+    for (const Any& element : Storage::elements(container))
+        Storage::append(elements, replacement(element));
+    return elements;
+}
+
 bool isDictionaryOfJSON(const Any& value) {
-    if (Storage::tag(value) != AnySlot::dictionary || Storage::count(value) == 0) return false;
+    if (!isDictionary(value) || Storage::count(value) == 0) return false;
     return std::ranges::all_of(Storage::members(value), [](const MemberSlots& member) {
         return isJSON(Storage::asAny(member.value));
     });
@@ -46,37 +66,52 @@ std::optional<Any> dictionaryFromMap(const Any& value) {
     return dictionaryFrom<std::unordered_map<std::string, JSON>>(value);
 }
 
-JSON JSON::fromElements(const std::vector<JSON>& elements) {
+Any unwrapped(Any value) {
+    std::vector<Any*> places{&value};
+    for (std::size_t i = 0; i < places.size(); ++i) {  // which grow on the way
+        Any& place = *places[i];
+        if (const JSON* const json = place.as<JSON>()) {
+            place = json->object();
+        } else if (isArrayOfJSON(place)) {
+            place = JSON(place).object();
+        } else if (isForeignContainer(place)) {
+            const bool isArray = Storage::tag(place) == AnySlot::array;
+            if (isArray && !std::ranges::all_of(Storage::elements(place), isDictionary)) continue;
+            for (std::size_t part = 0; part < Storage::count(place); ++part)
+                places.push_back(&Storage::writablePart(place, part));
+        }
+    }
+    // Where nothing of the kind is left, nothing is to be looked for any more.
+    for (; !places.empty(); places.pop_back())
+        if (isForeignContainer(*places.back())) Storage::noteParts(*places.back());
+    return value;
+}
+
+JSON JSON::fromElements(std::span<const JSON> elements) {
     JSON result;
     result.value_ = Storage::emptyArray();
     Storage::reserve(result.value_, elements.size());
     for (const JSON& element : elements) Storage::append(result.value_, element.object());
+    result.settle();
     return result;
 }
 
 JSON JSON::fromAny(Any value) {
+    if (const auto* const data = value.as<Data>()) return JSON(*data);
+    if (const auto* const elements = value.as<std::vector<JSON>>()) return fromElements(*elements);
+    if (auto members = dictionaryFromMap(value)) value = *std::move(members);
     JSON result;
-    result.value_ = std::move(value);
-    if (!mayBeConverted(result.value_)) return result;
-
-    if (const auto* const data = result.value_.as<Data>()) return JSON(*data);
-    if (const auto* const elements = result.value_.as<std::vector<JSON>>())
-        return fromElements(*elements);
-    if (isArrayOfJSON(result.value_)) {
-        Array elements;
-        for (const Any& element : Storage::elements(result.value_))
-            elements.append(element.as<JSON>()->object());
-        result.value_ = elements;
-        return result;
+    if (isArrayOfJSON(value) || isDictionaryOfJSON(value)) {
+        result.value_ = withParts(value, [](const Any& part) { return part.as<JSON>()->object(); });
+    } else {
+        result.value_ = std::move(value);
     }
-    if (auto members = dictionaryFromMap(result.value_)) result.value_ = *std::move(members);
-    if (isDictionaryOfJSON(result.value_)) {
-        Dictionary members;
-        for (const MemberSlots& member : Storage::members(result.value_))
-            members.set(member.key.text(), Storage::asAny(member.value).as<JSON>()->object());
-        result.value_ = members;
-    }
+    result.settle();
     return result;
+}
+
+Any JSON::withShownParts(const Any& container) {
+    return withParts(container, [](const Any& part) { return JSON(part).value_; });
 }
 
 }  // namespace InkoraKit

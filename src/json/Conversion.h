@@ -6,11 +6,11 @@
 
 namespace InkoraKit {
 
-/// Whether a `JSON` made of the value may hold something else than the value: bytes are read, and
-/// arrays and dictionaries of `JSON` become plain ones. What a reader makes never needs it, and
-/// the answer costs a look at the first element at most.
-inline bool mayBeConverted(const Any& value) noexcept {
-    return value.slot().tag() == AnySlot::object || value.slot().startsWithObject();
+/// Whether the value is an array or dictionary that may hold what a `JSON` shows otherwise than it
+/// stands there: bytes are read, and arrays and dictionaries of `JSON` become plain ones. What a
+/// reader makes is none.
+inline bool isForeignContainer(const Any& value) noexcept {
+    return value.slot().isContainer() && value.slot().isForeign();
 }
 
 /// Whether the value is an array of `JSON`: a `std::vector` of them, or an `Array` that holds
@@ -19,5 +19,9 @@ bool isArrayOfJSON(const Any& value);
 
 /// The platform's dictionary of `JSON` objects, if the value is a standard map of `JSON`.
 std::optional<Any> dictionaryFromMap(const Any& value);
+
+/// The value with all `JSON` in dictionaries, arrays of `JSON` and arrays of dictionaries, at any
+/// depth, replaced by what it holds.
+Any unwrapped(Any value);
 
 }  // namespace InkoraKit

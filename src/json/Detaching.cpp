@@ -48,6 +48,7 @@ void detachContents(const Pending& pending, std::vector<Pending>& rest) {
                    rest);
         }
     }
+    Storage::slot(copy).copyNotes(Storage::slot(*pending.original));
 }
 
 Any detachedCopy(const Any& original) {
@@ -70,7 +71,7 @@ JSON JSON::detached() const {
     const Aside* const aside = this->aside();
     if (!aside) return result;
     result.value_ =
-        Aside{result.value_, aside->code, aside->step, detachedCopy(aside->formerArray)};
+        Aside{result.value_, aside->code, aside->step, detachedCopy(aside->formerArray), {}};
     return result;
 }
 

@@ -6,13 +6,15 @@
 #include "platform/foundation/text/TextEncoding.h"
 #include "platform/foundation/values/Storage.h"
 
+#include <mutex>
+
 namespace InkoraKit {
 
 JSON::JSON(std::initializer_list<std::pair<std::string_view, JSON>> members)
     : value_(Storage::emptyDictionary()) {
     Storage::reserve(value_, members.size());
-    for (const auto& [key, member] : members)
-        Storage::writableMember(value_, key) = member.object();
+    for (const auto& [key, member] : members) Storage::set(value_, key, unwrapped(member.object()));
+    settle();
 }
 
 JSON::JSON(const Data& data, JSONSerialization::ReadingOptions options,
@@ -53,9 +55,19 @@ const JSON::Aside* JSON::aside() const noexcept {
     return value_.slot().tag() == AnySlot::object ? value_.as<Aside>() : nullptr;
 }
 
-const Any& JSON::contentsOfObject() const noexcept {
-    const Aside* const aside = this->aside();
-    return aside ? aside->contents : value_;
+const Any& JSON::contentsOfObject(const Any& value) noexcept {
+    const Aside* const aside = value.as<Aside>();
+    return aside ? aside->contents : value;
+}
+
+const Any& JSON::shownContentsOfObject(const Any& value) noexcept {
+    const Any& contents = contentsOfObject(value);
+    if (!isForeignContainer(contents)) return contents;
+    const Aside& aside = *value.as<Aside>();
+    static std::mutex mutex;  // copies on other threads ask as well
+    const std::scoped_lock lock(mutex);
+    if (!aside.shown.hasValue()) aside.shown = withShownParts(contents);
+    return aside.shown;
 }
 
 Any JSON::takeFormerArray() {
@@ -66,8 +78,13 @@ Any JSON::takeFormerArray() {
     return formerArray;
 }
 
-void JSON::putFormerArray(Any formerArray) {
-    if (formerArray.hasValue()) value_ = Aside{std::move(value_), 0, 0, std::move(formerArray)};
+void JSON::settle(Any formerArray) {
+    if (formerArray.hasValue() || isForeignContainer(value_))
+        value_ = Aside{.contents = std::move(value_),
+                       .code = 0,
+                       .step = 0,
+                       .formerArray = std::move(formerArray),
+                       .shown = {}};
 }
 
 void JSON::setObject(Any object) & {
@@ -81,7 +98,8 @@ void JSON::setObject(Any object) & {
     } else {
         value_ = std::move(object);
     }
-    if (Storage::tag(value_) != AnySlot::array) putFormerArray(std::move(formerArray));
+    if (Storage::tag(value_) == AnySlot::array) formerArray = {};
+    settle(std::move(formerArray));
 }
 
 namespace {

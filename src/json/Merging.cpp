@@ -1,6 +1,5 @@
 #include <InkoraKit/JSON.h>
 
-#include "Conversion.h"
 #include "JSONError.h"
 #include "platform/foundation/values/Storage.h"
 
@@ -12,15 +11,14 @@ bool areBoth(AnySlot::Tag tag, const Any& left, const Any& right) {
     return Storage::tag(left) == tag && Storage::tag(right) == tag;
 }
 
-/// Appends in place. Elements that no JSON can hold become null, and bytes what they are read as.
+/// Appends in place. Elements that are absent, or that no JSON can hold, become null, and bytes
+/// what they are read as.
 void appendElements(Any& array, const Any& others) {
-    const std::size_t count = Storage::count(array);
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!Storage::elements(array)[i].isObject()) continue;
-        Any& element = Storage::writableElement(array, i);
-        element = JSON(element).object();
+    if (!array.slot().isPlain()) {
+        const Any before = std::exchange(array, Storage::emptyArray());
+        appendElements(array, before);
     }
-    Storage::reserve(array, count + Storage::count(others));
+    Storage::reserve(array, std::size_t{Storage::count(array)} + Storage::count(others));
     for (const Any& element : Storage::elements(others))
         Storage::append(array, JSON(element).object());
 }
@@ -38,7 +36,8 @@ void mergeMembers(const Pending& pending, std::vector<Pending>& rest) {
         const std::string_view key = other.key.text();
         Any value = JSON(Storage::asAny(other.value)).object();
         Any& member = Storage::writableMember(*pending.members, key);
-        if (mayBeConverted(member)) member = JSON(member).object();
+        Storage::slot(*pending.members).note(value.slot());
+        if (member.slot().isForeign()) member = JSON(member).object();
         if (areBoth(AnySlot::dictionary, member, value)) {
             nested.emplace_back(key, std::move(value));
         } else if (areBoth(AnySlot::array, member, value)) {
@@ -79,7 +78,7 @@ void JSON::merge(const JSON& other) & {
     } else {
         appendElements(value_, others);
     }
-    putFormerArray(std::move(formerArray));
+    settle(std::move(formerArray));
 }
 
 JSON JSON::merged(const JSON& other) const {

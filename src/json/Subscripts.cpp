@@ -1,73 +1,50 @@
 #include <InkoraKit/JSON.h>
 
 #include "Aside.h"
-#include "Conversion.h"
 #include "platform/foundation/process/Fatal.h"
 #include "platform/foundation/values/Storage.h"
 
-#include <array>
 #include <span>
-#include <vector>
+#include <utility>
 
 namespace InkoraKit {
 
-const Any* JSON::element(const Any& container, std::string_view key) noexcept {
-    return container.slot().tag() == AnySlot::dictionary ? Storage::member(container, key)
-                                                         : nullptr;
+const AnySlot* JSON::partOfObject(AnySlot value, AnySlot step) noexcept {
+    const AnySlot& contents = shownContentsOfObject(Storage::asAny(value)).slot();
+    return contents.tag() == AnySlot::object ? nullptr : part(contents, step);
 }
 
-const Any* JSON::element(const Any& container, const Step& step, JSON& converted) {
-    const Any* const found = element(container, step);
-    if (!found || isPlain(found)) return found;
-    converted = JSON(*found);
-    return &converted.contents();
-}
-
-JSON JSON::unusual(const Any* found, const Step& step) const {
-    return found ? JSON(*found) : missing(step);
-}
-
-JSON JSON::atPath(const JSONPath& path) const {
-    if (path.empty()) return *this;
-    const Any* place = &contents();
-    JSON converted;
-    for (const JSONKey& key : path) {
-        const Any* const next = element(*place, stepFrom(key), converted);
-        if (!next) {
-            if (place == &contents()) return missing(stepFrom(key));
-            JSON container;
-            container.value_ = *place;
-            return container.missing(stepFrom(key));
-        }
-        place = next;
+JSON JSON::missing(AnySlot value, AnySlot step) {
+    const JSON& container = shown(value);
+    const bool isIndex = step.tag() == AnySlot::int64;
+    Aside error{.contents = NSNull(),
+                .code = ErrorWrongType,
+                .step = isIndex ? JSONKey(step.integer()) : JSONKey(step.text()),
+                .formerArray = {},
+                .shown = {}};
+    if (const Aside* const aside = container.aside(); aside && aside->code != 0) {
+        error.code = aside->code;
+        error.step = aside->step;
+    } else if (container.type() == Type::unknown) {
+        error.code = ErrorUnsupportedType;
+    } else if (container.type() == Type::array && isIndex) {
+        error.code = ErrorIndexOutOfBounds;
+    } else if (container.type() == Type::dictionary && !isIndex) {
+        error.code = ErrorNotExist;
     }
     JSON result;
-    result.value_ = *place;
-    return result;
-}
-
-/// Null, with the error that this value has already, or else the one of the step.
-JSON JSON::missing(const Step& step) const {
-    JSON result;
-    if (const Aside* const aside = this->aside(); aside && aside->code != 0) {
-        result.value_ = Aside{
-            .contents = NSNull(), .code = aside->code, .step = aside->step, .formerArray = {}};
-        return result;
-    }
-    const bool isIndex = step.kind == Step::Kind::index;
-    std::int64_t code = ErrorWrongType;
-    if (type() == Type::unknown) code = ErrorUnsupportedType;
-    if (type() == Type::array && isIndex) code = ErrorIndexOutOfBounds;
-    if (type() == Type::dictionary && !isIndex) code = ErrorNotExist;
-    result.value_ = Aside{.contents = NSNull(),
-                          .code = code,
-                          .step = isIndex ? JSONKey(step.index) : JSONKey(step.key),
-                          .formerArray = {}};
+    result.value_ = std::move(error);
     return result;
 }
 
 JSON JSON::operator[](const JSONPath& path) const& {
-    return atPath(path);
+    const AnySlot* place = &value_.slot();
+    for (const JSONKey& step : path) {
+        const AnySlot* const next = part(*place, stepView(step));
+        if (!next) return missing(*place, stepView(step));
+        place = next;
+    }
+    return shown(*place);
 }
 
 JSONPlace JSON::operator[](const JSONPath& path) & {
@@ -76,59 +53,73 @@ JSONPlace JSON::operator[](const JSONPath& path) & {
 
 /// Writes where the steps lead to, or does nothing: everything before the last step has to be
 /// there, and the last step has to be one that can be taken.
-void JSON::write(std::span<const Step> steps, Any object) {
-    const Any* place = &contents();
-    JSON converted;
-    for (const Step& step : steps.first(steps.size() - 1)) {
-        place = element(*place, step, converted);
+void JSON::write(std::span<const Any> steps, Any object) {
+    const Any& last = steps.back();
+    steps = steps.first(steps.size() - 1);
+
+    const AnySlot* place = &value_.slot();
+    for (const Any& step : steps) {
+        place = part(*place, step.slot());
         if (!place) return;
     }
-    const Step& last = steps.back();
-    if (last.kind == Step::Kind::key) {
-        if (Storage::tag(*place) != AnySlot::dictionary) return;
-    } else {
-        if (Storage::tag(*place) != AnySlot::array) return;
-        if (last.index >= static_cast<std::int64_t>(Storage::count(*place))) return;
-        if (last.index < 0) fatalError("Index out of range");
+    const JSON& container = shown(*place);
+    if (const auto index = last.as<NSNumber>()) {
+        if (container.type() != Type::array) return;
+        if (index->integerValue() >= static_cast<std::int64_t>(container.count())) return;
+        if (index->integerValue() < 0) fatalError("Index out of range");
+    } else if (container.type() != Type::dictionary) {
+        return;
     }
-    converted = JSON();  // or else what is to change would be shared, and so copied
 
-    const auto placeIn = [](Any& container, const Step& step) -> Any& {
-        if (step.kind == Step::Kind::key) return Storage::writableMember(container, step.key);
-        return Storage::writableElement(container, static_cast<std::size_t>(step.index));
+    const auto placeIn = [](Any& outer, const AnySlot& step) -> Any& {
+        if (step.tag() != AnySlot::int64) return Storage::writableMember(outer, step.text());
+        return Storage::writableElement(outer, static_cast<std::size_t>(step.integer()));
     };
     Any formerArray = takeFormerArray();
     Any* target = &value_;
-    for (const Step& step : steps.first(steps.size() - 1)) {
-        target = &placeIn(*target, step);
-        if (!isPlain(target)) *target = JSON(*target).value_;
+    for (const Any& step : steps) {
+        if (object.slot().isForeign()) Storage::slot(*target).setForeign();
+        target = &placeIn(*target, step.slot());
+        if (target->slot().isForeign()) *target = JSON(*target).contents();
     }
-    placeIn(*target, last) = std::move(object);
-    putFormerArray(std::move(formerArray));
+    Any& written = placeIn(*target, last.slot());
+    Storage::slot(*target).note(object.slot());
+    written = std::move(object);
+    settle(std::move(formerArray));
+}
+
+JSONPlace::JSONPlace(JSON& root, const JSONPath& path)
+    : JSON(std::as_const(root)[path]), root_(&root), stepCount_(1) {
+    Array steps;
+    for (const JSONKey& step : path) steps.append(Any::owned(stepView(step)));
+    steps_.front() = std::move(steps);
+}
+
+/// Makes one array of all steps so far.
+void JSONPlace::joinSteps() {
+    Array all = steps_.front().as<Array>().value_or(Array{steps_.front()});
+    for (std::size_t i = 1; i < stepCount_; ++i) all.append(std::exchange(steps_[i], {}));
+    steps_.front() = std::move(all);
+    stepCount_ = 1;
 }
 
 void JSONPlace::write(JSON value) {
-    Any object = value.object();
-    value = {};
-    std::size_t count = 0;
-    for (JSONPlace* place = this; place; place = place->parent_) {
-        place->value_ = {};  // or else what is to change would be shared, and so copied
-        count += place->step_.kind == Step::Kind::path ? place->step_.path->size() : 1;
+    if (!root_) {
+        JSON::operator=(std::move(value));
+        return;
     }
-    std::array<Step, 8> few;
-    std::vector<Step> many(count > few.size() ? count : 0);
-    const std::span<Step> steps = many.empty() ? std::span(few).first(count) : std::span(many);
-    auto next = steps.rbegin();
-    for (const JSONPlace* place = this; place; place = place->parent_) {
-        if (place->step_.kind != Step::Kind::path) {
-            *next++ = place->step_;
-            continue;
-        }
-        for (auto key = place->step_.path->end(); key != place->step_.path->begin();)
-            *next++ = stepFrom(*--key);
-    }
-    if (steps.empty()) return;
-    root_->JSON::write(steps, std::move(object));
+    value_ = {};  // or else what is to change would be shared, and so copied
+    joinSteps();
+    const Array steps = *steps_.front().as<Array>();
+    if (!steps.empty()) root_->JSON::write({steps.begin(), steps.size()}, value.object());
+}
+
+void JSONPlace::merge(const JSON& other) && {
+    const JSON others = other;  // which may be part of what changes
+    JSON value = static_cast<JSON&&>(*this);
+    if (value.type() == others.type()) write({});  // or else the value would be shared, and copied
+    value.merge(others);
+    write(std::move(value));
 }
 
 }  // namespace InkoraKit

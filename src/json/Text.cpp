@@ -29,13 +29,10 @@ std::optional<std::int64_t> integer(const Any& value) {
     return number->integerValue();
 }
 
-/// The option as it is, or by its raw value.
 template <class Value>
 Value enumerator(const Any& option, Value standard) {
-    if (const auto* const value = option.as<Value>()) return *value;
-    const auto rawValue = integer(option);
-    if (!rawValue || !std::in_range<std::underlying_type_t<Value>>(*rawValue)) return standard;
-    return static_cast<Value>(*rawValue);
+    const auto* const value = option.as<Value>();
+    return value ? *value : standard;
 }
 
 std::optional<std::string> containerText(const Any& container, StringEncoding encoding,
@@ -87,7 +84,8 @@ std::optional<std::string> JSON::rawString(
             "maxObjectDepth and make sure there is no reference loop");
         return std::nullopt;
     }
-    if (isContainer(*this) && JSON(option(options, castNilToNSNull)).bool_() == true)
+    const auto castsNil = option(options, castNilToNSNull).as<NSNumber>();
+    if (isContainer(*this) && castsNil && castsNil->isBool() && castsNil->boolValue())
         return textCastingNilToNull(contents(), mostNested);
     return rawString(enumerator(option(options, encoding), StringEncoding::utf8),
                      enumerator(option(options, jsonSerialization), WritingOptions::prettyPrinted));

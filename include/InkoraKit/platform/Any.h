@@ -49,6 +49,12 @@ template <class T, class Hash, class Equal>
 inline constexpr bool isPlatformValue<std::unordered_map<std::string, T, Hash, Equal>> =
     isPlatformValue<T>;
 
+/// The type that `Any` keeps an object of a type as: for what stands for something else.
+template <class T>
+struct KeptAs {
+    using type = T;
+};
+
 /// Whether values of a type can be compared, and what containers of it hold can be, too: containers
 /// claim that they can without asking.
 template <class T>
@@ -84,15 +90,21 @@ public:
     }
 
     /// Part of the contents of a value that is not needed any more, and becomes absent: where both
-    /// live in the same memory, its being a user is handed over.
-    Any(Any&& container, const Any& part) noexcept : slot_(part.slot_) {
-        if (!slot_.isShared()) return;
-        slot_.setCounted();
-        if (container.slot_.isCounted() && slot_.owner() == container.slot_.owner()) {
-            container.slot_ = {};
-        } else {
-            slot_.owner()->retain();
-        }
+    /// live in the same memory, its being a user is handed over. For the kit itself.
+    Any(Any&& container, const AnySlot& part) noexcept : slot_(part) {
+        const AnySlot left = std::exchange(container.slot_, {});
+        const bool isShared = slot_.isShared();
+        if (isShared) slot_.setCounted();
+        if (isShared && left.isCounted() && slot_.owner() == left.owner()) return;
+        if (isShared) slot_.owner()->retain();
+        drop(left);
+    }
+    /// What a slot is a view of: an integer, or a text, which is copied. For the kit itself.
+    static Any owned(AnySlot view) {
+        if (view.tag() == AnySlot::longText) return Any(view.text());
+        Any result;
+        result.slot_ = view;
+        return result;
     }
 
     Any(const Any& other) noexcept : slot_(other.slot_) {
@@ -219,7 +231,8 @@ private:
         } else if constexpr (std::same_as<Value, Array> || std::same_as<Value, Dictionary>) {
             *this = value.contents_;
         } else if constexpr (!isPlatformValue<Value>) {
-            keepObject(std::make_unique<ObjectOf<Value>>(Value(std::forward<T>(value))));
+            using Kept = typename KeptAs<Value>::type;
+            keepObject(std::make_unique<ObjectOf<Kept>>(Kept(std::forward<T>(value))));
         } else if constexpr (requires { value.has_value(); }) {
             if (value) *this = Any(*std::forward<T>(value));
         } else if constexpr (requires { typename Value::mapped_type; }) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <InkoraKit/Export.h>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -33,8 +35,12 @@ struct NodeHeader {
 ///          | pointer  | unused              |tag|   decimal, array, dictionary, object
 ///
 /// What a pointer leads to is preceded by an `OwnerLink` to its `Owner`, which counts its users.
-/// The highest bit of the tag tells that this slot is one of them. A slot within an array or
-/// dictionary need not be, where the container keeps what it leads to alive by other means.
+/// A slot within an array or dictionary need not be one of them, where the container keeps what it
+/// leads to alive by other means.
+///
+/// The tag has five bits. Above them are the flags: that the slot is counted as a user; that it is
+/// an object or a container that may hold one, however deep; that it is an array that may hold
+/// absent elements. What a reader makes has neither of the latter two.
 ///
 /// Two words and nothing else, so that compilers keep a slot in registers.
 struct alignas(8) AnySlot {
@@ -99,9 +105,25 @@ struct alignas(8) AnySlot {
 
     Tag tag() const noexcept { return static_cast<Tag>(second_ >> tagShift & 0x1F); }
     bool isShared() const noexcept { return tag() >= longText; }
+
     bool isCounted() const noexcept { return (second_ & countedFlag) != 0; }
     void setCounted() noexcept { second_ |= countedFlag; }
     void clearCounted() noexcept { second_ &= ~countedFlag; }
+
+    /// Whether it is an object, or may hold one.
+    bool isForeign() const noexcept { return (second_ & foreignFlag) != 0; }
+    void setForeign() noexcept { second_ |= foreignFlag; }
+    /// Whether no element is an object, holds one or is absent.
+    bool isPlain() const noexcept { return (second_ & (foreignFlag | gapsFlag)) == 0; }
+    /// Of a container: takes note of what it holds from now on.
+    void note(const AnySlot& part) noexcept {
+        second_ |= (part.second_ & foreignFlag) | (part.tag() == absent ? gapsFlag : 0);
+    }
+    /// Of a container: that it holds what the other one does.
+    void copyNotes(const AnySlot& other) noexcept {
+        constexpr std::uint64_t notes = foreignFlag | gapsFlag;
+        second_ = (second_ & ~notes) | (other.second_ & notes);
+    }
 
     bool isNumber() const noexcept {
         return (tag() >= boolean && tag() <= float64) || tag() == decimal;
@@ -124,16 +146,23 @@ struct alignas(8) AnySlot {
         // NOLINTNEXTLINE(performance-no-int-to-ptr)
         return reinterpret_cast<std::byte*>(static_cast<std::uintptr_t>(first_));
     }
+    void setPointer(const void* pointer) noexcept {
+        first_ = reinterpret_cast<std::uintptr_t>(pointer);
+    }
     /// Of an array or dictionary.
     NodeHeader& header() const noexcept { return reinterpret_cast<NodeHeader*>(pointer())[-1]; }
     /// Of what a pointer leads to.
     Owner* owner() const noexcept { return reinterpret_cast<OwnerLink*>(pointer())[-1].owner; }
-    /// Whether the first element, or the value of the first member, is an object.
-    bool startsWithObject() const noexcept {
-        if (!isContainer() || header().count == 0) return false;
-        const auto* const first = reinterpret_cast<const AnySlot*>(pointer());
-        return first[tag() == dictionary ? 1 : 0].tag() == object;
+    /// The elements of an array; keys and values of a dictionary in turns.
+    const AnySlot* parts() const noexcept { return reinterpret_cast<const AnySlot*>(pointer()); }
+    /// What an array holds at a position; null if it holds nothing there, or this is no array.
+    const AnySlot* element(std::int64_t position) const noexcept {
+        const auto index = static_cast<std::uint64_t>(position);  // huge when negative
+        return tag() == array && index < header().count ? parts() + index : nullptr;
     }
+    /// What a dictionary holds under a key, a view; null likewise.
+    INKORA_EXPORT static const AnySlot* member(AnySlot container, AnySlot key) noexcept;
+
     /// Of a text that is not short.
     std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(second_ >> sizeShift); }
     /// Of a short text.
@@ -152,6 +181,8 @@ private:
     static constexpr int shortSizeShift = isLittleEndian ? 48 : 8;
     static constexpr int sizeShift = isLittleEndian ? 0 : 32;
     static constexpr std::uint64_t countedFlag = std::uint64_t{0x80} << tagShift;
+    static constexpr std::uint64_t foreignFlag = std::uint64_t{0x40} << tagShift;
+    static constexpr std::uint64_t gapsFlag = std::uint64_t{0x20} << tagShift;
 
     std::uint64_t first_ = 0;
     std::uint64_t second_ = 0;

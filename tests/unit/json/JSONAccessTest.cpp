@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -152,6 +155,68 @@ TEST(JSONAccessTest, APlaceKeptIsAValueOfItsOwn) {
     json["list"].setObject(std::vector<JSON>{9});  // as for any value, keeps the elements
     EXPECT_EQ(compact(json), R"({"pen":[2],"list":[1]})");
     EXPECT_EQ(JSON(json)["list"][0].intValue() + std::as_const(json)["pen"][0].intValue(), 3);
+
+    std::pair pair(json["pen"], 1);
+    std::thread([copy = pair.first]() mutable { std::move(copy) = 7; }).join();
+    std::move(pair.first) = 8;
+    EXPECT_EQ(compact(Dictionary{{"k", json["list"]}}), R"({"k":[1]})");
+    Array array;
+    array.append(json["pen"]);
+    EXPECT_EQ(*array[0].as<JSON>(), moved);
+    EXPECT_EQ(compact(json), R"({"pen":[2],"list":[1]})");
+}
+
+TEST(JSONAccessTest, APlaceMayOutliveTheExpressionButNotItsDocument) {
+    JSON json = JSON::parse(R"({"a":{"a long, long key":{"c":{"d":{"e":[0]}}}}})");
+    const auto at = [](JSON& outer, const std::string& key) {
+        return outer[std::string("a")][key]["c"]["d"]["e"][0];
+    };
+    at(json, "a long, long key") = 5;
+    auto&& place = json[{"a", "a long, long key"}]["new"];
+    std::move(place) = 6;
+    EXPECT_EQ(compact(json), R"({"a":{"a long, long key":{"c":{"d":{"e":[5]}},"new":6}}})");
+}
+
+TEST(JSONAccessTest, ViewsShowWhatSubscriptsGive) {
+    const Any list = Array{1, Data::fromText(R"({"k":[true]})"), Array{JSON(2), JSON("x")}, Any(),
+                           Array{3, NSError("", 0)}};
+    for (const JSON& json : {JSON::parse(R"([1,{"k":[true]},[2,"x"],null,[3]])"), JSON(list),
+                             JSON(Array{1, list, 2})[1], JSON(std::vector<Any>(5))}) {
+        const JSONElements elements = json.elements();
+        ASSERT_TRUE(elements.size() == 5 &&
+                    std::ranges::equal(elements, json.arrayValue(), {}, &JSON::type, &JSON::type));
+        for (std::size_t i = 0; i < elements.size(); ++i) {
+            EXPECT_EQ(compact(elements[i]), compact(json[i]));
+            EXPECT_EQ(json.find(i), &elements.begin()[static_cast<std::ptrdiff_t>(i)]);
+            EXPECT_EQ(std::next(json.begin(), static_cast<std::ptrdiff_t>(i))->value.type(),
+                      json[i].type());
+        }
+        for (const auto& [key, value] : elements[1].members())
+            EXPECT_EQ(compact(*json.find(1, key, 0)), compact(value[0]));
+        EXPECT_FALSE(json.find(5) || json.find("k") || json.find(1, "x") || json.find(3, 0));
+        EXPECT_TRUE(json.find() == &json && json.members().empty());
+    }
+}
+
+TEST(JSONAccessTest, CollectionsServeClassicAlgorithms) {
+    const JSON json = JSON::parse(R"({"b":2,"a":[3,1,2]})");
+    const std::vector<JSONMember> members(json.begin(), json.end());
+    EXPECT_EQ(members[1].key + compact(members[1].value), "a[3,1,2]");
+    const JSON& list = *json.find("a");
+    EXPECT_EQ(*std::ranges::max_element(list.elements()), 3);
+    std::vector<JSON> sorted(list.elements().begin(), list.elements().end());
+    std::ranges::sort(sorted, std::less());
+    EXPECT_EQ(compact(sorted), "[1,2,3]");
+}
+
+TEST(JSONAccessTest, WhatIsMovedFromIsNull) {
+    JSON from = JSON::arrayOf(1);
+    JSON to = "x";
+    to = std::move(from);
+    EXPECT_TRUE(from.null() && compact(to) == "[1]");  // NOLINT(bugprone-use-after-move)
+    JSON& same = to;
+    to = std::move(same);
+    EXPECT_EQ(compact(to), "[1]");
 }
 
 TEST(JSONAccessTest, IterationShowsTheContentsAtItsStart) {

@@ -2,12 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
+#include <ranges>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <unordered_map>
+#include <variant>
 #include <vector>
 
 namespace InkoraKit {
@@ -21,11 +26,14 @@ std::string compact(const JSON& json) {
 }
 
 static_assert(std::is_convertible_v<const char*, JSON> && std::is_convertible_v<Any, JSON>);
-static_assert(!std::is_convertible_v<void*, JSON> && !std::is_convertible_v<Date, JSON>);
-static_assert(!std::is_convertible_v<std::vector<Date>, JSON>);
+static_assert(std::is_constructible_v<JSON, Date> && !std::is_convertible_v<Date, JSON>);
 static_assert(std::is_nothrow_move_constructible_v<JSON>);
+template <class... T>
+constexpr bool noneCanBeJSON = (!std::is_constructible_v<JSON, T> && ...);
+static_assert(noneCanBeJSON<void*, int*, Type, Type*, char, char8_t, wchar_t, long double,
+                            std::pair<const char*, int>, std::variant<int>, std::optional<Date>,
+                            std::vector<Date>, std::vector<char>, std::map<int, int>>);
 static_assert(!std::is_assignable_v<JSON, int> && std::is_assignable_v<JSONPlace, int>);
-static_assert(!std::is_copy_constructible_v<JSONPlace>);
 
 TEST(JSONTest, ValuesOfCPlusPlusBecomeWhatTheyStandFor) {
     using enum Type;
@@ -54,6 +62,11 @@ TEST(JSONTest, ValuesOfCPlusPlusBecomeWhatTheyStandFor) {
         {Data::fromText("true"), bool_, "true"},     {Data::fromText("1"), number, "1"},
         {Data::fromText("[1"), null, "null"},
         {std::vector<Data>{Data::fromText("[1]")}, array, "[[1]]"},
+        {std::array{1, 2}, array, "[1,2]"},          {std::set<std::string>{"b", "a"}, array, R"(["a","b"])"},
+        {std::deque<std::optional<JSON>>{inner, {}}, array, "[5,null]"},
+        {std::map<std::string_view, std::set<int>>{{"k", {1}}}, dictionary, R"({"k":[1]})"},
+        {std::vector<std::uint8_t>{1}, array, "[1]"},
+        {std::vector{1, 2, 3} | std::views::drop(1), array, "[2,3]"},
         {JSON(Date()), unknown, "none"},             {"\xFF", unknown, "none"}};
     // clang-format on
     for (const auto& [json, type, text] : cases) {
@@ -83,6 +96,17 @@ TEST(JSONTest, DynamicValuesThatHoldJSONAreUnwrapped) {
         EXPECT_EQ(compact(JSON(Dictionary{{"n", 1}, {"k", value}}).dictionaryValue()["k"]), text);
     }
     EXPECT_EQ(JSON(Array{JSON(1), 2})[0].type(), Type::unknown);
+}
+
+TEST(JSONTest, DictionaryLiteralsUnwrapJSONAtAnyDepth) {
+    const Dictionary mixed{{"n", 1}, {"j", JSON(5)}, {"a", Array{JSON(6), JSON("x")}}};
+    const JSON json{{"d", mixed},
+                    {"list", Array{mixed, Dictionary{{"d", mixed}}}},
+                    {"other", Array{1, Dictionary{{"j", JSON(5)}}}}};
+    EXPECT_EQ(compact(json["d"]), R"({"n":1,"j":5,"a":[6,"x"]})");
+    EXPECT_EQ(compact(json["list"][1]["d"]["a"]), R"([6,"x"])");
+    EXPECT_EQ(json["other"][1]["j"].type(), Type::number);  // as a dictionary of only JSON
+    EXPECT_EQ(compact(json["other"]), "none");
 }
 
 TEST(JSONTest, SettingTheObjectDecidesTheTypeAnew) {

@@ -6,6 +6,7 @@
 #include "platform/foundation/values/Storage.h"
 
 #include <algorithm>
+#include <set>
 #include <vector>
 
 namespace InkoraKit {
@@ -13,7 +14,29 @@ namespace InkoraKit {
 namespace {
 
 /// Pairs of containers that remain to be compared.
-using Pairs = std::vector<std::pair<const Any*, const Any*>>;
+class Pairs {
+public:
+    void add(const Any& left, const Any& right) {
+        // Where parts are shared, there can be far more ways to them than parts. Most values are
+        // compared before it would pay to look out for that.
+        constexpr std::size_t many = 1'000;
+        if (++count_ > many &&
+            !seen_.emplace(Storage::slot(left).pointer(), Storage::slot(right).pointer()).second)
+            return;
+        rest_.emplace_back(&left, &right);
+    }
+    bool isEmpty() const noexcept { return rest_.empty(); }
+    std::pair<const Any*, const Any*> take() {
+        const auto pair = rest_.back();
+        rest_.pop_back();
+        return pair;
+    }
+
+private:
+    std::vector<std::pair<const Any*, const Any*>> rest_;
+    std::size_t count_ = 0;  // of all pairs so far
+    std::set<std::pair<const std::byte*, const std::byte*>> seen_;
+};
 
 /// Compares a pair, except for the contents of two containers that may be equal, which it puts off.
 bool mayBeEqual(const Any& left, const Any& right, Pairs& pending);
@@ -58,7 +81,7 @@ bool mayBeEqual(const Any& left, const Any& right, Pairs& pending) {
     const AnySlot& r = Storage::slot(right);
     if (!l.isContainer()) return Storage::areEqualLeaves(left, right);
     if (l.tag() != r.tag() || Storage::count(left) != Storage::count(right)) return false;
-    if (l.pointer() != r.pointer()) pending.emplace_back(&left, &right);
+    if (l.pointer() != r.pointer()) pending.add(left, right);
     return true;
 }
 
@@ -67,9 +90,8 @@ bool mayBeEqual(const Any& left, const Any& right, Pairs& pending) {
 bool operator==(const Any& left, const Any& right) {
     Pairs pending;
     if (!mayBeEqual(left, right, pending)) return false;
-    while (!pending.empty()) {
-        const auto [l, r] = pending.back();
-        pending.pop_back();
+    while (!pending.isEmpty()) {
+        const auto [l, r] = pending.take();
         const bool areAlike = Storage::tag(*l) == AnySlot::array
                                   ? haveEqualElements(*l, *r, pending)
                                   : haveEqualMembers(*l, *r, pending);
@@ -149,7 +171,7 @@ void Array::append(Any element) {
 }
 
 void Array::set(std::size_t position, Any element) {
-    Storage::writableElement(contents_, position) = std::move(element);
+    Storage::set(contents_, position, std::move(element));
 }
 
 Dictionary::Dictionary() : contents_(Storage::emptyDictionary()) {}
@@ -184,7 +206,7 @@ void Dictionary::reserve(std::size_t count) {
 }
 
 void Dictionary::set(std::string_view key, Any value) {
-    Storage::writableMember(contents_, key) = std::move(value);
+    Storage::set(contents_, key, std::move(value));
 }
 
 bool Dictionary::erase(std::string_view key) {

@@ -107,7 +107,8 @@ void copyNode(AnySlot& container, std::uint32_t capacity) {
     const bool takesOver = isFromRegion && container.isCounted();
     if (node->region && !takesOver) node->region->retain();
 
-    AnySlot copy(container.tag(), slots);
+    AnySlot copy = container;
+    copy.setPointer(slots);
     copy.setCounted();
     if (container.isCounted() && !takesOver && originalOwner.release())
         Storage::destroy(&originalOwner);
@@ -150,17 +151,30 @@ Any Storage::emptyDictionary() noexcept {
     return emptyContainer(AnySlot::dictionary, emptyDictionaryNode);
 }
 
-const Any* Storage::member(const Any& dictionary, std::string_view key) noexcept {
-    const auto* const members = reinterpret_cast<MemberSlots*>(dictionary.slot_.pointer());
-    const auto position =
-        DictionaryIndex::find(members, header(dictionary.slot_), AnySlot::view(key));
-    return position ? &asAny(members[*position].value) : nullptr;
+const AnySlot* AnySlot::member(AnySlot container, AnySlot key) noexcept {
+    if (container.tag() != dictionary) return nullptr;
+    const auto* const members = reinterpret_cast<const MemberSlots*>(container.pointer());
+    const auto position = DictionaryIndex::find(members, container.header(), key);
+    return position ? &members[*position].value : nullptr;
 }
 
 Any& Storage::writableElement(Any& array, std::size_t position) {
-    makeOwn(array.slot_);
-    nodeOf(array.slot_).hasCountedChildren = true;
-    return asAny(reinterpret_cast<AnySlot*>(array.slot_.pointer())[position]);
+    return writablePart(array, position);
+}
+
+Any& Storage::writablePart(Any& container, std::size_t position) {
+    makeOwn(container.slot_);
+    nodeOf(container.slot_).hasCountedChildren = true;
+    auto* const slots = reinterpret_cast<AnySlot*>(container.slot_.pointer());
+    const bool hasKeys = container.slot_.tag() == AnySlot::dictionary;
+    return asAny(slots[hasKeys ? 2 * position + 1 : position]);
+}
+
+void Storage::noteParts(Any& container) noexcept {
+    const AnySlot* part = container.slot_.parts();
+    const AnySlot* const end = part + slotsOf(kindOf(container.slot_), count(container));
+    container.slot_.copyNotes({});
+    for (; part != end; ++part) container.slot_.note(*part);
 }
 
 Any& Storage::writableMember(Any& dictionary, std::string_view key) {
@@ -169,11 +183,7 @@ Any& Storage::writableMember(Any& dictionary, std::string_view key) {
         return reinterpret_cast<MemberSlots*>(container.pointer())[position];
     };
     const auto known = DictionaryIndex::find(&memberAt(0), header(container), AnySlot::view(key));
-    if (known) {
-        makeOwn(container);
-        nodeOf(container).hasCountedChildren = true;
-        return asAny(memberAt(*known).value);
-    }
+    if (known) return writablePart(dictionary, *known);
     Any ownKey(key);
     const std::uint32_t count = header(container).count;
     makeRoom(container, std::size_t{count} + 1);
@@ -188,8 +198,20 @@ void Storage::append(Any& array, Any element) {
     const std::uint32_t count = header(array.slot_).count;
     makeRoom(array.slot_, std::size_t{count} + 1);
     nodeOf(array.slot_).hasCountedChildren = true;
+    array.slot_.note(element.slot_);
     reinterpret_cast<AnySlot*>(array.slot_.pointer())[count] = std::exchange(element.slot_, {});
     header(array.slot_).count = count + 1;
+}
+
+void Storage::set(Any& array, std::size_t position, Any element) {
+    array.slot_.note(element.slot_);
+    writableElement(array, position) = std::move(element);
+}
+
+void Storage::set(Any& dictionary, std::string_view key, Any value) {
+    Any& place = writableMember(dictionary, key);
+    dictionary.slot_.note(value.slot_);
+    place = std::move(value);
 }
 
 void Storage::reserve(Any& container, std::size_t count) {
@@ -250,8 +272,12 @@ void Storage::destroyObject(Owner* owner) noexcept {
 }
 
 void Any::keepText(std::string_view text) {
-    slot_ =
-        isUtf8(text) ? textSlot(text) : blockSlot(AnySlot::malformedText, text.data(), text.size());
+    if (isUtf8(text)) {
+        slot_ = textSlot(text);
+    } else {
+        slot_ = blockSlot(AnySlot::malformedText, text.data(), text.size());
+        slot_.setForeign();
+    }
 }
 
 void Any::keepDecimal(const NSDecimalNumber& decimal) {
@@ -263,6 +289,7 @@ void Any::keepObject(std::unique_ptr<Object> object) {
     block->object = std::move(object);
     slot_ = AnySlot(AnySlot::object, block + 1);
     slot_.setCounted();
+    slot_.setForeign();
 }
 
 const Any::Object* Any::object() const noexcept {

@@ -52,15 +52,24 @@ public:
                 count(dictionary)};
     }
     /// The value of the member, or null.
-    static const Any* member(const Any& dictionary, std::string_view key) noexcept;
-
-    /// The place of an element or member to write to, after making the container its own; the
-    /// place of a member that is new holds an absent value. Valid until the container changes.
-    static Any& writableElement(Any& array, std::size_t position);
-    static Any& writableMember(Any& dictionary, std::string_view key);
+    static const Any* member(const Any& dictionary, std::string_view key) noexcept {
+        return reinterpret_cast<const Any*>(AnySlot::member(dictionary.slot_, AnySlot::view(key)));
+    }
 
     static void append(Any& array, Any element);
     static void reserve(Any& container, std::size_t count);
+    static void set(Any& array, std::size_t position, Any element);
+    static void set(Any& dictionary, std::string_view key, Any value);
+
+    /// The place of an element or member to write to, after making the container its own; the
+    /// place of a member that is new holds an absent value. Valid until the container changes,
+    /// which is to take note (`AnySlot::note`) of what is put there.
+    static Any& writableElement(Any& array, std::size_t position);
+    static Any& writableMember(Any& dictionary, std::string_view key);
+    /// Of an array the element, of a dictionary the value of the member at a position.
+    static Any& writablePart(Any& container, std::size_t position);
+    /// Takes note anew of what the container holds.
+    static void noteParts(Any& container) noexcept;
 
     static Any emptyArray() noexcept;
     static Any emptyDictionary() noexcept;
