@@ -66,21 +66,21 @@ constexpr auto lettersOfEscapes = [] {
     return table;
 }();
 
-inline char* writeWord(std::string_view word, char* to) {
+inline char* writeLiteral(std::string_view word, char* to) {
     std::memcpy(to, word.data(), word.size());
     return to + word.size();
 }
 
 char* writeEscaped(char character, char* to) {
-    constexpr std::string_view hexDigits = "0123456789abcdef";
+    constexpr std::string_view lowercaseDigits = "0123456789abcdef";
     const char letter = lettersOfEscapes[static_cast<unsigned char>(character)];
     *to++ = '\\';
     *to++ = letter;
     if (letter != 'u') return to;
     *to++ = '0';
     *to++ = '0';
-    *to++ = hexDigits[static_cast<std::size_t>(character >> 4)];
-    *to++ = hexDigits[static_cast<std::size_t>(character & 0xF)];
+    *to++ = lowercaseDigits[static_cast<std::size_t>(character >> 4)];
+    *to++ = lowercaseDigits[static_cast<std::size_t>(character & 0xF)];
     return to;
 }
 
@@ -159,7 +159,7 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
             if (!value->isText()) return writeLeaf(*value, to);  // which finds it at fault
             to = writeText(*value++, to);
             if constexpr (isPretty) {
-                to = writeWord(" : ", to);
+                to = writeLiteral(" : ", to);
             } else {
                 *to++ = ':';
             }
@@ -252,9 +252,9 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
     switch (leaf.tag()) {
         case AnySlot::absent:
         case AnySlot::null:
-            return writeWord("null", to);
+            return writeLiteral("null", to);
         case AnySlot::boolean:
-            return leaf.truth() ? writeWord("true", to) : writeWord("false", to);
+            return leaf.truth() ? writeLiteral("true", to) : writeLiteral("false", to);
         case AnySlot::int8:
         case AnySlot::int16:
         case AnySlot::int32:

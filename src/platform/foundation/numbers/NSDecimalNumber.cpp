@@ -13,8 +13,8 @@ namespace {
 __extension__ typedef unsigned __int128 Mantissa;
 
 constexpr Mantissa largestMantissa = ~Mantissa{0};
-constexpr int smallestExponent = std::numeric_limits<std::int8_t>::min();
-constexpr int largestExponent = std::numeric_limits<std::int8_t>::max();
+constexpr int leastExponent = std::numeric_limits<std::int8_t>::min();
+constexpr int greatestExponent = std::numeric_limits<std::int8_t>::max();
 
 constexpr Mantissa joined(std::uint64_t high, std::uint64_t low) {
     return static_cast<Mantissa>(high) << 64 | low;
@@ -98,7 +98,7 @@ NSDecimalNumber::NSDecimalNumber(std::uint64_t mantissaHigh, std::uint64_t manti
                                  int exponent, bool isNegative) noexcept {
     Mantissa mantissa = joined(mantissaHigh, mantissaLow);
     if (mantissa == 0) exponent = 0;
-    while (mantissa != 0 && exponent < largestExponent && mantissa % 10 == 0) {
+    while (mantissa != 0 && exponent < greatestExponent && mantissa % 10 == 0) {
         mantissa /= 10;
         ++exponent;
     }
@@ -125,11 +125,11 @@ NSDecimalNumber NSDecimalNumber::parsed(std::string_view text) noexcept {
         int exponent = 0;
         for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
             exponent = exponent * 10 + (text.front() - '0');
-            if (exponent > 2 * largestExponent) return notANumber();
+            if (exponent > 2 * greatestExponent) return notANumber();
         }
         significand.exponent += isExponentNegative ? -exponent : exponent;
     }
-    if (significand.exponent < smallestExponent || significand.exponent > largestExponent) {
+    if (significand.exponent < leastExponent || significand.exponent > greatestExponent) {
         return notANumber();
     }
     return NSDecimalNumber(highHalf(significand.mantissa), lowHalf(significand.mantissa),
