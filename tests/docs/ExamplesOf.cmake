@@ -37,6 +37,7 @@ function(add_examples name document)
     configure_file(Examples.cpp.in ${folder}/Examples.cpp @ONLY)
     add_executable(${name} ${folder}/Examples.cpp)
     target_link_libraries(${name} PRIVATE InkoraKitStatic InkoraFlags)
+    share_precompiled_headers(${name} InkoraHostHeaders)
 endfunction()
 
 # Moves what precedes a mark from `rest` to a variable, drops the mark, and keeps `line` that of what
