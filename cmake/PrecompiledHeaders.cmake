@@ -22,8 +22,9 @@ endfunction()
 # The same for a number of targets, which are compiled alike and share them. What the headers besides
 # need is linked to `name`.
 function(add_precompiled_headers name)
-    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp "")
-    add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+    set(nothing ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+    file(CONFIGURE OUTPUT ${nothing} CONTENT "")
+    add_library(${name} OBJECT EXCLUDE_FROM_ALL ${nothing})
     target_link_libraries(${name} PRIVATE InkoraFlags)
     precompile_headers(${name} ${ARGN})
 endfunction()
