@@ -72,15 +72,15 @@ inline char* writeLiteral(std::string_view word, char* to) {
 }
 
 char* writeEscaped(char character, char* to) {
-    constexpr std::string_view lowercaseDigits = "0123456789abcdef";
+    constexpr std::string_view hexDigits = "0123456789abcdef";
     const char letter = lettersOfEscapes[static_cast<unsigned char>(character)];
     *to++ = '\\';
     *to++ = letter;
     if (letter != 'u') return to;
     *to++ = '0';
     *to++ = '0';
-    *to++ = lowercaseDigits[static_cast<std::size_t>(character >> 4)];
-    *to++ = lowercaseDigits[static_cast<std::size_t>(character & 0xF)];
+    *to++ = hexDigits[static_cast<std::size_t>(character >> 4)];
+    *to++ = hexDigits[static_cast<std::size_t>(character & 0xF)];
     return to;
 }
 
