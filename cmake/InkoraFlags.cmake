@@ -6,7 +6,10 @@ target_compile_options(InkoraFlags INTERFACE
 if(INKORA_SANITIZE)
     target_compile_options(InkoraFlags INTERFACE
         -fsanitize=${INKORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(InkoraFlags INTERFACE -fsanitize=${INKORA_SANITIZE})
+    # A host in C needs what the library needs of them, which is C++.
+    target_link_options(InkoraFlags INTERFACE -fsanitize=${INKORA_SANITIZE}
+        $<$<LINK_LANG_AND_ID:C,Clang>:-fsanitize-link-c++-runtime>)
+    target_link_libraries(InkoraFlags INTERFACE $<$<LINK_LANG_AND_ID:C,Clang>:stdc++>)
 endif()
 if(INKORA_FUZZERS)
     target_compile_options(InkoraFlags INTERFACE -fsanitize=fuzzer-no-link)

@@ -30,13 +30,13 @@ struct Inkora {
         visitor.node();
         switch (value.type()) {
             case Type::dictionary:
-                for (const auto& [key, member] : value) {
+                for (const auto& [key, member] : value.members()) {
                     visitor.text(key.size());
                     visit(member, visitor);
                 }
                 break;
             case Type::array:
-                for (const auto& [position, element] : value) visit(element, visitor);
+                for (const JSON& element : value.elements()) visit(element, visitor);
                 break;
             case Type::string:
                 visitor.text(value.stringView().size());
@@ -51,7 +51,7 @@ struct Inkora {
 
     template <class A, class B, class C>
     static std::int64_t lookup(const Value& value, A first, B second, C third) {
-        return value[first][second][third].intValue();
+        return value.find(first, second, third)->intValue();
     }
 
     static void change(Value& value, std::span<const Step> place, int number) {
@@ -74,7 +74,48 @@ private:
     }
 };
 
-[[maybe_unused]] const bool isAdded = addLibrary<Inkora>();
+/// Values of their own at each step, as most hosts read.
+struct Owning {
+    static constexpr std::string_view name = "InkoraKit owning";
+    static constexpr bool isAnotherWay = true;
+    using Value = JSON;
+
+    static Value parse(std::string_view text) { return Inkora::parse(text); }
+
+    template <class Visitor>
+    static void visit(const Value& value, Visitor& visitor) {
+        const bool isArray = value.type() == Type::array;
+        if (!isArray && value.type() != Type::dictionary) return Inkora::visit(value, visitor);
+        visitor.node();
+        for (const auto& [key, part] : value) {
+            if (!isArray) visitor.text(key.size());
+            visit(part, visitor);
+        }
+    }
+
+    template <class A, class B, class C>
+    static std::int64_t lookup(const Value& value, A first, B second, C third) {
+        return value[first][second][third].intValue();
+    }
+};
+
+/// The same of a value that may change, where each step knows its place.
+struct Places {
+    static constexpr std::string_view name = "InkoraKit places";
+    static constexpr bool isAnotherWay = true;
+    using Value = JSON;
+
+    static Value parse(std::string_view text) { return Inkora::parse(text); }
+
+    template <class A, class B, class C>
+    static std::int64_t lookup(const Value& value, A first, B second, C third) {
+        auto& changeable = const_cast<Value&>(value);  // and is none that was made constant
+        return changeable[first][second][third].intValue();
+    }
+};
+
+[[maybe_unused]] const bool areAdded =
+    addLibrary<Inkora>() && addLibrary<Owning>() && addLibrary<Places>();
 
 }  // namespace
 }  // namespace InkoraKit

@@ -24,6 +24,7 @@ using Position = std::size_t;
 
 inline constexpr std::tuple lookups = {
     Lookup{"lookup-by-key"sv, "citm_catalog"sv, "events"sv, "138586341"sv, "id"sv},
+    Lookup{"lookup-late-key"sv, "citm_catalog"sv, "events"sv, "339420805"sv, "id"sv},
     Lookup{"lookup-by-key"sv, "settings"sv, "layers"sv, "canvas"sv, "shortcut"sv},
     Lookup{"lookup-by-index"sv, "grid"sv, Position{11}, Position{7}, Position{13}},
     Lookup{"lookup-mixed"sv, "twitter"sv, "statuses"sv, Position{50}, "id"sv},

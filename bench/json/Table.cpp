@@ -21,6 +21,7 @@ constexpr Workload workloads[] = {
     {"compact", "Compact text, µs", microsecond},
     {"pretty", "Pretty text, µs", microsecond},
     {"lookup-by-key", "Three steps, each a key, ns"},
+    {"lookup-late-key", "Three keys, the second the 150th of 184, ns"},
     {"lookup-by-index", "Three steps, each a position, ns"},
     {"lookup-mixed", "Three steps: key, position, key, ns"},
     {"walk", "Walk the whole tree, µs", microsecond},

@@ -26,6 +26,11 @@ namespace InkoraKit {
 ///     static std::int64_t lookup(const Value& value, A a, B b, C c);
 ///     static void change(Value& value, std::span<const Step> place, int number);
 ///     static void merge(Value& value, const Value& patch);
+///
+/// One that is another way to read with a library that is there already says so, and is measured
+/// where it walks and looks up only:
+///
+///     static constexpr bool isAnotherWay = true;
 template <class Adapter>
 class Workloads : public Library {
 public:
@@ -145,6 +150,7 @@ private:
     }
 
     static void addReading(const Document& document) {
+        if constexpr (requires { Adapter::isAnotherWay; }) return;
         add("parse", document, [&document] {
             const Value value = Adapter::parse(document.text);
             benchmark::DoNotOptimize(&value);

@@ -3,9 +3,8 @@
 #include <InkoraKit/Export.h>
 #include <InkoraKit/JSON.h>
 
-#include <array>
-#include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace InkoraKit {
 
@@ -24,7 +23,10 @@ public:
     JSONPlace(const JSONPlace& other) noexcept : JSON(static_cast<const JSON&>(other)) {}
     /// The value, which is null afterwards, without the place.
     JSONPlace(JSONPlace&& other) noexcept : JSON(static_cast<JSON&&>(other)) {}
-    ~JSONPlace() = default;
+    ~JSONPlace() {
+        if (next_) next_->standAlone();
+        if (before_) before_->next_ = nullptr;
+    }
 
     // What is written is gone from here, so nothing is returned; JSON minds assigning to itself.
     // NOLINTBEGIN(misc-unconventional-assign-operator, bugprone-unhandled-self-assignment)
@@ -50,8 +52,7 @@ public:
     /// The place one step further.
     template <JSONSubscriptType Step>
     JSONPlace operator[](const Step& step) && {
-        const AnySlot view = stepView(step);
-        return JSONPlace(std::move(*this), part(value_.slot(), view), view);
+        return JSONPlace(std::move(*this), part(value_.slot(), step), stepView(step));
     }
 
     using JSON::setObject;
@@ -73,33 +74,32 @@ private:
     JSONPlace(JSON& root, const AnySlot* found, AnySlot step)
         : JSON(found ? shown(*found) : missing(root.value_.slot(), step)),
           root_(&root),
-          stepCount_(1),
-          steps_{Any::owned(step)} {}
-    JSONPlace(JSONPlace&& parent, const AnySlot* found, AnySlot step)
-        : JSON(found ? JSON(std::move(parent), *found) : missing(parent.value_.slot(), step)),
-          root_(parent.root_),
-          stepCount_(parent.stepCount_),
-          steps_(std::move(parent.steps_)) {
-        parent.value_ = {};  // which, while it lives, would share what is to be written to
-        if (stepCount_ == steps_.size()) joinSteps();
-        steps_[stepCount_++] = Any::owned(step);
+          step_(Any::owned(step)) {}
+    JSONPlace(JSONPlace&& before, const AnySlot* found, AnySlot step)
+        : JSON(found ? JSON(std::move(before), *found) : missing(before.value_.slot(), step)),
+          root_(before.root_),
+          before_(&before),
+          step_(Any::owned(step)) {
+        if (before.next_) before.next_->standAlone();
+        before.next_ = this;
     }
     JSONPlace(JSON& root, const JSONPath& path);
 
-    void joinSteps();
+    /// All steps from the root, as long as the places before this one live.
+    std::vector<AnySlot> steps() const;
+    /// Takes over the steps of the places before it, which most often live until it is gone.
+    [[gnu::cold]] void standAlone();
     void write(JSON value);
 
-    JSON* root_ = nullptr;  // none for a value without a place
-    std::size_t stepCount_ = 0;
-    /// Positions and keys. The first of them may be an array of such, so that there is room for
-    /// any number.
-    std::array<Any, 4> steps_;
+    JSON* root_ = nullptr;         // none for a value without a place
+    JSONPlace* before_ = nullptr;  // one step nearer to the root
+    JSONPlace* next_ = nullptr;    // one step further, if there is such a place
+    Any step_;                     // a position or a key; or an array of such
 };
 
 template <JSONSubscriptType Step>
 JSONPlace JSON::operator[](const Step& step) & {
-    const AnySlot view = stepView(step);
-    return JSONPlace(*this, part(value_.slot(), view), view);
+    return JSONPlace(*this, part(value_.slot(), step), stepView(step));
 }
 
 template <>

@@ -6,6 +6,7 @@
 
 #include <span>
 #include <utility>
+#include <vector>
 
 namespace InkoraKit {
 
@@ -53,20 +54,20 @@ JSONPlace JSON::operator[](const JSONPath& path) & {
 
 /// Writes where the steps lead to, or does nothing: everything before the last step has to be
 /// there, and the last step has to be one that can be taken.
-void JSON::write(std::span<const Any> steps, Any object) {
-    const Any& last = steps.back();
+void JSON::write(std::span<const AnySlot> steps, Any object) {
+    const AnySlot& last = steps.back();
     steps = steps.first(steps.size() - 1);
 
     const AnySlot* place = &value_.slot();
-    for (const Any& step : steps) {
-        place = part(*place, step.slot());
+    for (const AnySlot& step : steps) {
+        place = part(*place, step);
         if (!place) return;
     }
     const JSON& container = shown(*place);
-    if (const auto index = last.as<NSNumber>()) {
+    if (last.tag() == AnySlot::int64) {
         if (container.type() != Type::array) return;
-        if (index->integerValue() >= static_cast<std::int64_t>(container.count())) return;
-        if (index->integerValue() < 0) fatalError("Index out of range");
+        if (last.integer() >= static_cast<std::int64_t>(container.count())) return;
+        if (last.integer() < 0) fatalError("Index out of range");
     } else if (container.type() != Type::dictionary) {
         return;
     }
@@ -77,30 +78,42 @@ void JSON::write(std::span<const Any> steps, Any object) {
     };
     Any formerArray = takeFormerArray();
     Any* target = &value_;
-    for (const Any& step : steps) {
+    for (const AnySlot& step : steps) {
         if (object.slot().isForeign()) Storage::slot(*target).setForeign();
-        target = &placeIn(*target, step.slot());
+        target = &placeIn(*target, step);
         if (target->slot().isForeign()) *target = JSON(*target).contents();
     }
-    Any& written = placeIn(*target, last.slot());
+    Any& written = placeIn(*target, last);
     Storage::slot(*target).note(object.slot());
     written = std::move(object);
     settle(std::move(formerArray));
 }
 
 JSONPlace::JSONPlace(JSON& root, const JSONPath& path)
-    : JSON(std::as_const(root)[path]), root_(&root), stepCount_(1) {
+    : JSON(std::as_const(root)[path]), root_(&root) {
     Array steps;
     for (const JSONKey& step : path) steps.append(Any::owned(stepView(step)));
-    steps_.front() = std::move(steps);
+    step_ = std::move(steps);
 }
 
-/// Makes one array of all steps so far.
-void JSONPlace::joinSteps() {
-    Array all = steps_.front().as<Array>().value_or(Array{steps_.front()});
-    for (std::size_t i = 1; i < stepCount_; ++i) all.append(std::exchange(steps_[i], {}));
-    steps_.front() = std::move(all);
-    stepCount_ = 1;
+std::vector<AnySlot> JSONPlace::steps() const {
+    std::vector<AnySlot> steps;
+    for (const JSONPlace* place = this; place; place = place->before_) {
+        const AnySlot& step = place->step_.slot();
+        if (step.tag() == AnySlot::array) {
+            steps.insert(steps.begin(), step.parts(), step.parts() + step.header().count);
+        } else {
+            steps.insert(steps.begin(), step);
+        }
+    }
+    return steps;
+}
+
+void JSONPlace::standAlone() {
+    Array all;
+    for (const AnySlot& step : steps()) all.append(Storage::asAny(step));
+    step_ = std::move(all);
+    before_ = nullptr;
 }
 
 void JSONPlace::write(JSON value) {
@@ -108,10 +121,10 @@ void JSONPlace::write(JSON value) {
         JSON::operator=(std::move(value));
         return;
     }
-    value_ = {};  // or else what is to change would be shared, and so copied
-    joinSteps();
-    const Array steps = *steps_.front().as<Array>();
-    if (!steps.empty()) root_->JSON::write({steps.begin(), steps.size()}, value.object());
+    // Or else what is to change would be shared, and so copied.
+    for (JSONPlace* place = this; place; place = place->before_) place->value_ = {};
+    const std::vector<AnySlot> steps = this->steps();
+    if (!steps.empty()) root_->JSON::write(steps, value.object());
 }
 
 void JSONPlace::merge(const JSON& other) && {

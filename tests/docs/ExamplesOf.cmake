@@ -40,6 +40,26 @@ function(add_examples name document)
     share_precompiled_headers(${name} InkoraHostHeaders)
 endfunction()
 
+# Adds the one ```c block of a document, a whole program, as a test of what it prints.
+function(add_c_program name document)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${document})
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}.examples)
+    file(READ ${document} rest)
+    set(line 1)
+    take_until("\n```c\n" skipped)
+    take_until("\n```\n" code)
+    take_until("```text\n" skipped)
+    take_until("```\n" output)
+    file(WRITE ${folder}/program.c "${code}\n")
+    file(WRITE ${folder}/expected.txt "${output}")
+    add_executable(${name} ${folder}/program.c)
+    target_link_libraries(${name} PRIVATE InkoraKit InkoraFlags)
+    add_test(NAME ${name}
+        COMMAND ${CMAKE_COMMAND} -DEXPECTED=${folder}/expected.txt
+                -P ${CMAKE_CURRENT_SOURCE_DIR}/Run.cmake -- $<TARGET_FILE:${name}>)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+endfunction()
+
 # Moves what precedes a mark from `rest` to a variable, drops the mark, and keeps `line` that of what
 # is left.
 macro(take_until mark variable)

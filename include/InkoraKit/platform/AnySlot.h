@@ -59,9 +59,9 @@ struct alignas(8) AnySlot {
         longText,  // from here on with a pointer
         malformedText,
         decimal,
-        array,
+        object,
         dictionary,
-        object
+        array  // a bit of its own: 16
     };
 
     static constexpr std::size_t longestShortText = 14;
@@ -131,7 +131,8 @@ struct alignas(8) AnySlot {
     /// Text that is well-formed UTF-8.
     bool isText() const noexcept { return tag() == shortText || tag() == longText; }
 
-    bool isContainer() const noexcept { return tag() == array || tag() == dictionary; }
+    bool isContainer() const noexcept { return tag() >= dictionary; }
+    bool isArray() const noexcept { return (second_ >> tagShift & std::uint64_t{array}) != 0; }
     /// An integer of 64 bits, or of fewer.
     bool isInteger() const noexcept { return tag() >= int8 && tag() <= int64; }
 
@@ -155,13 +156,13 @@ struct alignas(8) AnySlot {
     Owner* owner() const noexcept { return reinterpret_cast<OwnerLink*>(pointer())[-1].owner; }
     /// The elements of an array; keys and values of a dictionary in turns.
     const AnySlot* parts() const noexcept { return reinterpret_cast<const AnySlot*>(pointer()); }
-    /// What an array holds at a position; null if it holds nothing there, or this is no array.
-    const AnySlot* element(std::int64_t position) const noexcept {
-        const auto index = static_cast<std::uint64_t>(position);  // huge when negative
-        return tag() == array && index < header().count ? parts() + index : nullptr;
+    /// What an array holds at a position; null if it holds nothing there.
+    /// @param position huge where it was negative
+    const AnySlot* element(std::uint64_t position) const noexcept {
+        return position < header().count ? parts() + position : nullptr;
     }
-    /// What a dictionary holds under a key, a view; null likewise.
-    INKORA_EXPORT static const AnySlot* member(AnySlot container, AnySlot key) noexcept;
+    /// What a dictionary holds under a key, a view; null if it holds nothing there.
+    INKORA_EXPORT static const AnySlot* member(AnySlot dictionary, AnySlot key) noexcept;
 
     /// Of a text that is not short.
     std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(second_ >> sizeShift); }
@@ -171,8 +172,16 @@ struct alignas(8) AnySlot {
     }
     /// Of a short text it lives in this slot.
     std::string_view text() const noexcept {
-        if (tag() == shortText) return {reinterpret_cast<const char*>(this), shortSize()};
-        return {reinterpret_cast<const char*>(pointer()), size()};
+        return {tag() == shortText ? reinterpret_cast<const char*>(this)
+                                   : reinterpret_cast<const char*>(pointer()),
+                textSize()};
+    }
+    std::size_t textSize() const noexcept {
+        const bool isShort = tag() == shortText;
+        if constexpr (!isLittleEndian) return isShort ? shortSize() : size();
+        // Which of the two it is, no processor can foresee: so both take the same way.
+        const int below = 8 + (shortSizeShift - sizeShift) * static_cast<int>(isShort);
+        return static_cast<std::size_t>(second_ << 8 >> below);
     }
 
 private:
@@ -188,6 +197,6 @@ private:
     std::uint64_t second_ = 0;
 };
 
-static_assert(sizeof(AnySlot) == 16);
+static_assert(sizeof(AnySlot) == 16 && AnySlot::array == 16);
 
 }  // namespace InkoraKit

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 #include <unordered_map>
+#include <utility>
 
 namespace InkoraKit {
 
@@ -24,10 +25,6 @@ constexpr const char* tooDeep = "Too many nested arrays or dictionaries";
 
 bool isDigit(char character) {
     return character >= '0' && character <= '9';
-}
-
-bool isBlank(char character) {
-    return character == ' ' || character == '\n' || character == '\r' || character == '\t';
 }
 
 /// Fills a slot with one store, since it is soon read with one load: a processor makes a load wait
@@ -81,7 +78,7 @@ constexpr std::uint64_t numberOfEightDigits(std::uint64_t word) {
 [[gnu::always_inline]] inline const char* readDigits(const char* text, const char* limit,
                                                      std::uint64_t& number) {
     if constexpr (std::endian::native == std::endian::little) {
-        constexpr std::array<std::uint64_t, 9> powersOfTen{
+        static constexpr std::array<std::uint64_t, 9> powersOfTen{
             1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
         const auto count = static_cast<unsigned>(std::countr_one(Bytes16::load(text).digits()));
         if (count == 0) return text;
@@ -115,14 +112,11 @@ constexpr auto meaningsOfEscapes = [] {
 
 /// What a hexadecimal digit is worth; 16 and more for other characters.
 constexpr auto hexDigits = [] {
-    constexpr std::string_view digits = "0123456789abcdef";
     std::array<std::uint8_t, 256> table{};
     table.fill(16);
-    for (std::size_t i = 0; i < digits.size(); ++i) {
-        table[static_cast<unsigned char>(digits[i])] = static_cast<std::uint8_t>(i);
-        if (i >= 10)
-            table[static_cast<unsigned char>(digits[i] - 0x20)] = static_cast<std::uint8_t>(i);
-    }
+    for (std::uint8_t i = 0; i < 16; ++i)
+        for (const std::string_view digits : {"0123456789abcdef", "0123456789ABCDEF"})
+            table[static_cast<unsigned char>(digits[i])] = i;
     return table;
 }();
 
@@ -205,6 +199,7 @@ const char* JSONReader::moveToEnd(const char* text) {
     if (rest > 0) std::memcpy(copy, text, rest);
     std::memset(copy + rest, 0, padding);
     base_ = reinterpret_cast<std::uintptr_t>(copy) - offset;
+    checked_ = copy + std::max<std::ptrdiff_t>(checked_ - text, 0);
     end_ = copy + rest;
     limit_ = end_ + padding;  // which nothing reaches: the first zero stops everything
     return copy;
@@ -214,20 +209,13 @@ const char* JSONReader::moveToEnd(const char* text) {
 /// or a line break and an indentation.
 [[gnu::always_inline]] inline const char* JSONReader::skipBlanks(const char* text) {
     const auto isPlain = [](char character) { return static_cast<unsigned char>(character) > ' '; };
-    if (text >= limit_) [[unlikely]]
-        text = moveToEnd(text);
-    if (isPlain(*text) || !isBlank(*text)) return text;
-    if (isPlain(*++text)) return text;
-    for (;;) {
-        const std::uint32_t blanks = Bytes16::load(text).equalTo(' ');
-        if (blanks != 0xFFFF) {
-            text += std::countr_one(blanks);
-            return isPlain(*text) ? text : skipManyBlanks(text);
-        }
-        text += 16;
-        if (text >= limit_) [[unlikely]]
-            text = moveToEnd(text);
-    }
+    if (isPlain(*text)) return text;
+    if (*text == ' ' && isPlain(text[1])) return text + 1;
+    if (*text != '\n') return skipManyBlanks(text);
+    std::uint32_t blanks = Bytes16::load(++text).equalTo(' ');
+    if (blanks == 0xFFFF) blanks = Bytes16::load(text += 16).equalTo(' ');
+    text += std::countr_one(blanks);
+    return isPlain(*text) ? text : skipManyBlanks(text);
 }
 
 /// The same for white space of any kind.
@@ -255,6 +243,7 @@ JSONReader::JSONReader(std::string_view text) noexcept
     : text_(text),
       end_(text.data() + text.size()),
       limit_(end_ - std::min(text.size(), endSize)),
+      checked_(text.data()),
       base_(reinterpret_cast<std::uintptr_t>(text.data())) {}
 
 bool JSONReader::read(bool allowFragments, Any& result) {
@@ -301,10 +290,14 @@ bool JSONReader::read(bool allowFragments, Any& result) {
 const char* JSONReader::readDocument(const char* text) {
     AnySlot* top = stack_.begin();
     Frame* frame = frames_.data();
-    *frame = {Place::document, false, 0, 0, nullptr, nullptr, nullptr, 0, 0};
+    *frame = {Place::document, false, 0, top, nullptr, nullptr, nullptr};
+    const AnySlot* expected = nullptr;  // what stood at the place of the value before; or null
     for (;;) {
         // A value begins here.
-        top = stack_.withRoomForTwo(top);  // for it, and for a key after it
+        if (!stack_.hasRoomForTwo(top)) [[unlikely]]  // for it, and for a key after it
+            top = growStack(top, *frame);
+        if (text >= limit_) [[unlikely]]
+            text = moveToEnd(text);
         const char* after = nullptr;
         switch (*text) {
             case '"':
@@ -312,43 +305,28 @@ const char* JSONReader::readDocument(const char* text) {
                 break;
             case '[':
                 if (frame == &frames_.back()) return fail(tooDeep, text);
-                open(Place::array, text, top, *frame, frame[1]);
-                ++frame;
+                openArray(*++frame, text, top, expected);
+                expected = nullptr;
                 text = skipBlanks(text + 1);
                 if (*text != ']') continue;
-                top = closeArray(text, *frame, top);
-                --frame;
+                top = closeArray(text, *frame--, top);
                 after = text + 1;
                 break;
             case '{':
                 if (frame == &frames_.back()) return fail(tooDeep, text);
-                open(Place::dictionary, text, top, *frame, frame[1]);
-                ++frame;
+                openDictionary(*++frame, text, top, expected);
                 text = skipBlanks(text + 1);
                 if (*text != '}') {
-                    text = readKey(text, *frame, *top++);
+                    text = readKey(text, *frame, *top++, expected);
                     if (!text) return nullptr;
                     continue;
                 }
-                top = closeDictionary(text, *frame, frame[-1], top);
-                --frame;
+                top = closeDictionary(text, *frame--, top);
                 after = text + 1;
                 break;
-            case '-':
-            case '0':
-            case '1':
-            case '2':
-            case '3':
-            case '4':
-            case '5':
-            case '6':
-            case '7':
-            case '8':
-            case '9':
-                after = readNumber(text, *top++);
-                break;
             default:
-                after = readWord(text, *frame, *top++);
+                after = *text == '-' || isDigit(*text) ? readNumber(text, *top++)
+                                                       : readWord(text, *frame, *top++);
         }
         if (!after) [[unlikely]] {
             if (isFaulty()) return nullptr;
@@ -359,54 +337,71 @@ const char* JSONReader::readDocument(const char* text) {
         text = after;
         // A value has ended here, and perhaps what it stood in.
         for (;;) {
-            if (frame->place == Place::document) return text;
-            text = skipBlanks(text);
-            if (*text == ',') {
-                text = skipBlanks(text + 1);
-                if (frame->place == Place::array) break;
-                text = readKey(text, *frame, *top++);
-                if (!text) return nullptr;
-                break;
-            }
             if (frame->place == Place::array) {
+                text = skipBlanks(text);
+                if (*text == ',') {
+                    text = skipBlanks(text + 1);
+                    expected = nullptr;
+                    break;
+                }
                 if (*text != ']')
-                    return text == end_ ? fail("Unexpected end of file", text)
-                                        : fail("Badly formed array", text);
-                top = closeArray(text++, *frame, top);
-                --frame;
+                    return fail(text == end_ ? "Unexpected end of file" : "Badly formed array",
+                                text);
+                top = closeArray(text++, *frame--, top);
             } else {
+                if (frame->place == Place::document) return text;
+                text = skipBlanks(text);
+                if (*text == ',') {
+                    text = readKey(skipBlanks(text + 1), *frame, *top++, expected);
+                    if (!text) return nullptr;
+                    break;
+                }
                 if (*text != '}')
-                    return text == end_ ? fail("Unexpected end of file", text)
-                                        : fail("Badly formed object", text);
-                top = closeDictionary(text++, *frame, frame[-1], top);
-                --frame;
+                    return fail(text == end_ ? "Unexpected end of file" : "Badly formed object",
+                                text);
+                top = closeDictionary(text++, *frame--, top);
             }
+            if (text >= limit_) [[unlikely]]
+                text = moveToEnd(text);
         }
     }
 }
 
-[[gnu::always_inline]] inline void JSONReader::open(Place place, const char* text, AnySlot* top,
-                                                    const Frame& outer, Frame& opened) {
-    opened.place = place;
-    opened.opening = offsetOf(text);
-    opened.firstSlot = static_cast<std::size_t>(top - stack_.begin());
-    opened.previous = nullptr;
-    opened.expected = nullptr;
-    opened.hint = nullptr;
-    const AnySlot* const expected = outer.expected;
-    if (place == Place::array) {
-        // Expect the first element to be like the one of the array that stood here before.
-        if (!expected || expected->tag() != AnySlot::array) return;
-        const auto* const first = reinterpret_cast<AnySlot*>(expected->pointer());
-        if (Storage::header(*expected).count > 0 && first->tag() == AnySlot::dictionary)
-            opened.previous = reinterpret_cast<MemberSlots*>(first->pointer());
-        return;
-    }
-    const bool isExpected = expected && expected->tag() == AnySlot::dictionary;
-    opened.hint = isExpected ? reinterpret_cast<MemberSlots*>(expected->pointer()) : outer.previous;
-    opened.hintCount = opened.hint ? reinterpret_cast<const NodeHeader*>(opened.hint)[-1].count : 0;
-    opened.hintPosition = 0;
-    opened.isAsHinted = opened.hint != nullptr;
+/// @return the top
+AnySlot* JSONReader::growStack(AnySlot* top, const Frame& last) {
+    const AnySlot* const before = stack_.begin();
+    AnySlot* const grown = stack_.grow(top);
+    for (Frame* frame = frames_.data(); frame <= &last; ++frame)
+        frame->first = stack_.begin() + (frame->first - before);
+    return grown;
+}
+
+[[gnu::always_inline]] inline void JSONReader::openArray(Frame& frame, const char* text,
+                                                         AnySlot* top, const AnySlot* expected) {
+    frame.place = Place::array;
+    frame.opening = static_cast<std::uint32_t>(offsetOf(text));
+    frame.first = top;
+    frame.previous = nullptr;
+    // Expect the first element to be like the one of the array that stood here before.
+    if (!expected || expected->tag() != AnySlot::array || expected->header().count == 0) return;
+    const auto* const first = reinterpret_cast<const AnySlot*>(expected->pointer());
+    if (first->tag() == AnySlot::dictionary)
+        frame.previous = reinterpret_cast<const MemberSlots*>(first->pointer());
+}
+
+[[gnu::always_inline]] inline void JSONReader::openDictionary(Frame& frame, const char* text,
+                                                              AnySlot* top,
+                                                              const AnySlot* expected) {
+    const MemberSlots* hint = (&frame)[-1].previous;
+    if (expected && expected->tag() == AnySlot::dictionary)
+        hint = reinterpret_cast<const MemberSlots*>(expected->pointer());
+    frame.place = Place::dictionary;
+    frame.isAsHinted = hint != nullptr;
+    frame.opening = static_cast<std::uint32_t>(offsetOf(text));
+    frame.first = top;
+    frame.previous = nullptr;
+    frame.next = hint;
+    frame.end = hint ? hint + reinterpret_cast<const NodeHeader*>(hint)[-1].count : nullptr;
 }
 
 /// How much is left to read, as a multiple of what has been read.
@@ -422,7 +417,7 @@ double JSONReader::toCome(const char* text) const noexcept {
 
 [[gnu::always_inline]] inline AnySlot* JSONReader::closeArray(const char* text, const Frame& frame,
                                                               AnySlot* top) {
-    AnySlot* const slots = stack_.begin() + frame.firstSlot;
+    AnySlot* const slots = frame.first;
     const auto count = static_cast<std::size_t>(top - slots);
     std::byte* const node =
         newNode(allocate(text, sizeof(NodeHeader) + count * sizeof(AnySlot)), count, region_);
@@ -431,10 +426,9 @@ double JSONReader::toCome(const char* text) const noexcept {
     return slots + 1;
 }
 
-[[gnu::always_inline]] inline AnySlot* JSONReader::closeDictionary(const char* text,
-                                                                   const Frame& frame, Frame& outer,
+[[gnu::always_inline]] inline AnySlot* JSONReader::closeDictionary(const char* text, Frame& frame,
                                                                    AnySlot* top) {
-    AnySlot* const slots = stack_.begin() + frame.firstSlot;
+    AnySlot* const slots = frame.first;
     const std::size_t count = static_cast<std::size_t>(top - slots) / 2;
     const std::size_t memberSize = count * sizeof(MemberSlots);
     const bool hasIndex = count > DictionaryIndex::mostWithoutFingerprints;
@@ -447,10 +441,9 @@ double JSONReader::toCome(const char* text) const noexcept {
     bool isRepeating = false;
     if (!hasIndex) {
         isRepeating = !frame.isAsHinted && count > 1 && haveRepeatedKey(members, count);
-    } else if (frame.isAsHinted && isFull(frame.hint, count)) {
+    } else if (frame.isAsHinted && isFull(frame.next - count, count)) {
         // The same keys in the same order have the same index.
-        std::memcpy(node + memberSize, reinterpret_cast<const std::byte*>(frame.hint) + memberSize,
-                    size - memberSize);
+        std::memcpy(node + memberSize, frame.next, size - memberSize);
     } else {
         const NodeHeader& header = reinterpret_cast<NodeHeader*>(node)[-1];
         DictionaryIndex::build(members, header);
@@ -459,7 +452,7 @@ double JSONReader::toCome(const char* text) const noexcept {
     if (isRepeating) [[unlikely]]
         removeRepeatedKeys(node);
     put(*slots, {AnySlot::dictionary, node});
-    outer.previous = members;
+    (&frame)[-1].previous = members;
     return slots + 1;
 }
 
@@ -472,7 +465,8 @@ double JSONReader::toCome(const char* text) const noexcept {
         return static_cast<std::uint32_t>(std::countr_one(equal)) >= size && text[1 + size] == '"';
     }
     const std::uint32_t size = key.size();
-    if (static_cast<std::size_t>(end_ - text) <= size + 1 || text[1 + size] != '"') return false;
+    const auto most = limit_ - text - 2;  // as many can be looked at with both quotes
+    if (most < static_cast<std::ptrdiff_t>(size) || text[1 + size] != '"') return false;
     // Two looks at sixteen bytes, which may overlap, are enough for nearly every key.
     const std::byte* const expected = key.pointer();
     if (size < 16 || size > 32) return std::memcmp(text + 1, expected, size) == 0;
@@ -484,25 +478,17 @@ double JSONReader::toCome(const char* text) const noexcept {
 
 /// @return the value after the key
 [[gnu::always_inline]] inline const char* JSONReader::readKey(const char* text, Frame& frame,
-                                                              AnySlot& key) {
+                                                              AnySlot& key,
+                                                              const AnySlot*& expected) {
     if (*text != '"') [[unlikely]]
         return failAtEndOr("No string key for value in object", text, frame);
-    const auto readsExpected = [&](std::uint32_t position) {
-        if (position >= frame.hintCount) return false;
-        const MemberSlots& member = frame.hint[position];
-        if (!isExpectedKey(text, member.key)) return false;
-        copy(key, member.key);
-        text +=
-            (member.key.tag() == AnySlot::shortText ? member.key.shortSize() : member.key.size()) +
-            2;
-        frame.expected = &member.value;
-        frame.hintPosition = position + 1;
-        return true;
-    };
-    // The next key of the hint or, where that is left out here, the one after it.
-    if (!frame.hint ||
-        (!readsExpected(frame.hintPosition) && !readsExpected(frame.hintPosition + 1))) {
-        frame.expected = nullptr;
+    if (frame.next != frame.end && isExpectedKey(text, frame.next->key)) {
+        const AnySlot& known = frame.next->key;
+        copy(key, known);
+        text += (known.tag() == AnySlot::shortText ? known.shortSize() : known.size()) + 2;
+        expected = &frame.next++->value;
+    } else {
+        expected = nullptr;
         frame.isAsHinted = false;
         const char* after = readText(text + 1, key);
         if (!after && !isFaulty()) after = readText(moveToEnd(text) + 1, key);
@@ -512,6 +498,19 @@ double JSONReader::toCome(const char* text) const noexcept {
     text = skipBlanks(text);
     if (*text != ':') return failAtEndOr("No value for key in object", text, frame);
     return skipBlanks(text + 1);
+}
+
+/// Checks a text together with what follows shortly, since a call for each would take longer.
+bool JSONReader::isUtf8(const char* text, const char* end) {
+    constexpr std::ptrdiff_t mostAhead = 512;
+    checked_ = std::max(checked_, text);
+    while (checked_ < end) {
+        const auto size = static_cast<std::size_t>(std::min(end_ - checked_, mostAhead));
+        const std::size_t wellFormed = wellFormedUtf8Length({checked_, size});
+        if (wellFormed == 0) return false;
+        checked_ += wellFormed;
+    }
+    return true;
 }
 
 /// @param text after the opening quote
@@ -532,62 +531,59 @@ const char* JSONReader::readLongText(const char* text, AnySlot& slot) {
     constexpr std::size_t step = 16;
     constexpr std::size_t mostAtOnce = 3 * step;
     RegionText result(*region_, mostAtOnce);
-    if (!result.hasRoom()) [[unlikely]]
-        result.grow(toCome(text));
+    char* to = result.start();
+    if (!result.hasRoom(to)) [[unlikely]]
+        to = result.grow(to, toCome(text));
     const char* from = text;
     std::uint32_t nonASCII = 0;
     for (;;) {
         const Bytes16 bytes = Bytes16::load(from);
-        bytes.store(result.to);
+        bytes.store(to);
+        nonASCII |= bytes.nonASCII();
         const std::uint32_t specials = specialsOf(bytes);
         if (specials == 0) {
-            nonASCII |= bytes.nonASCII();
             from += step;
-            result.to += step;
+            to += step;
             if (from >= limit_) [[unlikely]]
                 return nullptr;
-            if (!result.hasRoom()) [[unlikely]]
-                result.grow(toCome(from));
+            if (!result.hasRoom(to)) [[unlikely]]
+                to = result.grow(to, toCome(from));
             continue;
         }
         const int plain = std::countr_zero(specials);
-        nonASCII |= bytes.nonASCII() & ((1u << plain) - 1);
         from += plain;
-        result.to += plain;
+        to += plain;
         if (*from == '"') break;
         if (*from != '\\')
             return from == end_ ? fail("Unterminated string", text - 1)
                                 : fail("Unescaped control character", from);
         if (const char meaning = meaningsOfEscapes[static_cast<unsigned char>(from[1])]) {
-            *result.to++ = meaning;
+            *to++ = meaning;
             from += 2;
         } else {
-            from = readUnicodeEscape(from, result.to);
+            char32_t character = 0;
+            from = readUnicodeEscape(from, character);
             if (!from) return nullptr;
+            to = writeUtf8(to, character);
         }
         if (from >= limit_) [[unlikely]]
             return nullptr;
-        if (!result.hasRoom()) [[unlikely]]
-            result.grow(toCome(from));
+        if (!result.hasRoom(to)) [[unlikely]]
+            to = result.grow(to, toCome(from));
     }
-    if (nonASCII != 0) {
-        const std::string_view raw(text, static_cast<std::size_t>(from - text));
-        const std::size_t wellFormed = wellFormedUtf8Length(raw);
-        if (wellFormed != raw.size())
-            return fail("Unable to convert data to string", text + wellFormed);
-    }
-    const std::size_t size = result.size();
+    if (nonASCII != 0 && !isUtf8(text, from))
+        return fail("Unable to convert data to string", checked_);
+    const auto size = static_cast<std::size_t>(to - result.start());
     if (size <= AnySlot::longestShortText) {
         putShortText(slot, Bytes16::load(result.start()), static_cast<std::uint32_t>(size));
     } else {
-        put(slot, {AnySlot::longText, result.keep(), static_cast<std::uint32_t>(size)});
+        put(slot, {AnySlot::longText, result.keep(size), static_cast<std::uint32_t>(size)});
     }
     return from + 1;
 }
 
-/// Reads "\u" and four digits, twice for a character beyond the first 65536. Makes at most four
-/// bytes.
-const char* JSONReader::readUnicodeEscape(const char* text, char*& to) {
+/// Reads "\u" and four digits, twice for a character beyond the first 65536.
+const char* JSONReader::readUnicodeEscape(const char* text, char32_t& character) {
     if (text[1] != 'u') return fail("Invalid escape sequence", text);
     constexpr std::uint32_t invalid = 0x10000;
     const auto unitAt = [](const char* digits) {
@@ -607,7 +603,7 @@ const char* JSONReader::readUnicodeEscape(const char* text, char*& to) {
     const std::uint32_t unit = unitAt(text + 2);
     if (unit == invalid) return invalidDigit(text + 2);
     if (unit < 0xD800 || unit > 0xDFFF) {
-        to = writeUtf8(to, static_cast<char32_t>(unit));
+        character = unit;
         return text + 6;
     }
     constexpr const char* lone = "Lone surrogate in unicode escape sequence";
@@ -615,7 +611,7 @@ const char* JSONReader::readUnicodeEscape(const char* text, char*& to) {
     const std::uint32_t low = unitAt(text + 8);
     if (low == invalid) return invalidDigit(text + 8);
     if (low < 0xDC00 || low > 0xDFFF) return fail(lone, text);
-    to = writeUtf8(to, static_cast<char32_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00)));
+    character = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
     return text + 12;
 }
 
@@ -715,32 +711,32 @@ bool JSONReader::putDecimal(std::string_view numeral, AnySlot& slot) {
     return true;
 }
 
-const char* JSONReader::readWord(const char* text, const Frame& frame, AnySlot& slot) {
-    const std::string_view rest(text, static_cast<std::size_t>(end_ - text));
-    const auto failed = [&](std::string_view word, const char* reason) {
-        const bool isCutShort =
-            frame.place == Place::document && rest.size() < word.size() && word.starts_with(rest);
-        return isCutShort ? fail(endTooEarly, text) : fail(reason, text);
+[[gnu::always_inline]] inline const char* JSONReader::readWord(const char* text, const Frame& frame,
+                                                               AnySlot& slot) {
+    const auto reads = [&](const auto& word, AnySlot meaning) {
+        if (std::memcmp(text, word, sizeof word - 1) != 0) return false;
+        put(slot, meaning);
+        text += sizeof word - 1;
+        return true;
     };
-    switch (*text) {
-        case 't':
-            if (!rest.starts_with("true"))
-                return failed("true", "Something looked like a 'true' but wasn't");
-            put(slot, {AnySlot::boolean, std::uint64_t{1}});
-            return text + 4;
-        case 'f':
-            if (!rest.starts_with("false"))
-                return failed("false", "Something looked like a 'false' but wasn't");
-            put(slot, {AnySlot::boolean, std::uint64_t{0}});
-            return text + 5;
-        case 'n':
-            if (!rest.starts_with("null"))
-                return failed("null", "Something looked like a 'null' but wasn't");
-            put(slot, {AnySlot::null, std::uint64_t{0}});
-            return text + 4;
-        default:
-            return failAtEndOr("Invalid value", text, frame);
+    const bool isWord = reads("null", {AnySlot::null, std::uint64_t{0}}) ||
+                        reads("true", {AnySlot::boolean, std::uint64_t{1}}) ||
+                        reads("false", {AnySlot::boolean, std::uint64_t{0}});
+    return isWord ? text : failAtWord(text, frame);
+}
+
+const char* JSONReader::failAtWord(const char* text, const Frame& frame) {
+    const std::string_view rest(text, static_cast<std::size_t>(end_ - text));
+    const std::pair<std::string_view, const char*> words[] = {
+        {"true", "Something looked like a 'true' but wasn't"},
+        {"false", "Something looked like a 'false' but wasn't"},
+        {"null", "Something looked like a 'null' but wasn't"}};
+    for (const auto& [word, reason] : words) {
+        if (*text != word.front()) continue;
+        const bool isCutShort = frame.place == Place::document && word.starts_with(rest);
+        return fail(isCutShort ? endTooEarly : reason, text);
     }
+    return failAtEndOr("Invalid value", text, frame);
 }
 
 }  // namespace InkoraKit

@@ -47,14 +47,12 @@ private:
 
     struct Frame {
         Place place;
-        bool isAsHinted;  // whether every key so far was one of the hint's, in its order
-        std::uint32_t hintCount;
-        std::uint32_t hintPosition;   // of the key that is expected next
-        const MemberSlots* hint;      // of a dictionary; or null
+        bool isAsHinted;        // whether every key so far was one of the hint's, in its order
+        std::uint32_t opening;  // its offset
+        AnySlot* first;         // its first value or key on the stack
         const MemberSlots* previous;  // the dictionary last closed within this; or null
-        const AnySlot* expected;      // what stood at the place of the next value; or null
-        std::size_t opening;          // its offset
-        std::size_t firstSlot;
+        const MemberSlots* next;      // the one of the hint that is expected next
+        const MemberSlots* end;       // of the hint
     };
 
     /// Where looking at many bytes at a time would go beyond the text, a copy of its end takes
@@ -68,19 +66,22 @@ private:
     // after a fault, and, without one, when what they read reaches into the end of the text: it is
     // then to be read again from the copy of that.
     const char* readDocument(const char* text);
-    const char* readKey(const char* text, Frame& frame, AnySlot& key);
+    const char* readKey(const char* text, Frame& frame, AnySlot& key, const AnySlot*& expected);
     const char* readText(const char* text, AnySlot& slot);
     const char* readLongText(const char* text, AnySlot& slot);
-    const char* readUnicodeEscape(const char* text, char*& to);
+    bool isUtf8(const char* text, const char* end);
+    const char* readUnicodeEscape(const char* text, char32_t& character);
     const char* readNumber(const char* text, AnySlot& slot);
     const char* readLongInteger(const char* start, const char* text, AnySlot& slot);
     const char* readReal(const char* start, const char* text, std::uint64_t mantissa,
                          std::int64_t digits, AnySlot& slot);
     const char* readWord(const char* text, const Frame& frame, AnySlot& slot);
 
-    void open(Place place, const char* text, AnySlot* top, const Frame& outer, Frame& opened);
+    AnySlot* growStack(AnySlot* top, const Frame& last);
+    void openArray(Frame& frame, const char* text, AnySlot* top, const AnySlot* expected);
+    void openDictionary(Frame& frame, const char* text, AnySlot* top, const AnySlot* expected);
     AnySlot* closeArray(const char* text, const Frame& frame, AnySlot* top);
-    AnySlot* closeDictionary(const char* text, const Frame& frame, Frame& outer, AnySlot* top);
+    AnySlot* closeDictionary(const char* text, Frame& frame, AnySlot* top);
 
     bool isExpectedKey(const char* text, const AnySlot& key) const;
     bool putDecimal(std::string_view numeral, AnySlot& slot);
@@ -90,16 +91,18 @@ private:
     std::size_t offsetOf(const char* place) const noexcept {
         return reinterpret_cast<std::uintptr_t>(place) - base_;
     }
+    const char* failAtWord(const char* text, const Frame& frame);
     bool isFaulty() const noexcept { return fault_.reason != nullptr; }
     const char* fail(const char* reason, const char* place);
     const char* failAtEndOr(const char* reason, const char* place, const Frame& frame);
 
-    static constexpr std::size_t endSize = 128;  // more than is looked at without asking
+    static constexpr std::size_t endSize = 256;  // more than a value, and what leads to the next
     static constexpr std::size_t padding = 64;
 
     std::string_view text_;
     const char* end_;
     const char* limit_;    // where the end of the text begins; nowhere once the copy has taken over
+    const char* checked_;  // where what is known to be well-formed UTF-8 ends
     std::uintptr_t base_;  // what an address is to be offset from
     Region* region_ = nullptr;
     SlotStack stack_;

@@ -9,7 +9,7 @@ namespace InkoraKit {
 /// table 3-7): the whole length, or the offset of the first sequence at fault.
 std::size_t wellFormedUtf8Length(std::string_view text) noexcept;
 
-/// The same, as it works where the processor has no SSE2.
+/// The same, as it works where the processor has no AVX2.
 std::size_t wellFormedUtf8LengthPortably(std::string_view text) noexcept;
 
 inline bool isUtf8(std::string_view text) noexcept {

@@ -9,7 +9,7 @@ namespace InkoraKit {
 /// The memory that all contents of one document share: reading it takes a few large pieces instead
 /// of one small piece for each value, and letting go of it frees as many. Nothing in it changes
 /// once the document has been read. It counts as one owner, however many values look into it.
-class Region final : public Owner {
+class alignas(8) Region final : public Owner {
 public:
     /// @param firstSize the room to start with
     static Region* create(std::size_t firstSize);
@@ -35,7 +35,7 @@ public:
     static constexpr std::size_t slack = 16;
 
 private:
-    struct Piece {
+    struct alignas(8) Piece {
         Piece* next;
     };
 

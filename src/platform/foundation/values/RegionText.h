@@ -20,31 +20,29 @@ public:
     }
 
     char* start() const noexcept { return start_; }
-    std::size_t size() const noexcept { return static_cast<std::size_t>(to - start_); }
 
-    bool hasRoom() const noexcept { return to <= last_; }
+    /// @param to where to write on
+    bool hasRoom(const char* to) const noexcept { return to <= last_; }
     /// Makes room for more, of which the region can tell from `toCome` how much to make.
-    void grow(double toCome) {
-        const std::size_t written = size();
+    /// @return where to write on
+    char* grow(const char* to, double toCome) {
+        const auto written = static_cast<std::size_t>(to - start_);
         const char* const before = start_;
         region_.addPiece(sizeof(OwnerLink) + 2 * written + mostAtOnce_, toCome);
         begin();
         std::memcpy(start_, before, written);
-        to = start_ + written;
+        return start_ + written;
     }
 
-    /// Leaves the text in the region. Without that the room is used for something else.
-    char* keep() {
-        new (region_.take(sizeof(OwnerLink) + size())) OwnerLink{&region_};
+    /// Leaves a text of that size in the region. Without that the room is used for something else.
+    char* keep(std::size_t size) {
+        new (region_.take(sizeof(OwnerLink) + size)) OwnerLink{&region_};
         return start_;
     }
-
-    char* to;  ///< Where to write on.
 
 private:
     void begin() noexcept {
         start_ = reinterpret_cast<char*>(region_.next()) + sizeof(OwnerLink);
-        to = start_;
         last_ = reinterpret_cast<char*>(region_.end()) - mostAtOnce_;
     }
 

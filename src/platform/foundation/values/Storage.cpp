@@ -151,10 +151,9 @@ Any Storage::emptyDictionary() noexcept {
     return emptyContainer(AnySlot::dictionary, emptyDictionaryNode);
 }
 
-const AnySlot* AnySlot::member(AnySlot container, AnySlot key) noexcept {
-    if (container.tag() != dictionary) return nullptr;
-    const auto* const members = reinterpret_cast<const MemberSlots*>(container.pointer());
-    const auto position = DictionaryIndex::find(members, container.header(), key);
+const AnySlot* AnySlot::member(AnySlot dictionary, AnySlot key) noexcept {
+    const auto* const members = reinterpret_cast<const MemberSlots*>(dictionary.pointer());
+    const auto position = DictionaryIndex::find(members, dictionary.header(), key);
     return position ? &members[*position].value : nullptr;
 }
 
