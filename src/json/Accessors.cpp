@@ -1,5 +1,6 @@
 #include <InkoraKit/JSON.h>
 
+#include "platform/foundation/text/Characters.h"
 #include "platform/foundation/text/PercentEncoding.h"
 #include "platform/foundation/values/Storage.h"
 
@@ -57,10 +58,8 @@ namespace {
 
 /// Whether the text is the word, which is in lower case, in any case.
 bool isWord(std::string_view text, std::string_view word) {
-    return std::ranges::equal(text, word, [](char character, char letter) {
-        const bool isUpper = character >= 'A' && character <= 'Z';
-        return (isUpper ? character - 'A' + 'a' : character) == letter;
-    });
+    return std::ranges::equal(
+        text, word, [](char character, char letter) { return lowered(character) == letter; });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "platform/foundation/numbers/DecimalToDouble.h"
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/text/Characters.h"
 #include "platform/foundation/text/Utf8.h"
 #include "platform/foundation/values/DictionaryIndex.h"
 #include "platform/foundation/values/RegionText.h"
@@ -22,10 +23,6 @@ namespace {
 
 constexpr const char* endTooEarly = "Unexpected end of file during JSON parse.";
 constexpr const char* tooDeep = "Too many nested arrays or dictionaries";
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 /// Fills a slot with one store, since it is soon read with one load: a processor makes a load wait
 /// that spans several recent stores.

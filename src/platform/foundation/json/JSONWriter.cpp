@@ -2,23 +2,17 @@
 
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/text/Characters.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <span>
 
 namespace InkoraKit {
 
 namespace {
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
-char lowered(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character | 0x20) : character;
-}
 
 /// Takes the digits at the start off the text, and leading zeros off the digits.
 std::string_view takeNumber(std::string_view& text) {
@@ -55,14 +49,16 @@ bool isBefore(const MemberSlots* left, const MemberSlots* right) {
     return leftKey < rightKey;
 }
 
-/// By character: the letter after the backslash, "u" where digits follow; zero where there is none.
-constexpr auto lettersOfEscapes = [] {
+/// By character: how it is escaped, and in the last byte the length of that.
+constexpr auto escapes = [] {
+    constexpr std::string_view hexDigits = "0123456789abcdef";
     constexpr std::string_view characters = "\"\\/\b\f\n\r\t";
     constexpr std::string_view letters = "\"\\/bfnrt";
-    std::array<char, 256> table{};
-    for (std::size_t i = 0; i < 0x20; ++i) table[i] = 'u';
+    std::array<std::array<char, 8>, 128> table{};
+    for (std::size_t i = 0; i < 0x20; ++i)
+        table[i] = {'\\', 'u', '0', '0', hexDigits[i >> 4], hexDigits[i & 0xF], 0, 6};
     for (std::size_t i = 0; i < letters.size(); ++i)
-        table[static_cast<unsigned char>(characters[i])] = letters[i];
+        table[static_cast<unsigned char>(characters[i])] = {'\\', letters[i], 0, 0, 0, 0, 0, 2};
     return table;
 }();
 
@@ -71,17 +67,19 @@ inline char* writeLiteral(std::string_view word, char* to) {
     return to + word.size();
 }
 
-char* writeEscaped(char character, char* to) {
-    constexpr std::string_view hexDigits = "0123456789abcdef";
-    const char letter = lettersOfEscapes[static_cast<unsigned char>(character)];
-    *to++ = '\\';
-    *to++ = letter;
-    if (letter != 'u') return to;
-    *to++ = '0';
-    *to++ = '0';
-    *to++ = hexDigits[static_cast<std::size_t>(character >> 4)];
-    *to++ = hexDigits[static_cast<std::size_t>(character & 0xF)];
-    return to;
+inline char* writeEscaped(char character, char* to) {
+    const auto& escape = escapes[static_cast<unsigned char>(character)];
+    std::memcpy(to, escape.data(), escape.size());
+    return to + escape.back();
+}
+
+/// Without setting what is new, where the library can do that.
+void resizeUninitialised(std::string& text, std::size_t size) {
+#if defined(__cpp_lib_string_resize_and_overwrite)
+    text.resize_and_overwrite(size, [](const char*, std::size_t room) { return room; });
+#else
+    text.resize(size);
+#endif
 }
 
 }  // namespace
@@ -99,6 +97,11 @@ char* JSONWriter::fail(std::string_view reason) {
     return nullptr;
 }
 
+/// Of what is no JSON.
+char* JSONWriter::failAt(const AnySlot& value) {
+    return fail("Invalid type in JSON write (" + Storage::asAny(value).description() + ")");
+}
+
 bool JSONWriter::write(const Any& value, std::string& result) {
     const AnySlot& root = Storage::slot(value);
     if (!root.isContainer() && !has(JSONSerialization::WritingOptions::allowFragments)) {
@@ -107,56 +110,74 @@ bool JSONWriter::write(const Any& value, std::string& result) {
     }
     result_ = &result;
     root_ = &root;
-    char* const end = has(JSONSerialization::WritingOptions::prettyPrinted)
-                          ? writeDocument<true>(root, buffer_.data())
-                          : writeDocument<false>(root, buffer_.data());
-    if (end) result.append(buffer_.data(), static_cast<std::size_t>(end - buffer_.data()));
-    return end != nullptr;
+    const char* const end = has(JSONSerialization::WritingOptions::prettyPrinted)
+                                ? writeDocument<true>(root, begin_)
+                                : writeDocument<false>(root, begin_);
+    if (!end) return false;
+    const auto size = static_cast<std::size_t>(end - begin_);
+    if (begin_ == buffer_.data()) {
+        result.assign(begin_, size);
+    } else {
+        result.resize(size);
+    }
+    return true;
 }
 
-char* JSONWriter::flush(char* to) {
-    // A result that grows again and again is copied as often. Where indentation makes the most of
-    // it, it takes less time to count first.
-    constexpr std::size_t large = std::size_t{128} * 1024;
-    if (!isReserved_ && result_->size() > large &&
-        has(JSONSerialization::WritingOptions::prettyPrinted)) {
-        result_->reserve(expectedSize(*root_));
-        isReserved_ = true;
-    }
-    result_->append(buffer_.data(), static_cast<std::size_t>(to - buffer_.data()));
-    return buffer_.data();
+/// Goes on where there is more room. What has been written is copied, which is why there is much.
+char* JSONWriter::grow(char* to) {
+    const auto written = static_cast<std::size_t>(to - begin_);
+    std::size_t size = 4 * std::min(written, result_->max_size() / 4);
+    // What is nested deeply is little but indentation, and so much of it that counting takes less
+    // time than having copied or asked for too much.
+    constexpr std::ptrdiff_t sample = 4096;
+    if (has(JSONSerialization::WritingOptions::prettyPrinted) &&
+        std::count(to - sample, to, ' ') > sample / 8 * 7)
+        size = std::max(2 * written, expectedSize(*root_));
+    resizeUninitialised(*result_, size);
+    if (begin_ == buffer_.data()) std::memcpy(result_->data(), begin_, written);
+    begin_ = result_->data();
+    end_ = begin_ + size;
+    return begin_ + written;
 }
 
 template <bool isPretty>
 char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
-    if (!root.isContainer()) return writeLeaf(root, to);
-    Frame frame = begun(root);
-    *to++ = frame.hasKeys ? '{' : '[';
-    bool isFirst = true;
+    const AnySlot* value = &root;
+    Frame frame{};  // around the root, where nothing follows
+    std::size_t depth = 0;
     for (;;) {
+        bool isFirst = value->isContainer();
+        if (isFirst) {
+            if (frame.remaining >= 2)  // its sibling's header is asked for ahead of time
+                __builtin_prefetch(frame.next[frame.remaining & 1].pointer());
+            frames_[depth++] = frame;
+            frame = begun(*value);
+            *to++ = frame.hasKeys() ? '{' : '[';
+        } else {
+            to = writeLeaf(*value, to);
+            if (!to) return nullptr;
+        }
         to = ensure(to, mostAtOnce);
-        if (frame.remaining == 0) {
+        while (frame.remaining < 2) {
+            if (depth == 0) return to;
             if constexpr (isPretty) {
                 if (isFirst) *to++ = '\n';  // an empty one has a line of its own
-                to = breakLine(to, frames_.size());
+                to = breakLine(to, depth - 1);
             }
-            *to++ = frame.hasKeys ? '}' : ']';
-            if (frames_.empty()) return to;
-            frame = frames_.back();
-            frames_.pop_back();
+            *to++ = frame.hasKeys() ? '}' : ']';
+            frame = frames_[--depth];
             isFirst = false;
-            continue;
+            if constexpr (isPretty) to = ensure(to, mostAtOnce);
         }
-        --frame.remaining;
+        frame.remaining -= 2;
         *to = ',';
         to += isFirst ? 0 : 1;
-        isFirst = false;
-        if constexpr (isPretty) to = breakLine(to, frames_.size() + 1);
-        const AnySlot* value = frame.next++;
-        if (frame.hasKeys) {
+        if constexpr (isPretty) to = breakLine(to, depth);
+        value = frame.next++;
+        if (frame.hasKeys()) {
             ++frame.next;
-            if (frame.isSorted) value = nextSorted();
-            if (!value->isText()) return writeLeaf(*value, to);  // which finds it at fault
+            if (has(JSONSerialization::WritingOptions::sortedKeys)) value = nextSorted();
+            if (!value->isText()) return failAt(*value);
             to = writeText(*value++, to);
             if constexpr (isPretty) {
                 to = writeLiteral(" : ", to);
@@ -164,25 +185,15 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
                 *to++ = ':';
             }
         }
-        if (frames_.size() + 1 == mostNested) return fail("Too many nested arrays or dictionaries");
-        if (value->isContainer()) {
-            frames_.push_back(frame);
-            frame = begun(*value);
-            *to++ = frame.hasKeys ? '{' : '[';
-            isFirst = true;
-            continue;
-        }
-        to = writeLeaf(*value, to);
-        if (!to) return nullptr;
+        if (depth == mostNested) return fail("Too many nested arrays or dictionaries");
     }
 }
 
 [[gnu::always_inline]] inline JSONWriter::Frame JSONWriter::begun(const AnySlot& container) {
     const bool hasKeys = container.tag() == AnySlot::dictionary;
-    const bool isSorted = hasKeys && has(JSONSerialization::WritingOptions::sortedKeys);
-    if (isSorted) sortMembers(container);
-    return {reinterpret_cast<AnySlot*>(container.pointer()), container.header().count, hasKeys,
-            isSorted};
+    if (hasKeys && has(JSONSerialization::WritingOptions::sortedKeys)) sortMembers(container);
+    return {reinterpret_cast<AnySlot*>(container.pointer()),
+            std::uint64_t{container.header().count} << 1 | std::uint64_t{hasKeys}};
 }
 
 void JSONWriter::sortMembers(const AnySlot& dictionary) {
@@ -199,36 +210,24 @@ const AnySlot* JSONWriter::nextSorted() {
     return &member->key;
 }
 
-/// About how long a pretty text will be. Escapes make it longer, short numbers shorter.
+/// At least how long a pretty text will be, but for escapes and long numbers.
 std::size_t JSONWriter::expectedSize(const AnySlot& root) {
-    if (!root.isContainer()) return 0;
-    const auto sizeOfLeaf = [](const AnySlot& leaf) -> std::size_t {
-        if (leaf.isText()) return leaf.text().size() + 2;
-        if (leaf.isInteger()) {
-            const auto magnitude = static_cast<std::uint64_t>(std::abs(leaf.integer() | 1));
-            return static_cast<std::size_t>(std::bit_width(magnitude)) * 3 / 10 + 2;
-        }
-        return leaf.tag() >= AnySlot::uint64 ? 20 : 5;
-    };
-    std::size_t size = 0;
+    std::size_t size = mostAtOnce;
     std::vector<std::pair<const AnySlot*, std::size_t>> pending{{&root, 1}};  // with their depths
     while (!pending.empty()) {
         const auto [container, depth] = pending.back();
         pending.pop_back();
-        const bool hasKeys = container->tag() == AnySlot::dictionary;
-        const auto* next = reinterpret_cast<const AnySlot*>(container->pointer());
-        const std::size_t count = container->header().count;
-        const std::size_t around = 2 + 2 * depth + (hasKeys ? 3 : 0);
-        size += 2 + (count + 1) * around;
         if (depth > mostNested) break;
-        for (std::size_t i = 0; i < count; ++i) {
-            if (hasKeys) size += sizeOfLeaf(*next++);
-            if (next->isContainer()) {
-                pending.emplace_back(next, depth + 1);
+        const std::size_t count = container->header().count;
+        size += 2 + (count + 1) * (2 + 2 * depth);
+        const std::size_t slots = container->tag() == AnySlot::dictionary ? 2 * count : count;
+        const auto* const first = reinterpret_cast<const AnySlot*>(container->pointer());
+        for (const AnySlot& slot : std::span(first, slots)) {
+            if (slot.isContainer()) {
+                pending.emplace_back(&slot, depth + 1);
             } else {
-                size += sizeOfLeaf(*next);
+                size += slot.isText() ? slot.text().size() + 5 : 8;
             }
-            ++next;
         }
     }
     return size;
@@ -246,9 +245,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
 
 [[gnu::always_inline]] inline char* JSONWriter::writeLeaf(const AnySlot& leaf, char* to) {
     if (leaf.isText()) return writeText(leaf, to);
-    constexpr std::size_t longest = 32;
-    static_assert(longest >= longestRealText && longest >= longestIntegerText);
-    to = ensure(to, longest);
+    static_assert(mostAfterText >= 16 + longestRealText && longestRealText >= longestIntegerText);
     switch (leaf.tag()) {
         case AnySlot::absent:
         case AnySlot::null:
@@ -270,7 +267,7 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
         case AnySlot::decimal:
             return writeNumber(leaf, to);
         default:
-            return fail("Invalid type in JSON write (" + Storage::asAny(leaf).description() + ")");
+            return failAt(leaf);
     }
 }
 
@@ -284,10 +281,9 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
     return std::ranges::copy(text, to).out;
 }
 
-/// Afterwards there is room for another two steps.
+/// Needs and leaves room for `mostAfterText`, as all that ends in it does.
 [[gnu::always_inline]] inline char* JSONWriter::writeText(const AnySlot& slot, char* to) {
     if (slot.tag() != AnySlot::shortText) return writeAnyText(slot, to);
-    to = ensure(to, 64);
     const std::uint32_t size = slot.shortSize();
     const Bytes16 bytes = Bytes16::load(&slot);
     if ((specialsOf(bytes) & ((1u << size) - 1)) != 0) return writeAnyText(slot, to);
@@ -315,27 +311,27 @@ char* JSONWriter::writeAnyText(const AnySlot& slot, char* to) {
     } else {
         from = slot.text().data();
     }
-    to = ensure(to, 8 * step);
     *to++ = '"';
     for (;;) {
+        to = ensure(to, mostAfterText + 7 * step);  // of six characters each
         const Bytes16 bytes = Bytes16::load(from);
         bytes.store(to);
         std::uint32_t specials = specialsOf(bytes);
         if (rest < step) specials &= (1u << rest) - 1;
-        if (specials != 0) {
-            const int plain = std::countr_zero(specials);
-            to = writeEscaped(from[plain], to + plain);
-            from += plain + 1;
-            rest -= static_cast<std::size_t>(plain) + 1;
-        } else if (rest <= step) {
-            to += rest;
-            break;
-        } else {
-            to += step;
-            from += step;
-            rest -= step;
+        std::size_t done = 0;
+        for (; specials != 0; specials &= specials - 1) {
+            const auto plain = static_cast<std::size_t>(std::countr_zero(specials));
+            to = writeEscaped(from[plain], to + plain - done);
+            done = plain + 1;
+            Bytes16::load(from + done).store(to);
         }
-        to = ensure(to, 8 * step);
+        if (rest <= step) {
+            to += rest - done;
+            break;
+        }
+        to += step - done;
+        from += step;
+        rest -= step;
     }
     *to++ = '"';
     return to;

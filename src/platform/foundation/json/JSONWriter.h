@@ -22,20 +22,21 @@ public:
 
     explicit JSONWriter(JSONSerialization::WritingOptions options);
 
+    /// @param result takes the text. What it held before is lost, and it may keep room for more.
     /// @return whether the value could be written; if not, `fault()` tells why.
     bool write(const Any& value, std::string& result);
     const std::string& fault() const noexcept { return fault_; }
 
 private:
-    /// An array or dictionary that has been begun.
+    /// An array or dictionary that has been begun: what it has yet to show.
     struct Frame {
-        const AnySlot* next;  // element, or key and value of a member
-        std::uint32_t remaining;
-        bool hasKeys;
-        bool isSorted;  // its members are at the end of sorted_, the next one last
+        const AnySlot* next;      // element, or key and value of a member
+        std::uint64_t remaining;  // twice as many, and one more if they have keys
+
+        bool hasKeys() const noexcept { return (remaining & 1) != 0; }
     };
 
-    // These take the place in the buffer to write to, and give back that after what they wrote.
+    // These take the place to write to, and give back that after what they wrote.
 
     template <bool isPretty>
     char* writeDocument(const AnySlot& root, char* to);
@@ -45,6 +46,7 @@ private:
     char* writeAnyText(const AnySlot& text, char* to);
     static char* breakLine(char* to, std::size_t depth);
     char* fail(std::string_view reason);
+    char* failAt(const AnySlot& value);
 
     Frame begun(const AnySlot& container);
     void sortMembers(const AnySlot& dictionary);
@@ -55,24 +57,24 @@ private:
 
     /// Makes room for so many more bytes, of at most `mostAtOnce`.
     char* ensure(char* to, std::size_t size) {
-        return static_cast<std::size_t>(buffer_.data() + buffer_.size() - to) < size ? flush(to)
-                                                                                     : to;
+        return static_cast<std::size_t>(end_ - to) < size ? grow(to) : to;
     }
-    char* flush(char* to);
+    char* grow(char* to);
 
-    static constexpr std::size_t mostAtOnce = 2 * mostNested + 64;  // an indentation
+    static constexpr std::size_t mostAfterText = 64;  // a colon, a number or the next short text
+    static constexpr std::size_t mostAtOnce = 2 * mostNested + 2 * mostAfterText;  // indented
 
     JSONSerialization::WritingOptions options_;
     std::uint32_t slashes_;  // of the bytes that are slashes, those to escape
     const AnySlot* root_ = nullptr;
     std::string* result_ = nullptr;
-    bool isReserved_ = false;
     std::string fault_;
-    std::vector<Frame> frames_;  // around the innermost
-    std::vector<const MemberSlots*> sorted_;
-    // What is written passes through here, where it stays in the processor's nearest cache until
-    // the result grows by all of it at once.
+    std::vector<const MemberSlots*> sorted_;  // of the dictionaries begun, the next one last
+    std::array<Frame, mostNested> frames_;    // around the innermost
     std::array<char, std::size_t{16} * 1024> buffer_;
+    // Where the text is: in the buffer, until it is too long for that, then in the result.
+    char* begin_ = buffer_.data();
+    char* end_ = buffer_.data() + buffer_.size();
 };
 
 }  // namespace InkoraKit

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/numbers/Ordering.h"
+#include "platform/foundation/text/Characters.h"
 
 #include <algorithm>
 #include <limits>
@@ -45,10 +46,6 @@ ComparisonResult compareMagnitudes(Mantissa left, int leftExponent, Mantissa rig
         left *= 10;
     }
     return ordered(left, right);
-}
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
 }
 
 /// Takes the first character off the text if it is one of those wanted.

@@ -1,6 +1,7 @@
 #include "platform/foundation/numbers/NumberText.h"
 
 #include "platform/foundation/numbers/ShortestDecimal.h"
+#include "platform/foundation/text/Bytes16.h"
 
 #include <algorithm>
 #include <array>
@@ -11,17 +12,13 @@
 #include <limits>
 #include <system_error>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace InkoraKit {
 
 namespace {
-
-constexpr auto powersOfTen64 = [] {
-    std::array<std::uint64_t, 20> powers{1};
-    for (std::size_t index = 1; index < powers.size(); ++index) {
-        powers[index] = powers[index - 1] * 10;
-    }
-    return powers;
-}();
 
 /// "00" to "99"
 constexpr auto digitPairs = [] {
@@ -31,13 +28,6 @@ constexpr auto digitPairs = [] {
     }
     return pairs;
 }();
-
-std::size_t digitCount(std::uint64_t value) {
-    value |= 1;  // for zero to have a digit, the others have as many as before
-    // 1233 / 2^12 is a little more than log10(2), so that this is right or one short.
-    const auto count = static_cast<std::size_t>(std::bit_width(value)) * 1233 >> 12;
-    return count + (value >= powersOfTen64[count]);
-}
 
 void writePair(char* to, std::uint32_t pair) {
     std::memcpy(to, digitPairs[pair].data(), 2);
@@ -65,6 +55,7 @@ void store(char* to, std::uint64_t digits, unsigned skipped = 0) {
 }
 
 constexpr std::uint64_t tenToThe8th = 100'000'000;
+constexpr std::uint64_t tenToThe16th = tenToThe8th * tenToThe8th;
 
 /// @param value below 10^8
 char* writeUpToEight(char* to, std::uint64_t value) {
@@ -75,29 +66,51 @@ char* writeUpToEight(char* to, std::uint64_t value) {
     return to + 8 - zeros;
 }
 
-char* writeDigits(char* to, std::uint64_t value) {
-    if (value < tenToThe8th) return writeUpToEight(to, value);
-    const std::uint64_t upper = value / tenToThe8th;
-    if (upper < tenToThe8th) {
-        to = writeUpToEight(to, upper);
-    } else {
-        to = writeUpToEight(to, upper / tenToThe8th);
-        store(to, eightDigits(static_cast<std::uint32_t>(upper % tenToThe8th)));
-        to += 8;
-    }
-    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)));
-    return to + 8;
+/// @param value below 10^16
+Bytes16 sixteenCharacters(std::uint64_t value) {
+    const auto upper = static_cast<std::uint32_t>(value / tenToThe8th);
+    const auto lower = static_cast<std::uint32_t>(value % tenToThe8th);
+#if defined(__SSE2__)
+    // What eightDigits() does, for both at once.
+    const __m128i eights = _mm_set_epi64x(lower, upper);
+    __m128i quotients = _mm_srli_epi64(_mm_mul_epu32(eights, _mm_set1_epi64x(0xD1B71759)), 45);
+    __m128i rests = _mm_sub_epi64(eights, _mm_mul_epu32(quotients, _mm_set1_epi64x(10'000)));
+    const __m128i fours = _mm_or_si128(quotients, _mm_slli_epi64(rests, 32));
+    quotients = _mm_srli_epi16(_mm_mulhi_epu16(fours, _mm_set1_epi16(5243)), 3);
+    rests = _mm_sub_epi16(fours, _mm_mullo_epi16(quotients, _mm_set1_epi16(100)));
+    const __m128i pairs = _mm_or_si128(quotients, _mm_slli_epi32(rests, 16));
+    quotients = _mm_mulhi_epu16(pairs, _mm_set1_epi16(6554));
+    rests = _mm_sub_epi16(pairs, _mm_mullo_epi16(quotients, _mm_set1_epi16(10)));
+    const __m128i digits = _mm_or_si128(quotients, _mm_slli_epi16(rests, 8));
+    const __m128i characters = _mm_or_si128(digits, _mm_set1_epi8('0'));
+    return Bytes16::load(&characters);
+#else
+    std::array<char, 16> characters;
+    store(characters.data(), eightDigits(upper));
+    store(characters.data() + 8, eightDigits(lower));
+    return Bytes16::load(characters.data());
+#endif
 }
 
-/// Writes as many digits as told, zeros first where the value has fewer.
-char* writeFixed(char* to, std::uint64_t value, unsigned count) {
-    if (count > 8) {
-        store(to, eightDigits(static_cast<std::uint32_t>(value / tenToThe8th)), 16 - count);
-        to += count - 8;
-        count = 8;
+char* writeDigits(char* to, std::uint64_t value) {
+    if (value < tenToThe8th) return writeUpToEight(to, value);
+    if (value < tenToThe16th) {
+        to = writeUpToEight(to, value / tenToThe8th);
+        store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)));
+        return to + 8;
     }
-    store(to, eightDigits(static_cast<std::uint32_t>(value % tenToThe8th)), 8 - count);
-    return to + count;
+    to = writeUpToEight(to, value / tenToThe16th);
+    sixteenCharacters(value % tenToThe16th).store(to);
+    return to + 16;
+}
+
+/// Writes the digits of a decimal.
+/// @return how many there are but for zeros at the end
+int writeDigits(char* to, ShortestDecimal decimal) {
+    *to = static_cast<char>('0' + decimal.digits / tenToThe16th);
+    const Bytes16 others = sixteenCharacters(decimal.digits % tenToThe16th);
+    others.store(to + 1);
+    return 17 - std::countl_one(others.equalTo('0') << 16);
 }
 
 char* writeWord(char* to, std::string_view word) {
@@ -105,29 +118,27 @@ char* writeWord(char* to, std::string_view word) {
 }
 
 /// As in 12.5, 0.0125. The decimal is not whole.
-char* writePlain(char* to, double magnitude, ShortestDecimal decimal) {
-    const auto places = static_cast<unsigned>(-decimal.exponent);
-    if (magnitude < 1) {
-        writeWord(to, "0.000");
-        return writeDigits(to + 2 + places - digitCount(decimal.digits), decimal.digits);
+char* writePlain(char* to, ShortestDecimal decimal) {
+    const int whole = 17 + decimal.exponent;  // digits ahead of the point
+    if (whole <= 0) {
+        to = writeWord(to, "0.000") - 3 - whole;
+        return to + writeDigits(to, decimal);
     }
-    // The decimal has the value's whole part: whole numbers are doubles, thus no decimal beyond the
-    // next of them reads back to the value. It has 17 digits at most, so 16 after the point.
-    const auto whole = static_cast<std::uint64_t>(static_cast<std::int64_t>(magnitude));
-    to = writeDigits(to, whole);
-    *to++ = '.';
-    return writeFixed(to, decimal.digits - whole * powersOfTen64[places], places);
+    const int count = writeDigits(to, decimal);
+    char* const point = to + whole;
+    Bytes16::load(point).store(point + 1);
+    *point = '.';
+    return to + count + 1;
 }
 
 /// As in 1e-05, 1.25e+300.
 char* writeScientific(char* to, ShortestDecimal decimal) {
-    const auto count = static_cast<int>(digitCount(decimal.digits));
-    const int exponent = count - 1 + decimal.exponent;
-    writeDigits(to + 1, decimal.digits);
+    const int count = writeDigits(to + 1, decimal);
     to[0] = to[1];
     to[1] = '.';
     to += count == 1 ? 1 : count + 1;
     *to++ = 'e';
+    const int exponent = 16 + decimal.exponent;
     *to++ = exponent < 0 ? '-' : '+';
     const auto magnitude = static_cast<std::uint32_t>(std::abs(exponent));
     if (magnitude >= 100) *to++ = static_cast<char>('0' + magnitude / 100);
@@ -168,9 +179,9 @@ char* writeInteger(char* to, std::uint64_t value) noexcept {
 
 char* writeInteger(char* to, std::int64_t value) noexcept {
     const auto bits = static_cast<std::uint64_t>(value);
-    if (value >= 0) return writeInteger(to, bits);
     *to = '-';
-    return writeInteger(to + 1, 0 - bits);
+    to += value < 0;  // without a branch, which signs at random would mislead
+    return writeDigits(to, value < 0 ? 0 - bits : bits);
 }
 
 char* writeShortest(char* to, double value, double largestPlain) noexcept {
@@ -185,7 +196,7 @@ char* writeShortest(char* to, double value, double largestPlain) noexcept {
     if (std::isinf(value)) return writeWord(to, "inf");
     const ShortestDecimal decimal = shortestDecimal(magnitude);
     const bool isPlain = magnitude >= 1e-4 && magnitude <= largestPlain;
-    return isPlain ? writePlain(to, magnitude, decimal) : writeScientific(to, decimal);
+    return isPlain ? writePlain(to, decimal) : writeScientific(to, decimal);
 }
 
 void appendShortest(std::string& text, double value, double largestPlain) {

@@ -9,7 +9,7 @@ namespace InkoraKit {
 
 /// The room that the writers below need at `to`, in characters.
 constexpr std::size_t longestIntegerText = 20;
-constexpr std::size_t longestRealText = 32;
+constexpr std::size_t longestRealText = 40;
 
 /// The last values that numbers show in plain digits, as `%g` does with the digits that a type is
 /// good for.

@@ -33,19 +33,7 @@ constexpr int floorLog10OfThreeQuartersPowerOfTwo(int exponent) {
     return (exponent * 1262611 - 524031) >> 22;
 }
 
-/// @param decimal of 16 digits at most, thus with 8 + 4 + 2 + 1 zeros at most
-ShortestDecimal withoutTrailingZeros(ShortestDecimal decimal) {
-    const auto remove = [&](int zeros, std::uint64_t power) {
-        if (decimal.digits % power != 0) return;
-        decimal.digits /= power;
-        decimal.exponent += zeros;
-    };
-    remove(8, 100'000'000);
-    remove(4, 10'000);
-    remove(2, 100);
-    remove(1, 10);
-    return decimal;
-}
+constexpr std::uint64_t tenToThe16th = 10'000'000'000'000'000;
 
 }  // namespace
 
@@ -70,14 +58,20 @@ ShortestDecimal shortestDecimal(double magnitude) noexcept {
     const std::uint64_t isOpen = mantissa & 1;
     const std::uint64_t lower = scaled((4 * mantissa - 2 + isLowerNear) << shift, power) + isOpen;
     const std::uint64_t upper = scaled((4 * mantissa + 2) << shift, power) - isOpen;
-    const std::uint64_t tens = upper / 40;
-    if (40 * tens >= lower) return withoutTrailingZeros({tens, exponent + 1});
-
     const std::uint64_t value = scaled((4 * mantissa) << shift, power);
     const std::uint64_t isOdd = value >> 2 & 1;
     std::uint64_t nearest = (value + 1 + isOdd) >> 2;            // the even one of two as near
     nearest += static_cast<std::uint64_t>(4 * nearest < lower);  // if outside the short half
-    return {nearest, exponent};
+
+    // Which one it is and how long cannot be foreseen, so both are chosen without a branch. Only
+    // subnormal numbers have fewer than 16 digits.
+    const std::uint64_t tens = upper / 40;
+    ShortestDecimal decimal{40 * tens >= lower ? 10 * tens : nearest, exponent};
+    const bool isShort = decimal.digits < tenToThe16th;
+    decimal.digits *= isShort ? 10 : 1;
+    decimal.exponent -= isShort;
+    for (; decimal.digits < tenToThe16th; --decimal.exponent) decimal.digits *= 10;
+    return decimal;
 }
 
 }  // namespace InkoraKit

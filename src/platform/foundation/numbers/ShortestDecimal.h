@@ -4,7 +4,7 @@
 
 namespace InkoraKit {
 
-/// digits × 10^exponent. The digits are 17 at most, the last of them is not zero.
+/// digits × 10^exponent. There are 17 digits, the last of which may be zeros.
 struct ShortestDecimal {
     std::uint64_t digits;
     int exponent;

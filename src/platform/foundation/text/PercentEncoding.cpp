@@ -1,28 +1,13 @@
 #include "platform/foundation/text/PercentEncoding.h"
 
+#include "platform/foundation/text/Characters.h"
 #include "platform/foundation/text/Utf8.h"
 
 namespace InkoraKit {
-namespace {
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
-bool isLetterUpTo(char last, char character) {
-    const char lower = static_cast<char>(character | 0x20);
-    return lower >= 'a' && lower <= last;
-}
-
-bool isHexDigit(char character) {
-    return isDigit(character) || isLetterUpTo('f', character);
-}
-
-}  // namespace
 
 bool isAllowedInQuery(char character) noexcept {
     constexpr std::string_view punctuation = "!$&'()*+,-./:;=?@_~";
-    return isLetterUpTo('z', character) || isDigit(character) ||
+    return isLetter(character) || isDigit(character) ||
            punctuation.find(character) != std::string_view::npos;
 }
 
