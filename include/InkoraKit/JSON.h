@@ -79,11 +79,12 @@ public:
     /// named, and gives type `unknown` with `ErrorUnsupportedType`; so does a text that is not
     /// UTF-8.
     template <class T>
-    requires(!std::derived_from<std::remove_cvref_t<T>, JSON>) &&
-        (CanBeJSON<std::remove_cvref_t<T>> ||
-         ForeignToJSON<std::remove_cvref_t<T>>)explicit(!isJSONValue<std::remove_cvref_t<T>>)
-            JSON(T&& value)
+    requires(!CannotBeJSON<T> &&
+             !std::derived_from<std::remove_cvref_t<T>, JSON>) explicit(!CanBeJSON<T>)
+        JSON(T&& value)
         : JSON(made(std::forward<T>(value))) {}
+    /// No pointer, enumeration, character, pair, variant or `long double` becomes a `JSON`.
+    JSON(CannotBeJSON auto&&) = delete;  // JSON holds truth values, numbers, texts, ranges, maps
 
     /// A dictionary: `JSON{{"name", "desk"}, {"ports", std::vector{1, 2}}}`. Of two members with
     /// one key the last one counts. `JSON` values in a `Dictionary` become what they hold.

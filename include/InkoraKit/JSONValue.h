@@ -66,21 +66,31 @@ requires(!isJSONLeaf<T>) && JSONRange<T> inline constexpr bool isJSONValue<T> =
 
 /// What a `JSON` can be made of: a truth value, a number, a text, null, and what is made of these.
 template <class T>
-concept CanBeJSON = isJSONValue<T>;
+concept CanBeJSON = isJSONValue<std::remove_cvref_t<T>>;
 
-/// An object of a class that JSON knows nothing of. It makes a `JSON` of type `unknown`, and only
-/// where that is asked for by name. Pointers, enumerations, characters and `long double` are no
-/// objects; nor are ranges, optionals, tuples and variants, which could be taken for something that
-/// JSON holds.
+/// What could be taken for something that JSON holds.
 template <class T>
-concept ForeignToJSON = std::is_class_v<T> && !CanBeJSON<T> && !JSONRange<T> && !requires {
+concept TupleLike = requires {
     std::tuple_size<T>::value;
-}
-&&!requires {
+};
+template <class T>
+concept VariantLike = requires {
     std::variant_size<T>::value;
-}
-&&!requires(const T& value) {
+};
+template <class T>
+concept OptionalLike = requires(const T& value) {
     value.has_value();
 };
+
+/// An object of a class that JSON knows nothing of. It makes a `JSON` of type `unknown`, and only
+/// where that is asked for by name.
+template <class T>
+inline constexpr bool isForeignToJSON = std::is_class_v<T> && !CanBeJSON<T> && !JSONRange<T> &&
+                                        !TupleLike<T> && !VariantLike<T> && !OptionalLike<T>;
+
+/// What no `JSON` is made of: neither values nor objects are pointers, enumerations, characters and
+/// `long double`.
+template <class T>
+concept CannotBeJSON = !CanBeJSON<T> && !isForeignToJSON<std::remove_cvref_t<T>>;
 
 }  // namespace InkoraKit
