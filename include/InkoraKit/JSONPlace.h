@@ -76,6 +76,7 @@ private:
         : JSON(found ? shown(*found) : missing(root.value_.slot(), step)),
           root_(&root),
           step_(Any::owned(step)) {}
+    // Only what it has as a JSON is moved. NOLINTBEGIN(bugprone-use-after-move)
     [[gnu::always_inline]] JSONPlace(JSONPlace&& before, const AnySlot* found, AnySlot step)
         : JSON(found ? JSON(std::move(before), *found) : missing(before.value_.slot(), step)),
           root_(before.root_),
@@ -84,6 +85,7 @@ private:
         if (before.next_) before.next_->standAlone();
         before.next_ = this;
     }
+    // NOLINTEND(bugprone-use-after-move)
     JSONPlace(JSON& root, const JSONPath& path);
 
     /// All steps from the root, as long as the places before this one live.

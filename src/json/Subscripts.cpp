@@ -128,7 +128,8 @@ void JSONPlace::write(JSON value) {
 }
 
 void JSONPlace::merge(const JSON& other) && {
-    const JSON others = other;  // which may be part of what changes
+    // A copy, since it may be what changes. NOLINTNEXTLINE(performance-unnecessary-copy-init*)
+    const JSON others = other;
     JSON value = static_cast<JSON&&>(*this);
     if (value.type() == others.type()) write({});  // or else the value would be shared, and copied
     value.merge(others);

@@ -69,10 +69,10 @@ struct alignas(8) AnySlot {
 
     constexpr AnySlot() noexcept = default;
     constexpr AnySlot(Tag tag, std::uint64_t payload) noexcept
-        : first_(payload), second_(std::uint64_t{tag} << tagShift) {}
+        : first_(payload), second_(tag * tagUnit) {}
     AnySlot(Tag tag, const void* pointer, std::uint32_t size = 0) noexcept
         : first_(reinterpret_cast<std::uintptr_t>(pointer)),
-          second_(std::uint64_t{tag} << tagShift | std::uint64_t{size} << sizeShift) {}
+          second_(tag * tagUnit | std::uint64_t{size} << sizeShift) {}
 
     /// A view of a text in the form that slots have, to compare it with them. It owns nothing.
     /// Inlined, since it is to stay in registers: two words that have just been stored one by one
@@ -82,7 +82,7 @@ struct alignas(8) AnySlot {
         if (size > longestShortText)
             return {longText, text.data(), static_cast<std::uint32_t>(size)};
         AnySlot slot;
-        slot.second_ = std::uint64_t{size} << shortSizeShift | std::uint64_t{shortText} << tagShift;
+        slot.second_ = std::uint64_t{size} << shortSizeShift | shortText * tagUnit;
         if constexpr (isLittleEndian) {
             // From loads that overlap, each into a register: bytes that both have are the same.
             const auto wordOf = [&](auto word, std::size_t offset) {
@@ -192,9 +192,10 @@ private:
     static constexpr int tagShift = isLittleEndian ? 56 : 0;
     static constexpr int shortSizeShift = isLittleEndian ? 48 : 8;
     static constexpr int sizeShift = isLittleEndian ? 0 : 32;
-    static constexpr std::uint64_t countedFlag = std::uint64_t{0x80} << tagShift;
-    static constexpr std::uint64_t foreignFlag = std::uint64_t{0x40} << tagShift;
-    static constexpr std::uint64_t gapsFlag = std::uint64_t{0x20} << tagShift;
+    static constexpr std::uint64_t tagUnit = std::uint64_t{1} << tagShift;
+    static constexpr std::uint64_t countedFlag = 0x80 * tagUnit;
+    static constexpr std::uint64_t foreignFlag = 0x40 * tagUnit;
+    static constexpr std::uint64_t gapsFlag = 0x20 * tagUnit;
 
     std::uint64_t first_ = 0;
     std::uint64_t second_ = 0;
