@@ -70,6 +70,7 @@ Any unwrapped(Any value) {
     std::vector<Any*> places{&value};
     for (std::size_t i = 0; i < places.size(); ++i) {  // which grow on the way
         Any& place = *places[i];
+        if (!place.slot().isForeign()) continue;
         if (const JSON* const json = place.as<JSON>()) {
             place = json->object();
         } else if (isArrayOfJSON(place)) {
@@ -97,15 +98,17 @@ JSON JSON::fromElements(std::span<const JSON> elements) {
 }
 
 JSON JSON::fromAny(Any value) {
+    JSON result;
+    if (!value.slot().isForeign()) {
+        result.value_ = std::move(value);
+        return result;
+    }
     if (const auto* const data = value.as<Data>()) return JSON(*data);
     if (const auto* const elements = value.as<std::vector<JSON>>()) return fromElements(*elements);
     if (auto members = dictionaryFromMap(value)) value = *std::move(members);
-    JSON result;
-    if (isArrayOfJSON(value) || isDictionaryOfJSON(value)) {
-        result.value_ = withParts(value, [](const Any& part) { return part.as<JSON>()->object(); });
-    } else {
-        result.value_ = std::move(value);
-    }
+    if (isArrayOfJSON(value) || isDictionaryOfJSON(value))
+        value = withParts(value, [](const Any& part) { return part.as<JSON>()->object(); });
+    result.value_ = std::move(value);
     result.settle();
     return result;
 }

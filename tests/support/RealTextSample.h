@@ -88,7 +88,7 @@ private:
             default: {  // a double, or halfway between two, or next to these
                 constexpr std::array<std::uint64_t, 5> fives{1, 5, 25, 125, 625};
                 const std::uint64_t halfway = (std::uint64_t{1} << 53) | random_() >> 11;
-                const std::uint64_t power = below(fives.size());
+                const auto power = static_cast<std::size_t>(below(fives.size()));
                 return {halfway * fives[power] + below(3) - 1, -static_cast<std::int64_t>(power)};
             }
         }

@@ -39,8 +39,9 @@ struct NodeHeader {
 /// leads to alive by other means.
 ///
 /// The tag has five bits. Above them are the flags: that the slot is counted as a user; that it is
-/// an object or a container that may hold one, however deep; that it is an array that may hold
-/// absent elements. What a reader makes has neither of the latter two.
+/// foreign, which an object and a malformed text are, and a container that may hold one, however
+/// deep; that it is a container that may have absent parts. What a reader makes has neither of the
+/// latter two.
 ///
 /// Two words and nothing else, so that compilers keep a slot in registers.
 struct alignas(8) AnySlot {
@@ -110,10 +111,10 @@ struct alignas(8) AnySlot {
     void setCounted() noexcept { second_ |= countedFlag; }
     void clearCounted() noexcept { second_ &= ~countedFlag; }
 
-    /// Whether it is an object, or may hold one.
+    /// Whether it is an object or a malformed text, or may hold one.
     bool isForeign() const noexcept { return (second_ & foreignFlag) != 0; }
     void setForeign() noexcept { second_ |= foreignFlag; }
-    /// Whether no element is an object, holds one or is absent.
+    /// Whether it is not foreign and has no absent parts.
     bool isPlain() const noexcept { return (second_ & (foreignFlag | gapsFlag)) == 0; }
     /// Of a container: takes note of what it holds from now on.
     void note(const AnySlot& part) noexcept {

@@ -33,8 +33,9 @@ TEST(NSNumberTest, RemembersWhatItWasMadeFrom) {
     const std::pair<std::string, std::vector<NSNumber>> cases[] = {
         {"B", {true, false}},                {"c", {static_cast<signed char>(1)}},
         {"s", {std::uint8_t{127}, short{1}}}, {"i", {std::uint16_t{1}, 1}},
-        {"f", {1.0f}},                       {"q", {1u, 1L, 1LL, 1UL, std::uint64_t{int64Max}}},
-        {"d", {1.0, decimal("1")}},          {"Q", {std::uint64_t{int64Max} + 1}}};
+        {"f", {1.0f}},                        {"d", {1.0, decimal("1")}},
+        {"q", {1u, std::int64_t{1}, 1LL, 1UL, std::uint64_t{int64Max}}},
+        {"Q", {std::uint64_t{int64Max} + 1}}};
     // clang-format on
     for (const auto& [code, numbers] : cases) {
         for (const NSNumber& number : numbers) {

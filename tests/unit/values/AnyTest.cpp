@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace InkoraKit {
@@ -72,6 +74,9 @@ TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {
         expectMembers(members, i);
     }
     EXPECT_TRUE(Array().size() + Dictionary().size() == 0 && Array().begin() == Array().end());
+    // The size of these is one more than addresses can count.
+    EXPECT_THROW(members.reserve(std::numeric_limits<std::size_t>::max() / 32 + 1),
+                 std::length_error);
 }
 
 TEST(AnyTest, EqualValuesHaveEqualHashes) {

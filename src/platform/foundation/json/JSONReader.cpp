@@ -428,23 +428,22 @@ double JSONReader::toCome(const char* text) const noexcept {
     AnySlot* const slots = frame.first;
     const std::size_t count = static_cast<std::size_t>(top - slots) / 2;
     const std::size_t memberSize = count * sizeof(MemberSlots);
-    const bool hasIndex = count > DictionaryIndex::mostWithoutFingerprints;
+    const bool hasTable = count > DictionaryIndex::mostWithoutTable;
     const std::size_t size =
-        hasIndex ? DictionaryIndex::size(static_cast<std::uint32_t>(count)) : memberSize;
+        hasTable ? DictionaryIndex::size(static_cast<std::uint32_t>(count)) : memberSize;
     std::byte* const node = newNode(allocate(text, sizeof(NodeHeader) + size), count, region_);
     auto* const members = reinterpret_cast<MemberSlots*>(node);
     copySlots(node, slots, count * 2);
 
     bool isRepeating = false;
-    if (!hasIndex) {
+    if (!hasTable) {
         isRepeating = !frame.isAsHinted && count > 1 && haveRepeatedKey(members, count);
     } else if (frame.isAsHinted && isFull(frame.next - count, count)) {
-        // The same keys in the same order have the same index.
+        // The same keys in the same order have the same table.
         std::memcpy(node + memberSize, frame.next, size - memberSize);
     } else {
         const NodeHeader& header = reinterpret_cast<NodeHeader*>(node)[-1];
-        DictionaryIndex::build(members, header);
-        isRepeating = !frame.isAsHinted && DictionaryIndex::hasRepeatedKey(members, header);
+        isRepeating = !DictionaryIndex::build(members, header);
     }
     if (isRepeating) [[unlikely]]
         removeRepeatedKeys(node);

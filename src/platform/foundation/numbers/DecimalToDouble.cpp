@@ -1,6 +1,7 @@
 #include "platform/foundation/numbers/DecimalToDouble.h"
 
 #include "platform/foundation/numbers/PowersOfTen.h"
+#include "platform/foundation/numbers/Words.h"
 
 #include <bit>
 #include <limits>
@@ -8,8 +9,6 @@
 namespace InkoraKit {
 
 namespace {
-
-__extension__ typedef unsigned __int128 Product;
 
 constexpr int fractionBits = 52;
 constexpr int exponentBias = 1023;
@@ -32,10 +31,8 @@ std::optional<double> nearestDoubleOfManyDigits(std::uint64_t mantissa,
     mantissa <<= leadingZeros;
 
     // The upper 128 bits of a product of 192.
-    const Product low = static_cast<Product>(mantissa) * five.low;
-    const Product product = static_cast<Product>(mantissa) * five.high + (low >> 64);
-    const auto high = static_cast<std::uint64_t>(product >> 64);
-    const auto middle = static_cast<std::uint64_t>(product);
+    const auto [carry, low] = multiplied(mantissa, five.low);
+    const auto [high, middle] = multiplied(mantissa, five.high, carry);
 
     // The 53 bits of a double and one that rounds.
     const int topBit = static_cast<int>(high >> 63);
@@ -50,7 +47,7 @@ std::optional<double> nearestDoubleOfManyDigits(std::uint64_t mantissa,
         if ((bits & 1) == 0 || biasedExponent <= 0) return std::nullopt;
     }
     // With a rounded power no product is a tie: the true one is above.
-    if (isExact && rest == 0 && middle == 0 && static_cast<std::uint64_t>(low) == 0) {
+    if (isExact && rest == 0 && middle == 0 && low == 0) {
         bits -= static_cast<std::uint64_t>((bits & 3) == 1);  // of two as near the even one
     }
     if (biasedExponent >= infiniteExponent) return std::numeric_limits<double>::infinity();

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/numbers/Ordering.h"
+#include "platform/foundation/numbers/Words.h"
 #include "platform/foundation/text/Characters.h"
 
 #include <algorithm>
@@ -11,29 +12,38 @@ namespace InkoraKit {
 
 namespace {
 
-__extension__ typedef unsigned __int128 Mantissa;
+using Mantissa = TwoWords;
 
-constexpr Mantissa largestMantissa = ~Mantissa{0};
+constexpr Mantissa zeroMantissa{0, 0};
 constexpr int smallestExponent = std::numeric_limits<std::int8_t>::min();
 constexpr int largestExponent = std::numeric_limits<std::int8_t>::max();
 
-constexpr Mantissa joined(std::uint64_t high, std::uint64_t low) {
-    return static_cast<Mantissa>(high) << 64 | low;
+struct Quotient {
+    Mantissa mantissa;
+    std::uint64_t remainder = 0;
+};
+
+constexpr Quotient quotientOf(Mantissa mantissa, std::uint32_t divisor) {
+    Quotient quotient;
+    quotient.mantissa.high = divided(mantissa.high, divisor, quotient.remainder);
+    quotient.mantissa.low = divided(mantissa.low, divisor, quotient.remainder);
+    return quotient;
 }
 
-constexpr std::uint64_t highHalf(Mantissa mantissa) {
-    return static_cast<std::uint64_t>(mantissa >> 64);
+/// The mantissa with one more digit at its end; of a result that is too large the low bits.
+constexpr Mantissa withDigit(Mantissa mantissa, unsigned digit) {
+    const TwoWords low = multiplied(mantissa.low, 10, digit);
+    return {mantissa.high * 10 + low.high, low.low};
 }
 
-constexpr std::uint64_t lowHalf(Mantissa mantissa) {
-    return static_cast<std::uint64_t>(mantissa);
-}
+/// The largest mantissa is this one with the digit 5 at its end.
+constexpr Mantissa largestTenth = quotientOf({~std::uint64_t{0}, ~std::uint64_t{0}}, 10).mantissa;
 
 std::string digitsOf(Mantissa mantissa) {
-    if (highHalf(mantissa) == 0) return std::to_string(lowHalf(mantissa));
-    constexpr std::uint64_t tenToThe19th = 10'000'000'000'000'000'000u;
-    const std::string low = std::to_string(lowHalf(mantissa % tenToThe19th));
-    return digitsOf(mantissa / tenToThe19th) + std::string(19 - low.size(), '0') + low;
+    if (mantissa.high == 0) return std::to_string(mantissa.low);
+    const Quotient billions = quotientOf(mantissa, 1'000'000'000);
+    const std::string low = std::to_string(billions.remainder);
+    return digitsOf(billions.mantissa) + std::string(9 - low.size(), '0') + low;
 }
 
 ComparisonResult compareMagnitudes(Mantissa left, int leftExponent, Mantissa right,
@@ -42,8 +52,8 @@ ComparisonResult compareMagnitudes(Mantissa left, int leftExponent, Mantissa rig
         return reversed(compareMagnitudes(right, rightExponent, left, leftExponent));
     }
     for (int zeros = leftExponent - rightExponent; zeros > 0; --zeros) {
-        if (left > largestMantissa / 10) return ComparisonResult::orderedDescending;
-        left *= 10;
+        if (left > largestTenth) return ComparisonResult::orderedDescending;
+        left = withDigit(left, 0);
     }
     return ordered(left, right);
 }
@@ -65,7 +75,7 @@ bool takeSign(std::string_view& text) {
 
 /// The digits of a numeral on their way into the mantissa.
 struct Significand {
-    Mantissa mantissa = 0;
+    Mantissa mantissa = zeroMantissa;
     std::int64_t exponent = 0;
     bool hasDigits = false;
     bool isFull = false;
@@ -78,9 +88,8 @@ struct Significand {
 
     void append(unsigned digit, bool isFraction) {
         hasDigits = true;
-        isFull = isFull || mantissa > largestMantissa / 10 ||
-                 (mantissa == largestMantissa / 10 && digit > largestMantissa % 10);
-        if (!isFull) mantissa = mantissa * 10 + digit;
+        isFull = isFull || mantissa > largestTenth || (mantissa == largestTenth && digit > 5);
+        if (!isFull) mantissa = withDigit(mantissa, digit);
         // A digit after the point moves the point; one before it that found no room does so the
         // other way.
         if (isFraction != isFull) exponent += isFraction ? -1 : 1;
@@ -93,16 +102,18 @@ NSDecimalNumber::NSDecimalNumber(std::string_view text) noexcept : NSDecimalNumb
 
 NSDecimalNumber::NSDecimalNumber(std::uint64_t mantissaHigh, std::uint64_t mantissaLow,
                                  int exponent, bool isNegative) noexcept {
-    Mantissa mantissa = joined(mantissaHigh, mantissaLow);
-    if (mantissa == 0) exponent = 0;
-    while (mantissa != 0 && exponent < largestExponent && mantissa % 10 == 0) {
-        mantissa /= 10;
-        ++exponent;
+    Mantissa mantissa{mantissaHigh, mantissaLow};
+    const bool isZero = mantissa == zeroMantissa;
+    if (isZero) exponent = 0;
+    for (; !isZero && exponent < largestExponent; ++exponent) {
+        const Quotient tens = quotientOf(mantissa, 10);
+        if (tens.remainder != 0) break;
+        mantissa = tens.mantissa;
     }
-    mantissaHigh_ = highHalf(mantissa);
-    mantissaLow_ = lowHalf(mantissa);
+    mantissaHigh_ = mantissa.high;
+    mantissaLow_ = mantissa.low;
     exponent_ = static_cast<std::int8_t>(exponent);
-    isNegative_ = isNegative && mantissa != 0;
+    isNegative_ = isNegative && !isZero;
 }
 
 NSDecimalNumber NSDecimalNumber::parsed(std::string_view text) noexcept {
@@ -129,7 +140,7 @@ NSDecimalNumber NSDecimalNumber::parsed(std::string_view text) noexcept {
     if (significand.exponent < smallestExponent || significand.exponent > largestExponent) {
         return notANumber();
     }
-    return NSDecimalNumber(highHalf(significand.mantissa), lowHalf(significand.mantissa),
+    return NSDecimalNumber(significand.mantissa.high, significand.mantissa.low,
                            static_cast<int>(significand.exponent), isNegative);
 }
 
@@ -148,10 +159,11 @@ std::int64_t NSDecimalNumber::integerValue() const noexcept {
 }
 
 std::uint64_t NSDecimalNumber::unsignedIntegerValue() const noexcept {
-    Mantissa magnitude = joined(mantissaHigh_, mantissaLow_);
-    for (int exponent = exponent_; exponent < 0; ++exponent) magnitude /= 10;
-    for (int exponent = exponent_; exponent > 0; --exponent) magnitude *= 10;  // the low bits stay
-    return isNegative_ ? 0 - lowHalf(magnitude) : lowHalf(magnitude);
+    Mantissa magnitude{mantissaHigh_, mantissaLow_};
+    for (int exponent = exponent_; exponent < 0; ++exponent)
+        magnitude = quotientOf(magnitude, 10).mantissa;
+    for (int exponent = exponent_; exponent > 0; --exponent) magnitude = withDigit(magnitude, 0);
+    return isNegative_ ? 0 - magnitude.low : magnitude.low;
 }
 
 double NSDecimalNumber::doubleValue() const {
@@ -160,7 +172,7 @@ double NSDecimalNumber::doubleValue() const {
 
 std::string NSDecimalNumber::stringValue() const {
     if (isNaN_) return "NaN";
-    std::string digits = digitsOf(joined(mantissaHigh_, mantissaLow_));
+    std::string digits = digitsOf({mantissaHigh_, mantissaLow_});
     if (exponent_ >= 0) {
         digits.append(static_cast<std::size_t>(exponent_), '0');
     } else {
@@ -178,8 +190,8 @@ ComparisonResult NSDecimalNumber::compare(const NSDecimalNumber& other) const no
     };
     if (rank(*this) != rank(other)) return ordered(rank(*this), rank(other));
     const ComparisonResult magnitudes =
-        compareMagnitudes(joined(mantissaHigh_, mantissaLow_), exponent_,
-                          joined(other.mantissaHigh_, other.mantissaLow_), other.exponent_);
+        compareMagnitudes({mantissaHigh_, mantissaLow_}, exponent_,
+                          {other.mantissaHigh_, other.mantissaLow_}, other.exponent_);
     return isNegative_ ? reversed(magnitudes) : magnitudes;
 }
 

@@ -5,12 +5,11 @@
 
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 namespace InkoraKit {
 
 namespace {
-
-__extension__ typedef __int128 Int128;
 
 constexpr std::int64_t largestInt64 = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t smallestInt64 = std::numeric_limits<std::int64_t>::min();
@@ -51,11 +50,13 @@ ComparisonResult compareReals(double left, double right) noexcept {
 }
 
 /// Exact, although neither type holds all values of the other.
-ComparisonResult compareExactly(Int128 integer, double real) noexcept {
-    if (!(std::abs(real) <= 0x1p64)) return compareReals(static_cast<double>(integer), real);
-    const auto truncated = static_cast<Int128>(real);
-    if (integer != truncated) return ordered(integer, truncated);
-    return ordered(static_cast<double>(truncated), real);  // what the fraction decides
+template <class Integer>
+ComparisonResult compareExactly(Integer integer, double real) noexcept {
+    const auto nearest = static_cast<double>(integer);
+    if (nearest != real) return compareReals(nearest, real);  // rounding changes no order
+    constexpr double firstTooLarge = std::is_signed_v<Integer> ? 0x1p63 : 0x1p64;
+    if (real == firstTooLarge) return ComparisonResult::orderedAscending;
+    return ordered(integer, static_cast<Integer>(real));
 }
 
 }  // namespace
@@ -141,17 +142,22 @@ std::string NSNumber::stringValue() const {
 }
 
 ComparisonResult NSNumber::compare(const NSNumber& other) const {
-    const auto exactInteger = [](const NSNumber& number) -> Int128 {
-        if (number.kind_ == Kind::uint64) return number.unsignedIntegerValue();
-        return number.integer_;
+    const auto compareWithReal = [](const NSNumber& integer, double real) {
+        return integer.kind_ == Kind::uint64 ? compareExactly(integer.unsignedIntegerValue(), real)
+                                             : compareExactly(integer.integer_, real);
+    };
+    const auto isBeyondInt64 = [](const NSNumber& integer) {
+        return integer.kind_ == Kind::uint64 && integer.integer_ < 0;
     };
     if (isReal() && (other.isReal() || other.isDecimal()))
         return compareReals(real_, other.doubleValue());
     if (isDecimal() && other.isReal()) return compareReals(doubleValue(), other.real_);
     if (isDecimal() || other.isDecimal()) return decimalValue().compare(other.decimalValue());
-    if (isReal()) return reversed(compareExactly(exactInteger(other), real_));
-    if (other.isReal()) return compareExactly(exactInteger(*this), other.real_);
-    return ordered(exactInteger(*this), exactInteger(other));
+    if (isReal()) return reversed(compareWithReal(other, real_));
+    if (other.isReal()) return compareWithReal(*this, other.real_);
+    if (isBeyondInt64(*this) != isBeyondInt64(other))
+        return ordered(isBeyondInt64(*this), isBeyondInt64(other));
+    return ordered(integer_, other.integer_);  // beyond int64 their bits have the same order
 }
 
 std::size_t NSNumber::hash() const {

@@ -1,13 +1,13 @@
 #include "platform/foundation/numbers/PowersOfTen.h"
 
+#include "platform/foundation/numbers/Words.h"
+
 #include <algorithm>
 #include <bit>
 
 namespace InkoraKit {
 
 namespace {
-
-__extension__ typedef unsigned __int128 Product;
 
 /// An integer of up to 960 bits, least significant limb first. It holds 5^324, and it keeps more
 /// than 128 bits of its top bit divided by 5^342.
@@ -16,20 +16,17 @@ using Limbs = std::array<std::uint64_t, 15>;
 constexpr void multiplyByFive(Limbs& integer) {
     std::uint64_t carry = 0;
     for (std::uint64_t& limb : integer) {
-        const Product product = static_cast<Product>(limb) * 5 + carry;
-        limb = static_cast<std::uint64_t>(product);
-        carry = static_cast<std::uint64_t>(product >> 64);
+        const TwoWords product = multiplied(limb, 5, carry);
+        limb = product.low;
+        carry = product.high;
     }
 }
 
 /// Rounds down, which done again and again is as good as one division rounded down.
 constexpr void divideByFive(Limbs& integer) {
     std::uint64_t remainder = 0;
-    for (std::size_t index = integer.size(); index-- > 0;) {
-        const Product dividend = static_cast<Product>(remainder) << 64 | integer[index];
-        integer[index] = static_cast<std::uint64_t>(dividend / 5);
-        remainder = static_cast<std::uint64_t>(dividend % 5);
-    }
+    for (std::size_t index = integer.size(); index-- > 0;)
+        integer[index] = divided(integer[index], 5, remainder);
 }
 
 constexpr PowerOfTen leadingBits(const Limbs& integer) {

@@ -1,14 +1,13 @@
 #include "platform/foundation/numbers/ShortestDecimal.h"
 
 #include "platform/foundation/numbers/PowersOfTen.h"
+#include "platform/foundation/numbers/Words.h"
 
 #include <bit>
 
 namespace InkoraKit {
 
 namespace {
-
-__extension__ typedef unsigned __int128 Product;
 
 constexpr int fractionBits = 52;
 constexpr std::uint64_t hiddenBit = std::uint64_t{1} << fractionBits;
@@ -19,10 +18,9 @@ constexpr int smallestExponent = -1074;  // of the last bit
 /// @param power too large by one at most, which is too little to show in 64 bits of a fraction.
 /// That a fraction shows if there is one is proven with the algorithm below.
 std::uint64_t scaled(std::uint64_t factor, PowerOfTen power) {
-    const Product product = static_cast<Product>(factor) * power.high +
-                            (static_cast<Product>(factor) * power.low >> 64);
-    const auto fraction = static_cast<std::uint64_t>(product);
-    return static_cast<std::uint64_t>(product >> 64) | static_cast<std::uint64_t>(fraction != 0);
+    const auto [whole, fraction] =
+        multiplied(factor, power.high, multiplied(factor, power.low).high);
+    return whole | static_cast<std::uint64_t>(fraction != 0);
 }
 
 constexpr int floorLog10OfPowerOfTwo(int exponent) {

@@ -1,22 +1,16 @@
 #include "platform/foundation/values/DictionaryIndex.h"
 
-#include "platform/foundation/text/Bytes16.h"
+#include "platform/foundation/numbers/Words.h"
 
-#include <array>
+#include <bit>
 #include <cstring>
 
 namespace InkoraKit::DictionaryIndex {
 
 namespace {
 
-__extension__ typedef unsigned __int128 Product;
-
-constexpr std::size_t roundedUp(std::size_t size) {
-    return (size + 15) & ~std::size_t{15};
-}
-
-constexpr std::uint32_t tableSize(std::uint32_t capacity) {
-    return std::bit_ceil(capacity + capacity / 2);
+constexpr std::size_t tableSize(std::size_t capacity) {
+    return std::bit_ceil(capacity + capacity / 4);
 }
 
 std::uint64_t wordAt(const void* address) noexcept {
@@ -28,8 +22,8 @@ std::uint64_t wordAt(const void* address) noexcept {
 /// Every bit of the result depends on every bit of both: keys such as long runs of digits differ in
 /// a few low bits only.
 std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept {
-    const Product product = static_cast<Product>(left) * right;
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+    const TwoWords product = multiplied(left, right);
+    return product.high ^ product.low;
 }
 
 /// Where the program was loaded differs from run to run, so that nobody can prepare keys that all
@@ -39,15 +33,21 @@ std::uint64_t seed() noexcept {
     return reinterpret_cast<std::uintptr_t>(&place) * 0x9e3779b97f4a7c15;
 }
 
-std::uint64_t hashOf(const AnySlot& key) noexcept {
-    constexpr std::uint64_t first = 0xd6e8feb86659fd93;
-    constexpr std::uint64_t second = 0xa0761d6478bd642f;
-    if (key.tag() == AnySlot::shortText)
-        return mixed(key.payload() ^ first ^ seed(), key.rest() ^ second);
-    if (key.tag() == AnySlot::malformedText) return hashOf(AnySlot::view(key.text()));
+constexpr std::uint64_t first = 0xd6e8feb86659fd93;
+constexpr std::uint64_t second = 0xa0761d6478bd642f;
 
+/// Of a text that is not short, or malformed.
+[[gnu::noinline]] std::uint64_t hashOfText(const AnySlot& key) noexcept;
+
+std::uint64_t hashOf(const AnySlot& key) noexcept {
+    if (key.tag() != AnySlot::shortText) return hashOfText(key);
+    return mixed(key.payload() ^ first ^ seed(), key.rest() ^ second);
+}
+
+std::uint64_t hashOfText(const AnySlot& key) noexcept {
+    if (key.size() <= AnySlot::longestShortText) return hashOf(AnySlot::view(key.text()));
     const std::byte* text = key.pointer();
-    const std::byte* const end = text + key.size();  // longer than 14 bytes
+    const std::byte* const end = text + key.size();
     std::uint64_t hash = seed() ^ key.size();
     for (; end - text > 16; text += 16)
         hash = mixed(wordAt(text) ^ hash ^ first, wordAt(text + 8) ^ second);
@@ -55,98 +55,96 @@ std::uint64_t hashOf(const AnySlot& key) noexcept {
     return mixed(wordAt(tail) ^ hash ^ first, wordAt(end - 8) ^ second);
 }
 
-std::uint8_t fingerprintOf(std::uint64_t hash) noexcept {
-    return static_cast<std::uint8_t>(hash >> 56);
-}
+constexpr std::size_t largestTableOfBytes = 64;
 
-std::uint8_t* fingerprints(const MemberSlots* members, std::uint32_t capacity) noexcept {
-    return reinterpret_cast<std::uint8_t*>(const_cast<MemberSlots*>(members + capacity));
-}
+/// Finds the place of a key in a table of hashes, or the empty one where it belongs. An entry is
+/// the member's position plus one, for which the table's size tells how many bits it takes, and in
+/// the bits above those some of the key's hash. It is zero where there is none.
+template <class Entry>
+class Table {
+public:
+    Table(const MemberSlots* members, std::uint32_t capacity) noexcept
+        : members_(members),
+          entries_(reinterpret_cast<Entry*>(const_cast<MemberSlots*>(members + capacity))),
+          last_(tableSize(capacity) - 1) {}
 
-/// Positions plus one; zero where there is none.
-std::uint32_t* table(const MemberSlots* members, std::uint32_t capacity) noexcept {
-    return reinterpret_cast<std::uint32_t*>(fingerprints(members, capacity) + roundedUp(capacity));
-}
-
-std::optional<std::uint32_t> findByFingerprint(const MemberSlots* members, const NodeHeader& header,
-                                               const AnySlot& key) noexcept {
-    const std::uint8_t* const prints = fingerprints(members, header.capacity);
-    const auto wanted = static_cast<char>(fingerprintOf(hashOf(key)));
-    for (std::uint32_t start = 0; start < header.count; start += 16) {
-        for (std::uint32_t hits = Bytes16::load(prints + start).equalTo(wanted); hits != 0;
-             hits &= hits - 1) {
-            const auto position = start + static_cast<std::uint32_t>(std::countr_zero(hits));
-            if (position < header.count && areEqual(members[position].key, key)) return position;
+    Entry& entryOf(const AnySlot& key, std::uint64_t hash) const noexcept {
+        for (auto place = static_cast<std::size_t>(hash >> 32);; ++place) {
+            Entry& entry = entries_[place & last_];
+            if (entry == 0) return entry;
+            const bool mayBe = ((entry ^ static_cast<Entry>(hash)) & ~last_) == 0;
+            if (mayBe && areEqual(memberOf(entry).key, key)) return entry;
         }
     }
-    return std::nullopt;
-}
-
-std::optional<std::uint32_t> findInTable(const MemberSlots* members, const NodeHeader& header,
-                                         const AnySlot& key) noexcept {
-    const std::uint8_t* const prints = fingerprints(members, header.capacity);
-    const std::uint32_t* const positions = table(members, header.capacity);
-    const std::uint32_t last = tableSize(header.capacity) - 1;
-    const std::uint64_t hash = hashOf(key);
-    for (auto place = static_cast<std::uint32_t>(hash) & last; positions[place] != 0;
-         place = (place + 1) & last) {
-        const std::uint32_t position = positions[place] - 1;
-        if (prints[position] == fingerprintOf(hash) && areEqual(members[position].key, key))
-            return position;
+    const MemberSlots& memberOf(Entry entry) const noexcept {
+        return members_[(entry & last_) - 1];
     }
-    return std::nullopt;
+
+    const MemberSlots* find(const AnySlot& key) const noexcept {
+        const Entry entry = entryOf(key, hashOf(key));
+        return entry == 0 ? nullptr : &memberOf(entry);
+    }
+
+    /// @return whether no member before has the same key
+    bool insert(std::uint32_t position) const noexcept {
+        const AnySlot& key = members_[position].key;
+        const std::uint64_t hash = hashOf(key);
+        Entry& entry = entryOf(key, hash);
+        if (entry != 0) return false;
+        entry = static_cast<Entry>((hash & ~std::uint64_t{last_}) | (position + 1));
+        return true;
+    }
+
+    bool build(std::uint32_t count) const noexcept {
+        std::memset(entries_, 0, (last_ + 1) * sizeof(Entry));
+        bool areDifferent = true;
+        for (std::uint32_t position = 0; position < count; ++position)
+            areDifferent &= insert(position);
+        return areDifferent;
+    }
+
+private:
+    const MemberSlots* members_;
+    Entry* entries_;
+    std::size_t last_;  // place; its bits are those of a position
+};
+
+/// Does the work with the table of the members.
+template <class Work>
+auto withTable(const MemberSlots* members, std::uint32_t capacity, const Work& work) noexcept {
+    return tableSize(capacity) <= largestTableOfBytes
+               ? work(Table<std::uint8_t>(members, capacity))
+               : work(Table<std::uint32_t>(members, capacity));
 }
 
 }  // namespace
 
 std::size_t size(std::uint32_t capacity) noexcept {
     std::size_t bytes = std::size_t{capacity} * sizeof(MemberSlots);
-    if (capacity > mostWithoutFingerprints) bytes += roundedUp(capacity);
-    if (capacity > mostWithoutTable) bytes += std::size_t{tableSize(capacity)} * 4;
-    return bytes;
+    if (capacity <= mostWithoutTable) return bytes;
+    const std::size_t entries = tableSize(capacity);
+    return bytes + entries * (entries <= largestTableOfBytes ? 1 : 4);
 }
 
-std::optional<std::uint32_t> findInIndex(const MemberSlots* members, const NodeHeader& header,
-                                         const AnySlot& key) noexcept {
-    return header.capacity <= mostWithoutTable ? findByFingerprint(members, header, key)
-                                               : findInTable(members, header, key);
+bool areEqualTexts(const AnySlot& left, AnySlot right) noexcept {
+    if (left.tag() != right.tag() && left.tag() != AnySlot::malformedText) return false;
+    return left.text() == right.text();
+}
+
+const MemberSlots* findInTable(const MemberSlots* members, const NodeHeader& header,
+                               const AnySlot& key) noexcept {
+    return withTable(members, header.capacity, [&](auto table) { return table.find(key); });
 }
 
 void insert(MemberSlots* members, const NodeHeader& header, std::uint32_t position) noexcept {
-    if (header.capacity <= mostWithoutFingerprints) return;
-    const std::uint64_t hash = hashOf(members[position].key);
-    fingerprints(members, header.capacity)[position] = fingerprintOf(hash);
     if (header.capacity <= mostWithoutTable) return;
-    std::uint32_t* const positions = table(members, header.capacity);
-    const std::uint32_t last = tableSize(header.capacity) - 1;
-    auto place = static_cast<std::uint32_t>(hash) & last;
-    while (positions[place] != 0) place = (place + 1) & last;
-    positions[place] = position + 1;
+    withTable(members, header.capacity, [&](auto table) { return table.insert(position); });
 }
 
-void build(MemberSlots* members, const NodeHeader& header) noexcept {
-    if (header.capacity <= mostWithoutFingerprints) return;
-    std::uint8_t* const prints = fingerprints(members, header.capacity);
-    std::memset(prints + header.count, 0, roundedUp(header.capacity) - header.count);
-    if (header.capacity > mostWithoutTable)
-        std::memset(table(members, header.capacity), 0,
-                    std::size_t{tableSize(header.capacity)} * 4);
-    for (std::uint32_t position = 0; position < header.count; ++position)
-        insert(members, header, position);
-}
-
-bool hasRepeatedKey(const MemberSlots* members, const NodeHeader& header) noexcept {
-    const std::uint8_t* const prints = fingerprints(members, header.capacity);
-    std::array<std::uint64_t, 4> seen{};
-    for (std::uint32_t position = 0; position < header.count; ++position) {
-        // Only a key whose fingerprint has been seen can have been seen itself.
-        std::uint64_t& word = seen[prints[position] >> 6];
-        const std::uint64_t bit = std::uint64_t{1} << (prints[position] & 63);
-        if ((word & bit) != 0 && find(members, header, members[position].key) != position)
-            return true;
-        word |= bit;
-    }
-    return false;
+bool build(MemberSlots* members, const NodeHeader& header) noexcept {
+    if (header.capacity <= mostWithoutTable) return true;
+    return withTable(members, header.capacity,
+                     [&](auto table) { return table.build(header.count); });
 }
 
 }  // namespace InkoraKit::DictionaryIndex

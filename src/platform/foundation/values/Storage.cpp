@@ -14,7 +14,9 @@ namespace InkoraKit {
 
 namespace {
 
-constexpr std::size_t mostElements = std::numeric_limits<std::uint32_t>::max() / 2;
+// With their index, members take less than 64 bytes each: the size of all is no more than fits.
+constexpr std::size_t mostElements = std::min<std::size_t>(
+    std::numeric_limits<std::uint32_t>::max() / 2, std::numeric_limits<std::size_t>::max() / 64);
 
 /// A node of its own, followed by its elements or members.
 struct HeapNode {
@@ -153,8 +155,8 @@ Any Storage::emptyDictionary() noexcept {
 
 const AnySlot* AnySlot::member(AnySlot dictionary, AnySlot key) noexcept {
     const auto* const members = reinterpret_cast<const MemberSlots*>(dictionary.pointer());
-    const auto position = DictionaryIndex::find(members, dictionary.header(), key);
-    return position ? &members[*position].value : nullptr;
+    const MemberSlots* const member = DictionaryIndex::find(members, dictionary.header(), key);
+    return member ? &member->value : nullptr;
 }
 
 Any& Storage::writableElement(Any& array, std::size_t position) {
@@ -181,8 +183,9 @@ Any& Storage::writableMember(Any& dictionary, std::string_view key) {
     const auto memberAt = [&](std::uint32_t position) -> MemberSlots& {
         return reinterpret_cast<MemberSlots*>(container.pointer())[position];
     };
-    const auto known = DictionaryIndex::find(&memberAt(0), header(container), AnySlot::view(key));
-    if (known) return writablePart(dictionary, *known);
+    const MemberSlots* const known =
+        DictionaryIndex::find(&memberAt(0), header(container), AnySlot::view(key));
+    if (known) return writablePart(dictionary, static_cast<std::size_t>(known - &memberAt(0)));
     Any ownKey(key);
     const std::uint32_t count = header(container).count;
     makeRoom(container, std::size_t{count} + 1);

@@ -22,8 +22,7 @@ struct MemberSlots {
 ///
 /// An array is its elements one after the other, a dictionary its members in the order in which
 /// they were added. Both are preceded by a `NodeHeader`. A dictionary with room for more than a few
-/// members is followed by a byte of each key's hash, and with room for many by a table that finds
-/// the position of a key (see DictionaryIndex.h).
+/// members is followed by a table that finds the position of a key (see DictionaryIndex.h).
 ///
 /// Nodes that a reader made live in a region and never change. A node that changes is on the heap
 /// and has an owner of its own. It may have been copied from a region: its children then still
