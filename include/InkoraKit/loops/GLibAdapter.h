@@ -16,7 +16,7 @@ namespace InkoraKit {
 ///     kit.rethrow();
 ///
 /// An exception does not enter GLib's frames; see LoopAdapter. A loop that a callback runs inside
-/// itself, such as a modal dialog, serves the kit too, as far as RunLoop says. Needs GLib 2.36.
+/// itself, such as a modal dialog, serves the kit too, as far as RunLoop says. Needs GLib 2.58.
 class GLibAdapter final : public LoopAdapter {
 public:
     /// @param stop ends the loop after an exception, as with g_main_loop_quit or
