@@ -13,16 +13,14 @@ namespace asio = boost::asio;
 
 using namespace InkoraKit;
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     const auto swatches = std::make_shared<Swatches>();
     InkoraManager::registerInkoraManager(swatches);
 
     asio::io_context context;
     const AsioAdapter<asio::posix::stream_descriptor> kit(context);
     swatches->pair(count, arguments);
-    try {
-        context.run();
-    } catch (const std::exception& error) {
-        return Swatches::giveUp(error);
-    }
+    context.run();
+} catch (const std::exception& error) {
+    return Swatches::giveUp(error);
 }

@@ -28,7 +28,7 @@ int interruptions() {
 
 }  // namespace
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     const auto swatches = std::make_shared<Swatches>();
     InkoraManager::registerInkoraManager(swatches);
     swatches->pair(count, arguments);
@@ -37,14 +37,12 @@ int main(int count, char** arguments) {
     const int poll = ::epoll_create1(EPOLL_CLOEXEC);
     watch(poll, kit.descriptor());
     watch(poll, interruptions());
-    try {
-        for (;;) {
-            epoll_event event{};
-            if (::epoll_wait(poll, &event, 1, -1) < 1) continue;
-            if (event.data.fd != kit.descriptor()) return 0;
-            kit.runPending();
-        }
-    } catch (const std::exception& error) {
-        return Swatches::giveUp(error);
+    for (;;) {
+        epoll_event event{};
+        if (::epoll_wait(poll, &event, 1, -1) < 1) continue;
+        if (event.data.fd != kit.descriptor()) return 0;
+        kit.runPending();
     }
+} catch (const std::exception& error) {
+    return Swatches::giveUp(error);
 }

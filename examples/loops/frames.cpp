@@ -6,20 +6,16 @@
 
 using namespace InkoraKit;
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     const auto swatches = std::make_shared<Swatches>();
     InkoraManager::registerInkoraManager(swatches);
     swatches->pair(count, arguments);
 
-    auto next = std::chrono::steady_clock::now();
-    try {
-        for (;;) {
-            RunLoop::main().runPending(0.002);  // seconds of the frame's 0.017
-            // Here the host draws.
-            next += std::chrono::microseconds(16'667);
-            std::this_thread::sleep_until(next);
-        }
-    } catch (const std::exception& error) {
-        return Swatches::giveUp(error);
+    for (auto next = std::chrono::steady_clock::now();; std::this_thread::sleep_until(next)) {
+        RunLoop::main().runPending(0.002);  // seconds of the frame's 0.017
+        // Here the host draws.
+        next += std::chrono::microseconds(16'667);
     }
+} catch (const std::exception& error) {
+    return Swatches::giveUp(error);
 }

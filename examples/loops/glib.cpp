@@ -5,7 +5,7 @@
 
 using namespace InkoraKit;
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     const auto swatches = std::make_shared<Swatches>();
     InkoraManager::registerInkoraManager(swatches);
 
@@ -14,9 +14,7 @@ int main(int count, char** arguments) {
     swatches->pair(count, arguments);
     g_main_loop_run(loop);
     g_main_loop_unref(loop);
-    try {
-        kit.rethrow();
-    } catch (const std::exception& error) {
-        return Swatches::giveUp(error);
-    }
+    kit.rethrow();
+} catch (const std::exception& error) {
+    return Swatches::giveUp(error);
 }

@@ -64,7 +64,7 @@ struct WindowSwatches : Swatches {
 
 }  // namespace
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     const QApplication application(count, arguments);
     const auto swatches = std::make_shared<WindowSwatches>();
     InkoraManager::registerInkoraManager(swatches);
@@ -72,12 +72,10 @@ int main(int count, char** arguments) {
     QtAdapter kit;
     swatches->pair(count, arguments);
     swatches->window.show();
-    int status = QApplication::exec();
-    try {
-        kit.rethrow();
-    } catch (const std::exception& error) {
-        status = Swatches::giveUp(error);
-    }
+    const int status = QApplication::exec();
     if (count > 2) swatches->window.grab().save(arguments[2]);
+    kit.rethrow();
     return status;
+} catch (const std::exception& error) {
+    return Swatches::giveUp(error);
 }
