@@ -27,6 +27,7 @@ public:
 
     /// Throws what was thrown inside the host's loop, if anything was, and lets the kit go on when
     /// that loop runs again. Of several the first; each of the others stops the loop once more.
+    /// What nobody has asked for when the adapter ends is dropped.
     void rethrow() {
         if (!thrown_) return;
         watch();
