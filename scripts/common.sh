@@ -40,7 +40,22 @@ require_packages() {
         -qq install --yes --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET [TARGET...]: configures and builds in build/PRESET.
+# Passes on what a build prints, but of its steps only a line for each tenth of them.
+show_tenths() {
+    local line percent shown=0
+    while IFS= read -r line; do
+        if [[ $line =~ ^\[([0-9]+)/([0-9]+)\]\  ]]; then
+            percent=$((100 * BASH_REMATCH[1] / BASH_REMATCH[2]))
+            ((percent < shown + 10)) && continue
+            shown=$((percent - percent % 10))
+            line=$(printf '%3d %% of %d steps' "$shown" "${BASH_REMATCH[2]}")
+        fi
+        printf '%s\n' "$line"
+    done
+}
+
+# build PRESET [TARGET...]: configures and builds in build/PRESET. On a terminal the steps take turns
+# on one line.
 build() {
     local preset=$1
     shift
@@ -48,7 +63,8 @@ build() {
     (($#)) && targets=(--target "$@")
     heading "Building in build/$preset"
     cmake --preset "$preset" --log-level=NOTICE
-    cmake --build --preset "$preset" --parallel "$(nproc)" "${targets[@]}"
+    local command=(cmake --build --preset "$preset" --parallel "$(nproc)" "${targets[@]}")
+    if [[ -t 1 ]]; then "${command[@]}"; else "${command[@]}" | show_tenths; fi
 }
 
 # find_lab: sets $lab to the virtual hardware lab's folder: $INKORA_LAB, else ../shared/lab beside the

@@ -428,20 +428,22 @@ private:
         return key.index() ? stepView(*key.index()) : stepView(*key.key());
     }
     /// What the value has at the step, as it is shown; null if there is nothing.
-    template <JSONSubscriptType Step>
-    static const AnySlot* part(const AnySlot& value, const Step& step) noexcept {
-        if constexpr (Integer<Step>) {
-            if (value.isArray()) [[likely]]
-                return value.element(static_cast<std::uint64_t>(step));
-        } else {
-            if (value.tag() == AnySlot::dictionary) [[likely]]
-                return AnySlot::member(value, AnySlot::view(step));
-        }
-        return value.tag() == AnySlot::object ? partOfObject(value, stepView(step)) : nullptr;
+    [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value, AnySlot step) noexcept {
+        const bool isPosition = step.tag() == AnySlot::int64;
+        if (isPosition ? value.isArray() : value.tag() == AnySlot::dictionary) [[likely]]
+            return isPosition ? value.element(step.payload()) : AnySlot::member(value, step);
+        return value.tag() == AnySlot::object ? partOfObject(value, step) : nullptr;
     }
-    static const AnySlot* part(const AnySlot& value, const AnySlot& step) noexcept {
-        return step.tag() == AnySlot::int64 ? part(value, step.integer())
-                                            : part(value, step.text());
+    /// The same for a position, which is looked at more closely where there is no such element.
+    [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value,
+                                                      Integer auto position) noexcept {
+        if (value.isArray()) [[likely]]
+            return value.element(static_cast<std::uint64_t>(position));
+        return value.tag() == AnySlot::object ? partOfObject(value, stepView(position)) : nullptr;
+    }
+    [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value,
+                                                      std::string_view key) noexcept {
+        return part(value, AnySlot::view(key));
     }
     [[gnu::cold]] static const AnySlot* partOfObject(AnySlot value, AnySlot step) noexcept;
     /// Null, with the error that the value has already, or else the one of the step.

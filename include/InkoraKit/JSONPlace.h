@@ -52,7 +52,8 @@ public:
     /// The place one step further.
     template <JSONSubscriptType Step>
     JSONPlace operator[](const Step& step) && {
-        return JSONPlace(std::move(*this), part(value_.slot(), step), stepView(step));
+        const AnySlot view = stepView(step);
+        return JSONPlace(std::move(*this), part(value_.slot(), view), view);
     }
 
     using JSON::setObject;
@@ -71,11 +72,11 @@ public:
 private:
     friend class JSON;
     /// @param found what is at the step; or null
-    JSONPlace(JSON& root, const AnySlot* found, AnySlot step)
+    [[gnu::always_inline]] JSONPlace(JSON& root, const AnySlot* found, AnySlot step)
         : JSON(found ? shown(*found) : missing(root.value_.slot(), step)),
           root_(&root),
           step_(Any::owned(step)) {}
-    JSONPlace(JSONPlace&& before, const AnySlot* found, AnySlot step)
+    [[gnu::always_inline]] JSONPlace(JSONPlace&& before, const AnySlot* found, AnySlot step)
         : JSON(found ? JSON(std::move(before), *found) : missing(before.value_.slot(), step)),
           root_(before.root_),
           before_(&before),
@@ -99,7 +100,8 @@ private:
 
 template <JSONSubscriptType Step>
 JSONPlace JSON::operator[](const Step& step) & {
-    return JSONPlace(*this, part(value_.slot(), step), stepView(step));
+    const AnySlot view = stepView(step);
+    return JSONPlace(*this, part(value_.slot(), view), view);
 }
 
 template <>

@@ -8,7 +8,7 @@ namespace InkoraKit {
 namespace {
 
 /// A place for a copy of a container.
-struct Pending {
+struct PendingCopy {
     Any* place;
     const Any* original;
 };
@@ -21,7 +21,7 @@ Any detachedLeaf(const Any& leaf) {
 }
 
 /// Puts a copy into the place, except for the contents of a container, which it puts off.
-void detach(Any& place, const Any& original, std::vector<Pending>& rest) {
+void detach(Any& place, const Any& original, std::vector<PendingCopy>& rest) {
     const bool isContainer =
         original.kind() == Any::Kind::array || original.kind() == Any::Kind::dictionary;
     if (isContainer) {
@@ -31,7 +31,7 @@ void detach(Any& place, const Any& original, std::vector<Pending>& rest) {
     }
 }
 
-void detachContents(const Pending& pending, std::vector<Pending>& rest) {
+void detachContents(const PendingCopy& pending, std::vector<PendingCopy>& rest) {
     const std::size_t count = Storage::count(*pending.original);
     const bool isArray = Storage::tag(*pending.original) == AnySlot::array;
     Any& copy = *pending.place;
@@ -53,10 +53,10 @@ void detachContents(const Pending& pending, std::vector<Pending>& rest) {
 
 Any detachedCopy(const Any& original) {
     Any result;
-    std::vector<Pending> rest;
+    std::vector<PendingCopy> rest;
     detach(result, original, rest);
     while (!rest.empty()) {
-        const Pending pending = rest.back();
+        const PendingCopy pending = rest.back();
         rest.pop_back();
         detachContents(pending, rest);
     }

@@ -24,13 +24,13 @@ void appendElements(Any& array, const Any& others) {
 }
 
 /// A dictionary, and the other one whose members are to be merged into it.
-struct Pending {
+struct PendingMerge {
     Any* members;
     Any others;
 };
 
 /// Merges members, except for the contents of two dictionaries, which it puts off.
-void mergeMembers(const Pending& pending, std::vector<Pending>& rest) {
+void mergeMembers(const PendingMerge& pending, std::vector<PendingMerge>& rest) {
     std::vector<std::pair<std::string_view, Any>> nested;
     for (const MemberSlots& other : Storage::members(pending.others)) {
         const std::string_view key = other.key.text();
@@ -52,9 +52,9 @@ void mergeMembers(const Pending& pending, std::vector<Pending>& rest) {
 }
 
 void mergeDictionaries(Any& members, const Any& others) {
-    std::vector<Pending> rest{{&members, others}};
+    std::vector<PendingMerge> rest{{&members, others}};
     while (!rest.empty()) {
-        const Pending pending = std::move(rest.back());
+        const PendingMerge pending = std::move(rest.back());
         rest.pop_back();
         mergeMembers(pending, rest);
     }

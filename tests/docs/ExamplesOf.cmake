@@ -37,6 +37,7 @@ function(add_examples name document)
     configure_file(Examples.cpp.in ${folder}/Examples.cpp @ONLY)
     add_executable(${name} ${folder}/Examples.cpp)
     target_link_libraries(${name} PRIVATE InkoraKitStatic InkoraFlags)
+    share_precompiled_headers(${name} InkoraHostHeaders)
 endfunction()
 
 # Adds the one ```c block of a document, a whole program, as a test of what it prints.

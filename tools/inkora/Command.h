@@ -3,22 +3,58 @@
 #include "ExitStatus.h"
 
 #include <functional>
-
-namespace CLI {
-class App;
-}
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace InkoraTool {
 
-/// A subcommand: what it understands, and what it does once its options are read. A further one is
-/// a function like those below, in a file of its own, and a line in main().
-struct Command {
-    CLI::App* options;
-    std::function<ExitStatus()> run;
+/// Takes the text of a value: keeps it and returns nothing, or says what is wrong with it.
+using Take = std::function<std::string(const std::string& text)>;
+
+/// `--count 5`: what has a name and a value. It need not be given.
+struct Option {
+    std::string name;
+    std::string placeholder;  ///< stands for the value in the help
+    std::string help;
+    Take take;
+    std::string preset = {};                ///< shown in the help, if there is one
+    std::vector<std::string> choices = {};  ///< all there are; none are no limit
 };
 
-Command addWatchCommand(CLI::App& program);
-Command addInfoCommand(CLI::App& program);
-Command addJsonCommand(CLI::App& program);
+/// `--json`: what is there or not.
+struct Flag {
+    std::string name;
+    std::string help;
+    bool* isGiven;
+};
+
+/// What is meant by where it stands. One of many texts takes each as it is, `[1,2]` and `{}` too,
+/// and leaves the last of them to an operand behind it.
+struct Operand {
+    std::string name;
+    std::string help;
+    std::variant<std::string*, std::vector<std::string>*> into;
+    bool isRequired = true;
+};
+
+/// What a user can ask for: what it understands, and what it does once that is read. It keeps alive
+/// what its options are read into.
+struct Command {
+    std::string name;
+    std::string help;
+    std::vector<Operand> operands = {};
+    std::vector<Option> options = {};
+    std::vector<Flag> flags = {};
+    std::string footer = {};             ///< of the help; none is that of the command above
+    std::vector<Command> commands = {};  ///< of which one is to be named
+    std::function<ExitStatus()> run = {};
+};
+
+// What the program consists of. A further one is a function like these, in a file of its own, and a
+// word in main().
+Command watchCommand();
+Command infoCommand();
+Command jsonCommand();
 
 }  // namespace InkoraTool

@@ -1,12 +1,8 @@
-#include "Command.h"
+#include "CommandLine.h"
 
-#include <CLI/CLI.hpp>
-
-#include <array>
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <string>
 
 using namespace InkoraTool;
 
@@ -31,34 +27,19 @@ Exit status:
  130  info was interrupted before it had an answer
 )";
 
-ExitStatus runProgram(int argc, char** argv) {
-    CLI::App program("Talks to a colour-capturing pen over Bluetooth LE.", "inkora");
-    program.set_version_flag("--version", "inkora " INKORA_VERSION);
-    program.footer(footer);
-    program.require_subcommand(0, 1);
-    program.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return std::string("inkora: ") + error.what() + "\nSee inkora --help.\n";
-    });
-    const std::array commands = {addWatchCommand(program), addInfoCommand(program),
-                                 addJsonCommand(program)};
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? ExitStatus::success : ExitStatus::usage;
-    }
-    for (const Command& command : commands)
-        if (command.options->parsed()) return command.run();
-    std::fputs(program.help().c_str(), stderr);
-    return ExitStatus::usage;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     // A reader that goes away is seen by the write that fails, and the pen is let go of.
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        return static_cast<int>(runProgram(argc, argv));
+        const Command program = {
+            .name = "inkora",
+            .help = "Talks to a colour-capturing pen over Bluetooth LE.",
+            .footer = footer,
+            .commands = {watchCommand(), infoCommand(), jsonCommand()},
+        };
+        return static_cast<int>(runCommandLine(program, "inkora " INKORA_VERSION, argc, argv));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "inkora: %s\n", error.what());
         return static_cast<int>(ExitStatus::failure);

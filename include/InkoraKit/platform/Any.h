@@ -100,8 +100,10 @@ public:
         drop(left);
     }
     /// What a slot is a view of: an integer, or a text, which is copied. For the kit itself.
-    static Any owned(AnySlot view) {
-        if (view.tag() == AnySlot::longText) return Any(view.text());
+    [[gnu::always_inline]] static Any owned(AnySlot view) {
+        if (view.tag() == AnySlot::longText)
+            return Any(
+                std::string_view(reinterpret_cast<const char*>(view.pointer()), view.size()));
         Any result;
         result.slot_ = view;
         return result;
@@ -265,7 +267,7 @@ private:
     const Object* object() const noexcept;
 
     // The slot comes by value: a value whose address is not taken can live in registers.
-    static void drop(AnySlot slot) noexcept {
+    [[gnu::always_inline]] static void drop(AnySlot slot) noexcept {
         if (slot.isCounted() && slot.owner()->release()) takeDown(slot.owner());
     }
     static void takeDown(Owner* owner) noexcept;

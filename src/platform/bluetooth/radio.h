@@ -25,6 +25,9 @@ namespace InkoraKit {
 /// Names a service or characteristic within one link; meaningless once the link has ended.
 using AttributeHandle = std::uint32_t;
 
+/// In the place of a signal strength in dBm that the system does not know.
+inline constexpr int unknownRSSI = 127;
+
 /// What an advertiser sent, advertisement and scan response together: all of it that the radio has
 /// heard in this scan, not only what is new.
 struct Advertisement {
@@ -41,7 +44,7 @@ struct Sighting {
     UUID identifier;                  // the same for one device on this machine, always
     std::optional<std::string> name;  // the device's own (GAP) name where the system knows it
     Advertisement advertisement;
-    int rssi = 127;                  // dBm; 127 when the system has none
+    int rssi = unknownRSSI;          // dBm
     bool reportEvenIfKnown = false;  // asks for a report although this scan had one already
 };
 

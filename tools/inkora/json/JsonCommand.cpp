@@ -1,17 +1,14 @@
 #include "json/JsonCommands.h"
 #include "json/JsonFailure.h"
 
-#include <CLI/CLI.hpp>
-
-#include <algorithm>
-#include <array>
 #include <cstdio>
+#include <functional>
 #include <new>
 
 namespace InkoraTool {
 namespace {
 
-constexpr const char* footer =
+constexpr const char* jsonFooter =
     R"(FILE may be - for standard input. What is printed is UTF-8, whatever the file was in.
 
 Exit status:
@@ -29,9 +26,9 @@ ExitStatus failed(const char* message, ExitStatus status) {
     return status;
 }
 
-ExitStatus runCommand(const Command& command) {
+ExitStatus runAndTellFailure(const std::function<ExitStatus()>& run) {
     try {
-        return command.run();
+        return run();
     } catch (const JsonFailure& failure) {
         return failed(failure.what(), failure.status);
     } catch (const std::bad_alloc&) {
@@ -41,16 +38,16 @@ ExitStatus runCommand(const Command& command) {
 
 }  // namespace
 
-Command addJsonCommand(CLI::App& program) {
-    CLI::App& json = *program.add_subcommand("json", "Reads, changes and prints JSON documents");
-    json.footer(footer);
-    json.require_subcommand(1);
-    const std::array commands = {addJsonGetCommand(json), addJsonSetCommand(json),
-                                 addJsonMergeCommand(json), addJsonFormatCommand(json)};
-    return {&json, [commands] {
-                return runCommand(*std::ranges::find_if(
-                    commands, [](const Command& command) { return command.options->parsed(); }));
-            }};
+Command jsonCommand() {
+    Command json = {
+        .name = "json",
+        .help = "Reads, changes and prints JSON documents",
+        .footer = jsonFooter,
+        .commands = {jsonGetCommand(), jsonSetCommand(), jsonMergeCommand(), jsonFormatCommand()},
+    };
+    for (Command& command : json.commands)
+        command.run = [run = command.run] { return runAndTellFailure(run); };
+    return json;
 }
 
 }  // namespace InkoraTool

@@ -6,9 +6,9 @@ namespace InkoraTool {
 
 // What `inkora json` consists of. Each throws a `JsonFailure` where it cannot do what it was asked.
 
-Command addJsonGetCommand(CLI::App& json);
-Command addJsonSetCommand(CLI::App& json);
-Command addJsonMergeCommand(CLI::App& json);
-Command addJsonFormatCommand(CLI::App& json);
+Command jsonGetCommand();
+Command jsonSetCommand();
+Command jsonMergeCommand();
+Command jsonFormatCommand();
 
 }  // namespace InkoraTool

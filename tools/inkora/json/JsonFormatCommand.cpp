@@ -2,8 +2,6 @@
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <string>
 
@@ -12,13 +10,13 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-struct Options {
+struct FormatOptions {
     std::string file;
     bool isCompact = false;
     bool isSorted = false;
 };
 
-ExitStatus format(const Options& options) {
+ExitStatus format(const FormatOptions& options) {
     using enum JSONSerialization::WritingOptions;
     return printText(jsonText(readJson(options.file), (options.isCompact ? none : prettyPrinted) |
                                                           (options.isSorted ? sortedKeys : none)));
@@ -26,15 +24,16 @@ ExitStatus format(const Options& options) {
 
 }  // namespace
 
-Command addJsonFormatCommand(CLI::App& json) {
-    CLI::App& command = *json.add_subcommand("format", "Prints a document in another layout");
-    const auto options = std::make_shared<Options>();
-    command.add_option("FILE", options->file, "The document; - is standard input")
-        ->option_text(" ")
-        ->required();
-    command.add_flag("--compact", options->isCompact, "Without blanks and line breaks");
-    command.add_flag("--sorted", options->isSorted, "Members by key instead of as they come");
-    return {&command, [options] { return format(*options); }};
+Command jsonFormatCommand() {
+    const auto options = std::make_shared<FormatOptions>();
+    return {
+        .name = "format",
+        .help = "Prints a document in another layout",
+        .operands = {{"FILE", "The document; - is standard input", &options->file}},
+        .flags = {{"--compact", "Without blanks and line breaks", &options->isCompact},
+                  {"--sorted", "Members by key instead of as they come", &options->isSorted}},
+        .run = [options] { return format(*options); },
+    };
 }
 
 }  // namespace InkoraTool

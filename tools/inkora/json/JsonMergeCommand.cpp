@@ -3,8 +3,6 @@
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <string>
 
@@ -13,12 +11,12 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-struct Options {
+struct MergeOptions {
     std::string file;
     std::string other;
 };
 
-ExitStatus merge(const Options& options) {
+ExitStatus merge(const MergeOptions& options) {
     if (options.file == standardInput && options.other == standardInput)
         throw JsonFailure(ExitStatus::usage, "only one of the two can be standard input");
     JSON document = readJson(options.file);
@@ -32,19 +30,18 @@ ExitStatus merge(const Options& options) {
 
 }  // namespace
 
-Command addJsonMergeCommand(CLI::App& json) {
-    CLI::App& command = *json.add_subcommand("merge", "Prints a document merged with another");
-    const auto options = std::make_shared<Options>();
-    command.add_option("FILE", options->file, "The document; - is standard input")
-        ->option_text(" ")
-        ->required();
-    command.add_option("OTHER", options->other, "What it is merged with; - is standard input")
-        ->option_text(" ")
-        ->required();
-    command.footer(
-        "Members of dictionaries are merged deeply, arrays are joined, and anything else is "
-        "replaced.\n");
-    return {&command, [options] { return merge(*options); }};
+Command jsonMergeCommand() {
+    const auto options = std::make_shared<MergeOptions>();
+    return {
+        .name = "merge",
+        .help = "Prints a document merged with another",
+        .operands = {{"FILE", "The document; - is standard input", &options->file},
+                     {"OTHER", "What it is merged with; - is standard input", &options->other}},
+        .footer =
+            "Members of dictionaries are merged deeply, arrays are joined, and anything else is "
+            "replaced.\n",
+        .run = [options] { return merge(*options); },
+    };
 }
 
 }  // namespace InkoraTool

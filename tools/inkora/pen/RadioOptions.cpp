@@ -2,9 +2,7 @@
 
 #include <InkoraKit/virtual/VirtualPen.h>
 
-#include "Checks.h"
-
-#include <CLI/CLI.hpp>
+#include "Values.h"
 
 #include <limits>
 
@@ -27,18 +25,22 @@ std::shared_ptr<VirtualPen> makePen(std::uint32_t seed) {
 
 }  // namespace
 
-void RadioOptions::addTo(CLI::App& command) {
-    command
-        .add_option("--radio", radio_,
-                    "system: this machine's Bluetooth adapter; virtual: a pen simulated in this "
-                    "process")
-        ->type_name("RADIO")
-        ->check(CLI::IsMember({"system", "virtual"}))
-        ->capture_default_str();
-    command.add_option("--seed", seed_, "Decides which colours the virtual pen captures")
-        ->type_name("NUMBER")
-        ->check(aNumber(0, std::numeric_limits<std::uint32_t>::max()))
-        ->capture_default_str();
+std::vector<Option> RadioOptions::options() {
+    return {
+        {.name = "--radio",
+         .placeholder = "RADIO",
+         .help =
+             "system: this machine's Bluetooth adapter; virtual: a pen simulated in this process",
+         .take = aText(radio_),
+         .preset = radio_,
+         .choices = {"system", "virtual"}},
+        {.name = "--seed",
+         .placeholder = "NUMBER",
+         .help = "Decides which colours the virtual pen captures",
+         .take = aNumber(0, std::numeric_limits<std::uint32_t>::max(),
+                         [this](std::int64_t seed) { seed_ = static_cast<std::uint32_t>(seed); }),
+         .preset = std::to_string(seed_)},
+    };
 }
 
 std::shared_ptr<VirtualRadio> RadioOptions::install() const {

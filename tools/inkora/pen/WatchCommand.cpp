@@ -1,17 +1,22 @@
-#include "Checks.h"
 #include "Command.h"
+#include "Values.h"
 #include "pen/RadioOptions.h"
 #include "pen/WatchSession.h"
 
-#include <CLI/CLI.hpp>
-
 #include <limits>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace InkoraTool {
 namespace {
 
-struct Options {
+constexpr const char* watchFooter =
+    R"(A pen that is lost is looked for until it is back. End it with Ctrl-C: it lets go of the
+pen first. A second Ctrl-C ends it at once.
+)";
+
+struct WatchCommandOptions {
     RadioOptions radio;
     WatchOptions watch;
     bool json = false;
@@ -19,31 +24,31 @@ struct Options {
 
 }  // namespace
 
-Command addWatchCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand(
-        "watch", "Pairs with a pen and shows its colours as they are captured");
-    const auto options = std::make_shared<Options>();
-    options->radio.addTo(command);
-    command.add_option("--count", options->watch.count, "Ends after so many colours")
-        ->type_name("COLOURS")
-        ->check(aNumber(1, std::numeric_limits<std::int64_t>::max()));
-    command.add_option("--for", options->watch.duration, "Ends after so much time")
-        ->type_name("SECONDS")
-        ->check(aTime());
-    command
-        .add_option("--ask-every", options->watch.askEvery,
-                    "Asks for battery and proximity again and again, not on connection only")
-        ->type_name("SECONDS")
-        ->check(aTime());
-    command.add_flag("--json", options->json, "Prints a JSON object a line");
-    command.footer(
-        "A pen that is lost is looked for until it is back. End it with Ctrl-C: it lets go of the\n"
-        "pen first. A second Ctrl-C ends it at once.\n");
+Command watchCommand() {
+    const auto options = std::make_shared<WatchCommandOptions>();
+    WatchOptions& watch = options->watch;
+    std::vector<Option> all = options->radio.options();
+    all.insert(all.end(),
+               {{"--count", "COLOURS", "Ends after so many colours",
+                 aNumber(1, std::numeric_limits<std::int64_t>::max(),
+                         [&watch](std::int64_t count) { watch.count = count; })},
+                {"--for", "SECONDS", "Ends after so much time", aTime(watch.duration)},
+                {"--ask-every", "SECONDS",
+                 "Asks for battery and proximity again and again, not on connection only",
+                 aTime(watch.askEvery)}});
     return {
-        &command, [options] {
-            const auto radio = options->radio.install();
-            return std::make_shared<WatchSession>(options->watch, makeFormat(options->json))->run();
-        }};
+        .name = "watch",
+        .help = "Pairs with a pen and shows its colours as they are captured",
+        .options = std::move(all),
+        .flags = {{"--json", "Prints a JSON object a line", &options->json}},
+        .footer = watchFooter,
+        .run =
+            [options] {
+                const auto radio = options->radio.install();
+                return std::make_shared<WatchSession>(options->watch, makeFormat(options->json))
+                    ->run();
+            },
+    };
 }
 
 }  // namespace InkoraTool

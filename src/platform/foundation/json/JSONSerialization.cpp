@@ -2,6 +2,7 @@
 
 #include "platform/foundation/json/JSONReader.h"
 #include "platform/foundation/json/JSONWriter.h"
+#include "platform/foundation/objects/CocoaErrorCodes.h"
 #include "platform/foundation/text/TextEncoding.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 namespace InkoraKit {
 
 namespace {
-
-constexpr std::int64_t propertyListReadCorruptError = 3840;
 
 NSError readingError(const JSONReader::Fault& fault, std::string_view text,
                      std::size_t originalOffset) {

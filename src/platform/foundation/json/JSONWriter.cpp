@@ -62,7 +62,7 @@ constexpr auto escapes = [] {
     return table;
 }();
 
-inline char* writeWord(std::string_view word, char* to) {
+inline char* writeLiteral(std::string_view word, char* to) {
     std::memcpy(to, word.data(), word.size());
     return to + word.size();
 }
@@ -180,7 +180,7 @@ char* JSONWriter::writeDocument(const AnySlot& root, char* to) {
             if (!value->isText()) return failAt(*value);
             to = writeText(*value++, to);
             if constexpr (isPretty) {
-                to = writeWord(" : ", to);
+                to = writeLiteral(" : ", to);
             } else {
                 *to++ = ':';
             }
@@ -249,9 +249,9 @@ std::size_t JSONWriter::expectedSize(const AnySlot& root) {
     switch (leaf.tag()) {
         case AnySlot::absent:
         case AnySlot::null:
-            return writeWord("null", to);
+            return writeLiteral("null", to);
         case AnySlot::boolean:
-            return leaf.truth() ? writeWord("true", to) : writeWord("false", to);
+            return leaf.truth() ? writeLiteral("true", to) : writeLiteral("false", to);
         case AnySlot::int8:
         case AnySlot::int16:
         case AnySlot::int32:

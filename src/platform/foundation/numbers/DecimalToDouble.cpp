@@ -10,7 +10,7 @@ namespace InkoraKit {
 
 namespace {
 
-constexpr int fractionBits = 52;
+constexpr int storedBits = 52;
 constexpr int exponentBias = 1023;
 constexpr int infiniteExponent = 2047;
 
@@ -52,14 +52,14 @@ std::optional<double> nearestDoubleOfManyDigits(std::uint64_t mantissa,
     }
     if (biasedExponent >= infiniteExponent) return std::numeric_limits<double>::infinity();
     if (biasedExponent <= 0) {  // subnormal, never a tie: no 64 bits hold so many factors of five
-        if (biasedExponent < -fractionBits) return 0.0;
+        if (biasedExponent < -storedBits) return 0.0;
         bits >>= 1 - biasedExponent;
         biasedExponent = 1;
     }
     // The leading one of the 53 bits adds itself to the exponent, and so does a carry.
     bits = (bits + 1) >> 1;
     return std::bit_cast<double>(bits +
-                                 (static_cast<std::uint64_t>(biasedExponent - 1) << fractionBits));
+                                 (static_cast<std::uint64_t>(biasedExponent - 1) << storedBits));
 }
 
 }  // namespace InkoraKit

@@ -15,8 +15,8 @@ namespace {
 using Mantissa = TwoWords;
 
 constexpr Mantissa zeroMantissa{0, 0};
-constexpr int smallestExponent = std::numeric_limits<std::int8_t>::min();
-constexpr int largestExponent = std::numeric_limits<std::int8_t>::max();
+constexpr int leastExponent = std::numeric_limits<std::int8_t>::min();
+constexpr int greatestExponent = std::numeric_limits<std::int8_t>::max();
 
 struct Quotient {
     Mantissa mantissa;
@@ -105,7 +105,7 @@ NSDecimalNumber::NSDecimalNumber(std::uint64_t mantissaHigh, std::uint64_t manti
     Mantissa mantissa{mantissaHigh, mantissaLow};
     const bool isZero = mantissa == zeroMantissa;
     if (isZero) exponent = 0;
-    for (; !isZero && exponent < largestExponent; ++exponent) {
+    for (; !isZero && exponent < greatestExponent; ++exponent) {
         const Quotient tens = quotientOf(mantissa, 10);
         if (tens.remainder != 0) break;
         mantissa = tens.mantissa;
@@ -133,11 +133,11 @@ NSDecimalNumber NSDecimalNumber::parsed(std::string_view text) noexcept {
         int exponent = 0;
         for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
             exponent = exponent * 10 + (text.front() - '0');
-            if (exponent > 2 * largestExponent) return notANumber();
+            if (exponent > 2 * greatestExponent) return notANumber();
         }
         significand.exponent += isExponentNegative ? -exponent : exponent;
     }
-    if (significand.exponent < smallestExponent || significand.exponent > largestExponent) {
+    if (significand.exponent < leastExponent || significand.exponent > greatestExponent) {
         return notANumber();
     }
     return NSDecimalNumber(significand.mantissa.high, significand.mantissa.low,

@@ -31,7 +31,7 @@ constexpr int floorLog10OfThreeQuartersPowerOfTwo(int exponent) {
     return (exponent * 1262611 - 524031) >> 22;
 }
 
-constexpr std::uint64_t tenToThe16th = 10'000'000'000'000'000;
+constexpr std::uint64_t smallestOf17Digits = 10'000'000'000'000'000;
 
 }  // namespace
 
@@ -65,10 +65,10 @@ ShortestDecimal shortestDecimal(double magnitude) noexcept {
     // subnormal numbers have fewer than 16 digits.
     const std::uint64_t tens = upper / 40;
     ShortestDecimal decimal{40 * tens >= lower ? 10 * tens : nearest, exponent};
-    const bool isShort = decimal.digits < tenToThe16th;
+    const bool isShort = decimal.digits < smallestOf17Digits;
     decimal.digits *= isShort ? 10 : 1;
     decimal.exponent -= isShort;
-    for (; decimal.digits < tenToThe16th; --decimal.exponent) decimal.digits *= 10;
+    for (; decimal.digits < smallestOf17Digits; --decimal.exponent) decimal.digits *= 10;
     return decimal;
 }
 

@@ -1,12 +1,12 @@
 #include <InkoraKit/platform/NSError.h>
 
+#include "platform/foundation/objects/CocoaErrorCodes.h"
+
 #include <optional>
 #include <utility>
 
 namespace InkoraKit {
 namespace {
-
-constexpr std::int64_t propertyListReadCorruptError = 3840;
 
 std::optional<std::string> textFor(const Dictionary& userInfo, const char* key) {
     const auto entry = userInfo.find(key);

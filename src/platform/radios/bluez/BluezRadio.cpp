@@ -21,8 +21,6 @@ namespace {
 
 constexpr const char* everything = "/org/bluez";
 
-constexpr int unknownRSSI = 127;
-
 // From the end of a link to the scan of a host that wants its pen back.
 constexpr double anticipationTime = 1;
 

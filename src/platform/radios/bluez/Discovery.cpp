@@ -11,7 +11,7 @@ namespace {
 
 // After bluetoothd was killed while discovering, its successor refuses (InProgress, 5.66) until the
 // kernel's old scan has run out, 10 s later.
-constexpr double retryPause = 2;
+constexpr double discoveryPause = 2;
 
 }  // namespace
 
@@ -84,7 +84,7 @@ void Discovery::refused(const BusError& error) {
     NSObject::printThisLineToConsole(
         [&] { return "BlueZ: no discovery: " + bluezErrors::textOf(error); });
     isDenied_ = bluezErrors::isAccessDenied(error);
-    if (!isDenied_) retry_.set(retryPause, [this] { step(); });
+    if (!isDenied_) retry_.set(discoveryPause, [this] { step(); });
     move(Stage::idle);
 }
 

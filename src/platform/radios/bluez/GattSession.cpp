@@ -13,7 +13,7 @@ namespace {
 
 // BlueZ gives up on a silent peripheral after 30 s, as the attribute protocol has it (Bluetooth
 // Core Specification, Vol 3, Part F, 3.3.3), and says so.
-constexpr double answerTime = 40;
+constexpr double attributeTime = 40;
 
 struct Flag {
     std::string_view name;
@@ -179,7 +179,7 @@ void GattSession::sendRead(AttributeHandle handle) {
         [weak = weak_from_this(), handle](Answer& answer) {
             if (const auto self = weak.lock()) self->readAnswered(handle, answer);
         },
-        BluezDaemon::Options{}, answerTime);
+        BluezDaemon::Options{}, attributeTime);
 }
 
 void GattSession::readAnswered(AttributeHandle handle, Answer& answer) {
@@ -238,7 +238,7 @@ void GattSession::sendSubscription(AttributeHandle handle, bool on, bool isAsked
             if (self && (isAskedFor || answer.error))
                 self->subscriptionAnswered(handle, on, answer.error);
         },
-        std::nullopt, answerTime);
+        std::nullopt, attributeTime);
 }
 
 void GattSession::subscriptionAnswered(AttributeHandle handle, bool on,

@@ -18,7 +18,7 @@ constexpr double closingTime = 10;
 // A link request can be lost on the air, and a link in its first moments (0x3e, connection failed
 // to be established): it is asked for again.
 constexpr int retries = 9;
-constexpr double retryPause = 0.25;
+constexpr double connectPause = 0.25;
 // Somebody else is connecting to the pen: the property Connected will tell, or the next try.
 constexpr double busyPause = 1;
 
@@ -105,7 +105,7 @@ void Link::connectAnswered(const std::optional<BusError>& error) {
         case ConnectFailure::busy:
             return tryAgainAfter(busyPause);
         case ConnectFailure::transient:
-            if (retriesLeft_-- > 0) return tryAgainAfter(retryPause);
+            if (retriesLeft_-- > 0) return tryAgainAfter(connectPause);
             break;
         case ConnectFailure::permanent:
             break;
@@ -126,7 +126,7 @@ void Link::linkLookedFor() {
 }
 
 void Link::lostEarly() {
-    if (retriesLeft_-- > 0) return tryAgainAfter(retryPause);
+    if (retriesLeft_-- > 0) return tryAgainAfter(connectPause);
     fail("The link was lost before its services were known.");
 }
 

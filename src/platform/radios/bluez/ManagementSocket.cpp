@@ -1,9 +1,10 @@
 #include "platform/radios/bluez/ManagementSocket.h"
 
 #include <InkoraKit/platform/RunLoop.h>
-
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "platform/bluetooth/radio.h"
 
 #include <algorithm>
 #include <array>
@@ -31,14 +32,13 @@ constexpr std::uint16_t getConnectionInformation = 0x0031;
 constexpr std::uint16_t commandComplete = 0x0001;
 constexpr std::uint16_t commandStatus = 0x0002;
 constexpr std::uint8_t permissionDenied = 0x14;
-constexpr int unknownRSSI = 127;
 
 constexpr std::size_t headerSize = 6;
 constexpr std::size_t statusPosition = headerSize + 2;
 constexpr std::size_t addressPosition = statusPosition + 1;
 constexpr std::size_t rssiPosition = addressPosition + 7;
 
-constexpr double answerTime = 5;
+constexpr double kernelTime = 5;
 constexpr std::size_t packetsPerTurn = 32;
 
 using Packet = std::vector<std::uint8_t>;
@@ -147,7 +147,7 @@ void ManagementSocket::ask() {
     const Packet packet = request(questions_.front().controller, questions_.front().address);
     if (!open() || ::send(descriptor_, packet.data(), packet.size(), 0) < 0)
         return answer(std::nullopt, notAsked);
-    limit_.set(answerTime, [this] { answer(std::nullopt, notAsked); });
+    limit_.set(kernelTime, [this] { answer(std::nullopt, notAsked); });
 }
 
 bool ManagementSocket::open() {

@@ -10,12 +10,6 @@
 #include <utility>
 
 namespace InkoraKit {
-namespace {
-
-constexpr int unavailableRSSI = 127;
-
-}  // namespace
-
 VirtualLink::VirtualLink(VirtualPeripheral& peripheral, RadioListener& listener)
     : peripheral_(peripheral), listener_(listener) {
     for (const VirtualService& service : peripheral.services())
@@ -86,7 +80,7 @@ void VirtualLink::subscribe(AttributeHandle handle, bool on) {
 
 void VirtualLink::readRSSI() {
     ask(0, [this] {
-        if (!peripheral_.radio_->canReadRSSI() || peripheral_.rssi() == unavailableRSSI)
+        if (!peripheral_.radio_->canReadRSSI() || peripheral_.rssi() == unknownRSSI)
             return listener_.rssiRead(peripheral_.identifier(), std::nullopt,
                                       virtualErrors::rssiUnavailable());
         listener_.rssiRead(peripheral_.identifier(), peripheral_.rssi(), std::nullopt);
