@@ -1,7 +1,11 @@
-# Runs a program and compares what it prints with a file, to the byte.
-#   cmake -DEXPECTED=FILE -P Run.cmake -- PROGRAM [ARGUMENT...]
+# Runs a program and compares what it prints with a file, to the byte. It has to end with the status
+# given, else 0.
+#   cmake -DEXPECTED=FILE [-DSTATUS=NUMBER] -P Run.cmake -- PROGRAM [ARGUMENT...]
 cmake_minimum_required(VERSION 3.25)
 
+if(NOT DEFINED STATUS)
+    set(STATUS 0)
+endif()
 set(command "")
 set(is_command FALSE)
 math(EXPR last "${CMAKE_ARGC} - 1")
@@ -15,7 +19,7 @@ endforeach()
 
 execute_process(COMMAND ${command} OUTPUT_VARIABLE printed RESULT_VARIABLE status)
 file(READ ${EXPECTED} expected)
-if(NOT status EQUAL 0)
+if(NOT status STREQUAL STATUS)
     message(FATAL_ERROR "It ended with ${status}, having printed:\n${printed}")
 endif()
 if(NOT "${printed}" STREQUAL "${expected}")

@@ -14,7 +14,7 @@ class Timer;
 
 /// The one loop on which the whole kit runs: the main queue's blocks, timers, and the radio's
 /// traffic. The kit starts no thread of its own; a host either lets the loop run (`run`,
-/// `runUntil`, `runOnce`) or embeds it in its own loop:
+/// `runUntil`, `runOnce`) or embeds it in its own loop, by an adapter of InkoraKit/loops or itself:
 ///
 ///     watch descriptor() for reading, and call runPending() when it is readable;
 ///     a host that draws frames calls runPending() once a frame, and needs no descriptor
