@@ -479,6 +479,7 @@ private:
             return fromAny(std::move(members));
         } else {
             std::vector<JSON> elements;
+            if constexpr (requires { value.size(); }) elements.reserve(value.size());
             for (auto&& element : value) elements.emplace_back(element);
             return fromElements(elements);
         }

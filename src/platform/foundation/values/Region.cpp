@@ -34,7 +34,7 @@ void Region::destroy() noexcept {
 void Region::addPiece(std::size_t size, double toCome) {
     constexpr double margin = 1.03;  // so that an even document does not just miss it
     const double used = static_cast<double>(size_) - static_cast<double>(end_ - next_);
-    constexpr auto most = static_cast<double>(std::numeric_limits<std::ptrdiff_t>::max() / 2);
+    constexpr auto most = static_cast<double>(std::numeric_limits<std::ptrdiff_t>::max()) / 2;
     const double wanted = std::min({used * toCome * margin, 4 * static_cast<double>(size_), most});
     // Never so little that many pieces would be needed if more comes than was thought.
     const std::size_t least = std::max<std::size_t>(size_ / 16, 256);
