@@ -175,6 +175,13 @@ TEST(JSONAccessTest, APlaceMayOutliveTheExpressionButNotItsDocument) {
     auto&& place = json[{"a", "a long, long key"}]["new"];
     std::move(place) = 6;
     EXPECT_EQ(compact(json), R"({"a":{"a long, long key":{"c":{"d":{"e":[5]}},"new":6}}})");
+    auto&& outer = json["a"];
+    auto&& inner = std::move(outer)["new"];
+    auto&& other = std::move(outer)["other"];
+    outer = 7;
+    std::move(inner) = 8;
+    std::move(other) = 9;
+    EXPECT_EQ(compact(json["a"]["new"]) + compact(json["a"]["other"]) + compact(outer), "897");
 }
 
 TEST(JSONAccessTest, ViewsShowWhatSubscriptsGive) {
