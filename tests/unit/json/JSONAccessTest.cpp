@@ -138,6 +138,10 @@ TEST(JSONAccessTest, WhatIsWrittenOnTheWayIsConverted) {
     holder[0]["k"][0] = holder[1][1];
     holder[{1, 0}] = "x";
     EXPECT_EQ(compact(holder), R"([{"k":[2]},["x",2]])");
+    JSON outer = JSON::parse("[[0]]");
+    outer[0][0] = Array{Data::fromText("[3]"), 4};
+    EXPECT_EQ(compact(*outer.find(0, 0, 0)), "[3]");
+    EXPECT_TRUE(outer.exists() && !outer.error());
 }
 
 TEST(JSONAccessTest, APlaceKeptIsAValueOfItsOwn) {

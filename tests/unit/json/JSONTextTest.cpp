@@ -138,7 +138,7 @@ TEST(JSONTextTest, ComparesWithinOneType) {
 }
 
 TEST(JSONTextTest, DepthCostsNoDepthOfCalls) {
-    constexpr int depth = 200000;
+    constexpr int depth = 100000;
     const auto built = [](const JSON& innermost) {
         JSON json = innermost;
         for (int i = 0; i < depth; ++i)
@@ -162,6 +162,22 @@ TEST(JSONTextTest, DepthCostsNoDepthOfCalls) {
     json[path] = "innermost";
     EXPECT_EQ(json[path], "innermost");
     EXPECT_EQ(copy[path][0], "a text that needs memory");
+}
+
+TEST(JSONTextTest, WhatIsSharedAndWhatIsThereCostNoTimeAgain) {
+    const auto doubled = [] {
+        JSON json = JSON::arrayOf("innermost");
+        for (int i = 0; i < 60; ++i) json = JSON{{"l", json}, {"r", json}};
+        return json;
+    };
+    EXPECT_TRUE(doubled() == doubled() && doubled().hash() == doubled().hash());
+    JSON json{{"a", JSON::arrayOf()}};
+    const JSON one{{"a", JSON::arrayOf(1)}};
+    for (int i = 0; i < 100000; ++i) {
+        json.merge(one);
+        json["a"].merge(one["a"]);
+    }
+    EXPECT_EQ(json["a"].count(), 200000u);
 }
 
 TEST(JSONTextTest, GlobalDataTakesDictionariesOnly) {

@@ -33,9 +33,12 @@ std::string documentText() {
     return text + R"(],"settings":{"a":{"b":[1,2,3]}}})";
 }
 
-/// A document as it was read, one that has been changed, and one that was never read.
+/// A document as it was read, one that has been changed, one that was never read, and one whose
+/// parts are converted when the first thread asks for them.
 std::vector<JSON> documents() {
     std::vector<JSON> result(3, JSON::parse(documentText()));
+    result.emplace_back(Dictionary{{"list", result[0]["list"].arrayValue()},
+                                   {"settings", Data::fromText(R"({"a":{"b":[1,2,3]}})")}});
     result[1]["settings"]["a"]["b"][0] = "a text of more than fourteen";
     result[1]["list"][7]["new"] = JSON{{"k", JSON::arrayOf(JSON())}};
     result[2] = result[2].detached();
