@@ -46,7 +46,6 @@ std::optional<Any> dictionaryFrom(const Any& value) {
     const Map* const map = value.as<Map>();
     if (!map) return std::nullopt;
     Dictionary members;
-    members.reserve(map->size());
     for (const auto& [key, member] : *map) members.set(key, Any(member));
     return members;
 }

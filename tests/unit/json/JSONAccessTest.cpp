@@ -100,6 +100,7 @@ TEST(JSONAccessTest, TheFirstFailedStepOfAPathIsReported) {
         {list[3], 900, "Array[3] is out of bounds"},
         {list[-1], 900, "Array[-1] is out of bounds"},
         {list[UINT64_MAX], 900, "Array[9223372036854775807] is out of bounds"},
+        {JSON(Array{unknown, 1})[2], 900, "Array[2] is out of bounds"},
         {list["k"], 901, "Dictionary[\"k\"] failure, It is not an dictionary"},
         {JSON("x")[0], 901, "Array[0] failure, It is not an array"},
         {members[0], 901, "Array[0] failure, It is not an array"},
@@ -141,6 +142,7 @@ TEST(JSONAccessTest, WhatIsWrittenOnTheWayIsConverted) {
     JSON outer = JSON::parse("[[0]]");
     outer[0][0] = Array{Data::fromText("[3]"), 4};
     EXPECT_EQ(compact(*outer.find(0, 0, 0)), "[3]");
+    EXPECT_EQ(compact(JSON::arrayOf(outer[0])[0][0][0]), "[3]");
     EXPECT_TRUE(outer.exists() && !outer.error());
 }
 

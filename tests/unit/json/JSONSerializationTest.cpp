@@ -305,6 +305,9 @@ TEST(JSONSerializationTest, TextIsLaidOutAsAskedFor) {
     // clang-format on
     for (const auto& [text, options, wanted] : cases)
         EXPECT_EQ(written(read(text), options), wanted);
+    // Mostly escapes, and then indentation, of which the writer foresees the length.
+    const Any deep = Array{std::string(150'000, '\1'), read(nested(500, "1"))};
+    EXPECT_EQ(read(written(deep, prettyPrinted)), deep);
 }
 
 }  // namespace
