@@ -13,13 +13,6 @@ namespace {
 
 using Steps = std::span<const JSONKey>;
 
-/// What the kit reads at the end of the steps, taken one by one.
-JSON taken(const JSON& json, Steps steps) {
-    if (steps.empty()) return json;
-    const JSONKey& step = steps.front();
-    return taken(step.index() ? json[*step.index()] : json[*step.key()], steps.subspan(1));
-}
-
 /// Does something to the place at the end of the steps, of which there is one at least, taken one
 /// by one.
 template <class Place, class Action>
@@ -186,7 +179,7 @@ private:
         const JSON part = from.json[JSONPath(fromPath)];
         require(matches(plain, part), "a path leads where its steps lead");
         if (path.empty()) {
-            to = {taken(from.json, fromPath), std::move(plain)};
+            to = {part, std::move(plain)};
             return;
         }
         Variable byPath = to;

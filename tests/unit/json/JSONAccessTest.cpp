@@ -165,6 +165,7 @@ TEST(JSONAccessTest, APlaceKeptIsAValueOfItsOwn) {
     std::pair pair(json["pen"], 1);
     std::thread([copy = pair.first]() mutable { std::move(copy) = 7; }).join();
     std::move(pair.first) = 8;
+    EXPECT_EQ(compact(pair.first), "8");
     EXPECT_EQ(compact(Dictionary{{"k", json["list"]}}), R"({"k":[1]})");
     Array array;
     array.append(json["pen"]);

@@ -73,9 +73,7 @@ TEST(JSONSerializationTest, TextsOfEveryEncodingAreRead) {
     const std::string text = "{\"é😀\":[\"\uFFFF\"]}";
     const char* cutShort = "Unable to convert data to string around line 1, column 0. @0";
     for (const std::string encoding : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
-        for (const std::string& value : {text, std::string("{}"), std::string("5")})
-            EXPECT_EQ(outcome(encodedText(value, encoding)), value);
-        EXPECT_EQ(outcome(encodedText("\uFEFF" + text, encoding)), text);
+        EXPECT_EQ(outcome(encodedText(text, encoding)), text);
         EXPECT_EQ(outcome(encodedText("[1,\r\n \"é😀\", x]", encoding)),
                   std::string("Invalid value around line 2, column 11. @") +
                       (encoding[4] == '1' ? "26" : "48"));

@@ -182,15 +182,13 @@ TEST(JSONTextTest, WhatIsSharedAndWhatIsThereCostNoTimeAgain) {
 
 TEST(JSONTextTest, GlobalDataTakesDictionariesOnly) {
     EXPECT_EQ(InkoraGlobalData::convertToDictionary(R"({"a":1})"), (Dictionary{{"a", 1}}));
-    testing::internal::CaptureStdout();
-    for (const char* text : {"[1]", "{\"\xFF\":1}"})
+    const std::pair<const char*, int> others[] = {
+        {"[1]", 0}, {"{\"\xFF\":1}", 0}, {"", 1}, {"5", 1}, {"{", 1}};
+    for (const auto& [text, reasons] : others) {
+        testing::internal::CaptureStdout();
         EXPECT_FALSE(InkoraGlobalData::convertToDictionary(text));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    testing::internal::CaptureStdout();
-    for (const char* text : {"", "5", "{"})
-        EXPECT_FALSE(InkoraGlobalData::convertToDictionary(text));
-    const std::string reasons = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(std::count(reasons.begin(), reasons.end(), '\n'), 3);
+        EXPECT_EQ(std::ranges::count(testing::internal::GetCapturedStdout(), '\n'), reasons);
+    }
 }
 
 }  // namespace
