@@ -194,16 +194,12 @@ TEST(JSONAccessTest, APlaceMayOutliveTheExpressionButNotItsDocument) {
 TEST(JSONAccessTest, ViewsShowWhatSubscriptsGive) {
     const Any list = Array{1, Data::fromText(R"({"k":[true]})"), Array{JSON(2), JSON("x")}, Any(),
                            Array{3, NSError("", 0)}};
-    for (const JSON& json : {JSON::parse(R"([1,{"k":[true]},[2,"x"],null,[3]])"), JSON(list),
-                             JSON(Array{1, list, 2})[1], JSON(std::vector<Any>(5))}) {
+    for (const JSON& json : {JSON(list), JSON(Array{1, list, 2})[1], JSON(std::vector<Any>(5))}) {
         const JSONElements elements = json.elements();
-        ASSERT_TRUE(elements.size() == 5 &&
-                    std::ranges::equal(elements, json.arrayValue(), {}, &JSON::type, &JSON::type));
-        for (std::size_t i = 0; i < elements.size(); ++i) {
-            EXPECT_EQ(compact(elements[i]), compact(json[i]));
-            EXPECT_EQ(json.find(i), &elements.begin()[static_cast<std::ptrdiff_t>(i)]);
-            EXPECT_EQ(std::next(json.begin(), static_cast<std::ptrdiff_t>(i))->value.type(),
-                      json[i].type());
+        ASSERT_TRUE(std::ranges::equal(elements, json.arrayValue(), {}, &JSON::type, &JSON::type));
+        for (std::ptrdiff_t i = 0; i < 5; ++i) {
+            EXPECT_EQ(compact(elements.begin()[i]), compact(json[i]));
+            EXPECT_TRUE(json.find(i) == &std::next(json.begin(), i)->value);
         }
         for (const auto& [key, value] : elements[1].members())
             EXPECT_EQ(compact(*json.find(1, key, 0)), compact(value[0]));

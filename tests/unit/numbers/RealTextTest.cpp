@@ -43,8 +43,10 @@ TEST(RealTextTest, HardDecimalsReadAsTheNearestDouble) {
 }
 
 TEST(RealTextTest, DrawnDoublesAreReadAndWrittenAsTheStandardLibraryDoes) {
-    RealTextSample sample(1);
-    for (int i = 0; i < 100'000; ++i) ASSERT_EQ(sample.nextDifference(), "");
+    // Others each time with --gtest_shuffle, and as many as wanted with --gtest_repeat.
+    const int seed = testing::UnitTest::GetInstance()->random_seed();
+    RealTextSample sample(static_cast<std::uint64_t>(seed));
+    for (int i = 0; i < 300'000; ++i) ASSERT_EQ(sample.nextDifference(), "") << "seed " << seed;
 }
 
 TEST(RealTextTest, DoublesAreWrittenInTheirLayout) {
