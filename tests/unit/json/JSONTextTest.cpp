@@ -111,6 +111,9 @@ TEST(JSONTextTest, MergingConvertsAndRefusesOtherTypes) {
     objects.merge(
         Dictionary{{"a", Array{Data::fromText("[2]")}}, {"b", Array{2}}, {"o", NSError("", 0)}});
     EXPECT_EQ(compact(objects), R"({"a":[null,[2]],"b":[1,2],"o":null})");
+    JSON gaps(std::vector<Any>(1));
+    gaps.merge(gaps);
+    EXPECT_EQ(gaps.arrayObject(), (Array{NSNull(), NSNull()}));
 }
 
 TEST(JSONTextTest, ComparesWithinOneType) {
