@@ -77,7 +77,7 @@ Any unwrapped(Any value) {
         } else if (isForeignContainer(place)) {
             const bool isArray = Storage::tag(place) == AnySlot::array;
             if (isArray && !std::ranges::all_of(Storage::elements(place), isDictionary)) continue;
-            for (std::size_t part = 0; part < Storage::count(place); ++part)
+            for (std::size_t part = Storage::count(place); part-- > 0;)
                 places.push_back(&Storage::writablePart(place, part));
         }
     }
