@@ -35,10 +35,10 @@ Any withParts(const Any& container, Replacement replacement) {
 }
 
 bool isDictionaryOfJSON(const Any& value) {
-    if (!isDictionary(value) || Storage::count(value) == 0) return false;
-    return std::ranges::all_of(Storage::members(value), [](const MemberSlots& member) {
-        return isJSON(Storage::asAny(member.value));
-    });
+    return isDictionary(value) &&
+           std::ranges::all_of(Storage::members(value), [](const MemberSlots& member) {
+               return isJSON(Storage::asAny(member.value));
+           });
 }
 
 template <class Map>
