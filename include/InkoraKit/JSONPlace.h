@@ -23,10 +23,7 @@ public:
     JSONPlace(const JSONPlace& other) noexcept : JSON(static_cast<const JSON&>(other)) {}
     /// The value, which is null afterwards, without the place.
     JSONPlace(JSONPlace&& other) noexcept : JSON(static_cast<JSON&&>(other)) {}
-    ~JSONPlace() {
-        if (next_) next_->standAlone();
-        if (before_) before_->next_ = nullptr;
-    }
+    ~JSONPlace() { forgetPlace(); }
 
     // What is written is gone from here, so nothing is returned; JSON minds assigning to itself.
     // NOLINTBEGIN(misc-unconventional-assign-operator, bugprone-unhandled-self-assignment)
@@ -39,7 +36,7 @@ public:
     /// Replaces the value, which forgets its place.
     JSONPlace& operator=(JSON value) & {
         JSON::operator=(std::move(value));
-        root_ = nullptr;
+        forgetPlace();
         return *this;
     }
     /// The same.
@@ -92,6 +89,12 @@ private:
     std::vector<AnySlot> steps() const;
     /// Takes over the steps of the places before it, which most often live until it is gone.
     [[gnu::cold]] void standAlone();
+    void forgetPlace() {
+        if (next_) next_->standAlone();
+        if (before_) before_->next_ = nullptr;
+        root_ = nullptr;
+        before_ = next_ = nullptr;
+    }
     void write(JSON value);
 
     JSON* root_ = nullptr;         // none for a value without a place

@@ -35,10 +35,10 @@ Any withParts(const Any& container, Replacement replacement) {
 }
 
 bool isDictionaryOfJSON(const Any& value) {
-    if (!isDictionary(value) || Storage::count(value) == 0) return false;
-    return std::ranges::all_of(Storage::members(value), [](const MemberSlots& member) {
-        return isJSON(Storage::asAny(member.value));
-    });
+    return isDictionary(value) &&
+           std::ranges::all_of(Storage::members(value), [](const MemberSlots& member) {
+               return isJSON(Storage::asAny(member.value));
+           });
 }
 
 template <class Map>
@@ -46,7 +46,6 @@ std::optional<Any> dictionaryFrom(const Any& value) {
     const Map* const map = value.as<Map>();
     if (!map) return std::nullopt;
     Dictionary members;
-    members.reserve(map->size());
     for (const auto& [key, member] : *map) members.set(key, Any(member));
     return members;
 }
@@ -78,7 +77,7 @@ Any unwrapped(Any value) {
         } else if (isForeignContainer(place)) {
             const bool isArray = Storage::tag(place) == AnySlot::array;
             if (isArray && !std::ranges::all_of(Storage::elements(place), isDictionary)) continue;
-            for (std::size_t part = 0; part < Storage::count(place); ++part)
+            for (std::size_t part = Storage::count(place); part-- > 0;)
                 places.push_back(&Storage::writablePart(place, part));
         }
     }

@@ -41,21 +41,18 @@ private:
         frames_.push_back({container,
                            reinterpret_cast<const Any*>(Storage::slot(container).pointer()),
                            Storage::count(container), hasKeys});
-        isFirst_ = true;
     }
 
     void close() {
         text_ += frames_.back().hasKeys ? '}' : ']';
         frames_.pop_back();
-        isFirst_ = false;
     }
 
     /// Writes what comes before the next value.
     const Any& nextValue() {
         Frame& frame = frames_.back();
         --frame.remaining;
-        if (!isFirst_) text_ += ',';
-        isFirst_ = false;
+        if (text_.back() != '[' && text_.back() != '{') text_ += ',';
         if (frame.hasKeys) {
             text_ += '"';
             text_ += Storage::text(*frame.next++);
@@ -102,7 +99,6 @@ private:
 
     std::int64_t mostNested_;
     std::vector<Frame> frames_;
-    bool isFirst_ = true;  // whether the next value is the first of what it stands in
     std::string text_;
 };
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <numeric>
 #include <span>
 #include <sstream>
 
@@ -13,13 +12,6 @@ namespace InkoraKit {
 namespace {
 
 using Steps = std::span<const JSONKey>;
-
-/// What the kit reads at the end of the steps, taken one by one.
-JSON taken(const JSON& json, Steps steps) {
-    if (steps.empty()) return json;
-    const JSONKey& step = steps.front();
-    return taken(step.index() ? json[*step.index()] : json[*step.key()], steps.subspan(1));
-}
 
 /// Does something to the place at the end of the steps, of which there is one at least, taken one
 /// by one.
@@ -85,25 +77,11 @@ bool merge(PlainJSON& plain, const PlainJSON& other) {
 
 /// A value that is equal to another one's where the kit finds both equal within arrays and
 /// dictionaries: true is 1, and the order of members does not count.
-nlohmann::json comparable(const PlainJSON& plain) {
+nlohmann::json comparable(nlohmann::json plain) {
     if (plain.is_boolean()) return plain.get<bool>() ? 1 : 0;
     if (!plain.is_structured()) return plain;
-    nlohmann::json result(plain.type());
-    for (const auto& [key, value] : plain.items()) {
-        if (plain.is_array()) {
-            result.push_back(comparable(value));
-        } else {
-            result[key] = comparable(value);
-        }
-    }
-    return result;
-}
-
-/// How many values it consists of.
-std::size_t sizeOf(const PlainJSON& plain) {
-    if (!plain.is_structured()) return 1;
-    return std::accumulate(plain.begin(), plain.end(), std::size_t{1},
-                           [](auto sum, const auto& part) { return sum + sizeOf(part); });
+    for (nlohmann::json& part : plain) part = comparable(std::move(part));
+    return plain;
 }
 
 struct Variable {
@@ -151,7 +129,7 @@ private:
         std::vector<nlohmann::json> compared;
         for (Variable& variable : variables) {
             require(matches(variable.plain, variable.json), "a value is what it should be");
-            if (sizeOf(variable.plain) > largestSize) variable = {};
+            if (variable.plain.dump().size() > longestText) variable = {};
             compared.push_back(comparable(variable.plain));
         }
         for (std::size_t i = 0; i < variables.size(); ++i) {
@@ -201,7 +179,7 @@ private:
         const JSON part = from.json[JSONPath(fromPath)];
         require(matches(plain, part), "a path leads where its steps lead");
         if (path.empty()) {
-            to = {taken(from.json, fromPath), std::move(plain)};
+            to = {part, std::move(plain)};
             return;
         }
         Variable byPath = to;
@@ -252,7 +230,7 @@ private:
         }
     }
 
-    static constexpr std::size_t largestSize = 300;  // beyond which a value is dropped
+    static constexpr std::size_t longestText = 3000;  // beyond which a value is dropped
     std::array<Variable, 4> variables;
 };
 

@@ -53,17 +53,26 @@ bool matches(const PlainJSON& plain, const JSON& json) {
     if (plain.is_string()) return json.stringView() == plain.get_ref<const std::string&>();
     if (plain.is_null()) return true;
     if (json.count() != plain.size()) return false;
+    if (json.elements().size() + json.members().size() != plain.size()) return false;
+    const bool isArray = plain.is_array();
     std::size_t position = 0;
     std::string absentKey = "?";
     auto member = json.begin();
+    auto view = json.members().begin();
     for (const auto& [wantedKey, wanted] : plain.items()) {
         const auto& [key, value] = *member++;
         if (key != wantedKey || !matches(wanted, value)) return false;
-        if (!((plain.is_array() ? json[position] : json[key]) == value)) return false;
+        if (!((isArray ? json[position] : json[key]) == value)) return false;
+        // What owns nothing shows each part where it is.
+        if (&value != (isArray ? json.find(position) : json.find(key))) return false;
+        if (isArray ? &value != &json.elements()[position]
+                    : view->key != wantedKey || &value != &(*view++).value)
+            return false;
         absentKey += wantedKey;
         ++position;
     }
-    return !json[absentKey].exists() && !json[position].exists();
+    return !json[absentKey].exists() && !json[position].exists() && !json.find(absentKey) &&
+           !json.find(position);
 }
 
 }  // namespace InkoraKit

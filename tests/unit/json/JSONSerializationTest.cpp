@@ -22,7 +22,7 @@ std::string written(const Any& value, Writing options = Writing::none) {
 }
 
 /// Reads from memory that ends with the text.
-Any readExactly(std::string_view text, Reading options = Reading::allowFragments) {
+Any read(std::string_view text, Reading options = Reading::allowFragments) {
     const std::vector<char> bytes(text.begin(), text.end());
     return JSONSerialization::jsonObject(std::string_view(bytes.data(), bytes.size()), options);
 }
@@ -41,18 +41,9 @@ std::string faultOf(const NSError& error) {
 /// The value in compact form, or the fault.
 std::string outcome(std::string_view text, Reading options = Reading::allowFragments) {
     try {
-        return written(readExactly(text, options));
+        return written(read(text, options));
     } catch (const NSError& error) {
         return faultOf(error);
-    }
-}
-
-Any read(std::string_view text) {
-    try {
-        return readExactly(text);
-    } catch (const NSError& error) {
-        ADD_FAILURE() << faultOf(error) << " in " << text;
-        return {};
     }
 }
 
@@ -82,9 +73,7 @@ TEST(JSONSerializationTest, TextsOfEveryEncodingAreRead) {
     const std::string text = "{\"é😀\":[\"\uFFFF\"]}";
     const char* cutShort = "Unable to convert data to string around line 1, column 0. @0";
     for (const std::string encoding : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
-        for (const std::string& value : {text, std::string("{}"), std::string("5")})
-            EXPECT_EQ(outcome(encodedText(value, encoding)), value);
-        EXPECT_EQ(outcome(encodedText("\uFEFF" + text, encoding)), text);
+        EXPECT_EQ(outcome(encodedText(text, encoding)), text);
         EXPECT_EQ(outcome(encodedText("[1,\r\n \"é😀\", x]", encoding)),
                   std::string("Invalid value around line 2, column 11. @") +
                       (encoding[4] == '1' ? "26" : "48"));
@@ -216,10 +205,9 @@ TEST(JSONSerializationTest, TextsOfEveryLengthWithAnythingAnywhereAreRead) {
         {"\\uD83d\\uDe00", "😀"},
         {"\\ud800\\udc00", "\U00010000"}, {"\\udbff\\udfff", "\U0010FFFF"}, {"\\u0001", "\x01"}, {"\\u0000", std::string(1, '\0')}};
     // clang-format on
-    const std::string plain =
-        "A plain text of seventy characters; so many that vectors fill, and end.";
+    const std::string plain = "A plain text of fifty characters; vectors fill, and end";
     for (const auto& [part, meaning] : parts) {
-        for (std::size_t size = 0; size <= 70; ++size) {
+        for (std::size_t size = 0; size <= 50; ++size) {
             for (std::size_t place = 0; place <= size; ++place) {
                 const std::string start = plain.substr(0, place);
                 const std::string end = plain.substr(place, size - place);
@@ -315,6 +303,9 @@ TEST(JSONSerializationTest, TextIsLaidOutAsAskedFor) {
     // clang-format on
     for (const auto& [text, options, wanted] : cases)
         EXPECT_EQ(written(read(text), options), wanted);
+    // Mostly escapes, and then indentation, of which the writer foresees the length.
+    const Any deep = Array{std::string(150'000, '\1'), read(nested(500, "1"))};
+    EXPECT_EQ(read(written(deep, prettyPrinted)), deep);
 }
 
 }  // namespace

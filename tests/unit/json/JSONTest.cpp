@@ -167,6 +167,7 @@ TEST(JSONTest, TextThatCannotBeReadIsNullAndTellsWhyIfAsked) {
     EXPECT_EQ(JSON(Data::fromText("1"), allowFragments).int_(), 1);
     const std::string utf16("\xFF\xFE[\0]\0", 6);
     EXPECT_EQ(JSON(Data::fromText(utf16)).type(), Type::array);
+    EXPECT_EQ(JSON::parse({"[\0]\0", 4}).type(), Type::array);  // UTF-8 it is as well
     for (const std::string& text : {std::string(), std::string("nul"), "[\"\xC0\"]" + utf16, utf16})
         EXPECT_TRUE(JSON::parse(text).null() && !JSON::parseJSON(text).error()) << text;
 }

@@ -33,22 +33,27 @@ std::string documentText() {
     return text + R"(],"settings":{"a":{"b":[1,2,3]}}})";
 }
 
-/// A document as it was read, one that has been changed, and one that was never read.
+/// A document as it was read, one that has been changed, one that was never read, and one whose
+/// parts are converted when the first thread asks for them.
 std::vector<JSON> documents() {
     std::vector<JSON> result(3, JSON::parse(documentText()));
+    result.emplace_back(Dictionary{{"list", result[0]["list"].arrayValue()},
+                                   {"settings", Data::fromText(R"({"a":{"b":[1,2,3]}})")}});
     result[1]["settings"]["a"]["b"][0] = "a text of more than fourteen";
     result[1]["list"][7]["new"] = JSON{{"k", JSON::arrayOf(JSON())}};
     result[2] = result[2].detached();
     return result;
 }
 
-TEST(JSONThreadsTest, CopiesAreChangedAtOnce) {
+TEST(JSONThreadsTest, CopiesAreChangedAtOnceAndPartsReadWhileTheWholeIsDropped) {
     for (JSON& document : documents()) {
         const JSON before = document.detached();
         std::vector<JSON> copies(threadCount, document);
         document = JSON();  // so that one of the threads drops what all share
         onThreads([&](int number) {
             JSON copy = std::move(copies[static_cast<std::size_t>(number)]);
+            JSON part = copy["list"][number];
+            auto place = copy["list"].begin();
             JSON empty = JSON::arrayOf();  // of which all threads have the same
             empty.merge(JSON::arrayOf(number));
             for (int round = 0; round < 20; ++round) {
@@ -62,31 +67,17 @@ TEST(JSONThreadsTest, CopiesAreChangedAtOnce) {
                 ASSERT_EQ(copy["list"][index]["on"][0].count() % 2, 0u);
             }
             ASSERT_EQ(copy["settings"].count(), 21u);
-        });
-        EXPECT_EQ(before["list"].count(), 100u);
-        EXPECT_EQ(before["settings"].count(), 1u);
-    }
-}
-
-TEST(JSONThreadsTest, PartsAreReadElsewhereWhileTheWholeIsDropped) {
-    for (JSON& document : documents()) {
-        std::vector<std::pair<JSON, JSON::const_iterator>> parts;
-        for (int number = 0; number < threadCount; ++number)
-            parts.emplace_back(document["list"][number], document["list"].begin());
-        onThreads([&](int number) {
-            if (number == 0) document = JSON();
-            auto [part, place] =
-                std::exchange(parts[static_cast<std::size_t>(number)], {JSON(), {}});
+            copy = JSON();
             std::int64_t sum = 0;
-            for (; place != JSON::const_iterator(); ++place) {
-                const JSON value = place->value;
-                sum += value["id"].intValue() + value["number"].numberValue().boolValue();
-                part["copy"] = value["name"];
-            }
+            for (; place != JSON::const_iterator(); ++place)
+                sum += place->value["id"].intValue() + place->value["number"].boolValue();
             ASSERT_EQ(sum, 100 * 99 / 2 + 100);
+            part["copy"] = part["name"];
             ASSERT_EQ(part["copy"].stringValue(), "a name of more than fourteen");
             ASSERT_EQ(part["id"].intValue(), number);
         });
+        EXPECT_EQ(before["list"].count(), 100u);
+        EXPECT_EQ(before["settings"].count(), 1u);
     }
 }
 

@@ -14,10 +14,27 @@ namespace {
 
 const auto decimal = [](const std::string& text) { return NSDecimalNumber(text); };
 
-/// Texts that are read as one value.
-using Readings = std::vector<std::pair<std::string, std::vector<std::string>>>;
-
-void expectReadings(const Readings& readings) {
+TEST(NSDecimalNumberTest, ReadsTheLongestNumeralAtTheStartAsFarAsThereIsRoom) {
+    const std::string zeros(127, '0');
+    const std::string largest = "34028236692093846346337460743176821145";
+    const std::string digits = "123456789012345678901234567890123456789";
+    const std::string nines(39, '9');
+    // clang-format off
+    const std::pair<std::string, std::vector<std::string>> readings[] = {
+        {"12", {"12", " \t\n12", "00012", "+12", "12.", "12abc", "12,5", "12e", "12e-x"}},
+        {"1000", {"1e3", "1E+3", "1000.000", "10000e-1"}},   {"0.5", {".5", "5e-1"}},
+        {"-12.5", {"-12.50", "-12.5.5"}},   {"3.14", {"3.14notanumber"}},   {"0.0000001", {"1e-7"}},
+        {"0", {"0", "-0", "-0.0e1", "0e5", "0x10", "e", "en", "e5"}},
+        {"NaN", {"", " ", "-", ".", "--1", "-e5", "x1", "abc", "nan", "inf", "٣",
+                 "0." + zeros + "1e255", "1e128", "1e-129", "1e200", "1e-200", "0e200",
+                 "1e99999999999999999999"}},
+        {"1" + zeros, {"1e127"}},            {"10" + zeros, {"10e127", "1.0e128"}},
+        {"0." + zeros + "1", {"1e-128"}},    {"1" + zeros.substr(1), {"0." + zeros + "1e254"}},
+        {"100000000000000000000000007", {"100000000000000000000000007"}},
+        {largest + "5", {largest + "5"}},    {largest + "0", {largest + "6", largest + "6.5"}},
+        {nines.substr(1) + "0", {nines + ".5"}},
+        {digits + "000", {digits + "099"}},  {"1." + digits.substr(1), {"1." + digits.substr(1) + "099"}}};
+    // clang-format on
     for (const auto& [value, texts] : readings) {
         for (const std::string& text : texts) {
             EXPECT_EQ(decimal(text).stringValue(), value) << text;
@@ -27,33 +44,6 @@ void expectReadings(const Readings& readings) {
         }
     }
 }
-
-// clang-format off
-TEST(NSDecimalNumberTest, ReadsTheLongestNumeralAtTheStart) {
-    expectReadings({
-        {"12", {"12", " \t\n12", "00012", "+12", "12.", "12abc", "12,5", "12e", "12e-x"}},
-        {"1000", {"1e3", "1E+3", "1000.000", "10000e-1"}},   {"0.5", {".5", "5e-1"}},
-        {"-12.5", {"-12.50", "-12.5.5"}},   {"3.14", {"3.14notanumber"}},   {"0.0000001", {"1e-7"}},
-        {"0", {"0", "-0", "-0.0e1", "0e5", "0x10", "e", "en", "e5"}},
-        {"NaN", {"", " ", "-", ".", "--1", "-e5", "x1", "abc", "nan", "inf", "٣"}}});
-}
-
-TEST(NSDecimalNumberTest, KeepsWithinTheRoomOfMantissaAndExponent) {
-    const std::string zeros(127, '0');
-    const std::string largest = "34028236692093846346337460743176821145";
-    const std::string digits = "123456789012345678901234567890123456789";
-    const std::string nines(39, '9');
-    expectReadings({
-        {"1" + zeros, {"1e127"}},            {"10" + zeros, {"10e127", "1.0e128"}},
-        {"0." + zeros + "1", {"1e-128"}},    {"1" + zeros.substr(1), {"0." + zeros + "1e254"}},
-        {"NaN", {"0." + zeros + "1e255", "1e128", "1e-129", "1e200", "1e-200", "0e200",
-                 "1e99999999999999999999"}},
-        {"100000000000000000000000007", {"100000000000000000000000007"}},
-        {largest + "5", {largest + "5"}},    {largest + "0", {largest + "6", largest + "6.5"}},
-        {nines.substr(1) + "0", {nines + ".5"}},
-        {digits + "000", {digits + "099"}},  {"1." + digits.substr(1), {"1." + digits.substr(1) + "099"}}});
-}
-// clang-format on
 
 TEST(NSDecimalNumberTest, ConvertsToTheExactIntegerPart) {
     // clang-format off

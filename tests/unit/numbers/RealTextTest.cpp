@@ -14,12 +14,6 @@ namespace {
 constexpr auto inf = std::numeric_limits<double>::infinity();
 constexpr auto nan = std::numeric_limits<double>::quiet_NaN();
 
-template <class Integer>
-std::string writtenInteger(Integer value) {
-    std::array<char, longestIntegerText> buffer;
-    return {buffer.data(), writeInteger(buffer.data(), value)};
-}
-
 TEST(RealTextTest, HardDecimalsReadAsTheNearestDouble) {
     constexpr std::int64_t far = std::int64_t{1} << 62;
     // clang-format off
@@ -48,13 +42,11 @@ TEST(RealTextTest, HardDecimalsReadAsTheNearestDouble) {
     EXPECT_EQ(nearestDouble(9007199254740995u, 0), 0x1p53 + 4);
 }
 
-TEST(RealTextTest, EveryPowerOfTenReadsAsTheNearestDouble) {
-    for (int exponent = -350; exponent <= 320; ++exponent) {
-        for (const std::uint64_t mantissa : {1u, 3u, 4294967295u}) {
-            EXPECT_EQ(differenceInReading({mantissa, exponent}), "");
-            EXPECT_TRUE(nearestDouble(mantissa, exponent));
-        }
-    }
+TEST(RealTextTest, DrawnDoublesAreReadAndWrittenAsTheStandardLibraryDoes) {
+    // Others each time with --gtest_shuffle, and as many as wanted with --gtest_repeat.
+    const int seed = testing::UnitTest::GetInstance()->random_seed();
+    RealTextSample sample(static_cast<std::uint64_t>(seed));
+    for (int i = 0; i < 300'000; ++i) ASSERT_EQ(sample.nextDifference(), "") << "seed " << seed;
 }
 
 TEST(RealTextTest, DoublesAreWrittenInTheirLayout) {
@@ -62,7 +54,7 @@ TEST(RealTextTest, DoublesAreWrittenInTheirLayout) {
     const double values[] = {
         0.0, 1.0, 100.0, 0.1, 12.5, 1000.5, 1500.0, 1e-4, 1.0000000000000002e-4, inf, nan,
         0x1.a36e2eb1c432cp-14, 4.999999999999999, 0x1p53, 0x1p53 + 2, 9'999'999'999'999'998.0,
-        1e16, 1e23, 0x1p60, 5e-324, 1e-323, 1.5e-323, 0x1p-1022, 0x1p-44, 1.7976931348623157e308};
+        1e16, 1e23, 1.5e-323, 1.7976931348623157e308};
     // clang-format on
     for (const double largestPlain : {1000.0, 0x1p53, 9'999'999'999'999'998.0, 0x1p62})
         for (const double value : values)
@@ -83,17 +75,19 @@ TEST(RealTextTest, PowersOfTwoAndTheirNeighboursAreWrittenShortest) {
 }
 
 TEST(RealTextTest, IntegersOfEveryLengthAreWritten) {
-    EXPECT_EQ(writtenInteger(std::uint64_t{0}), "0");
+    std::array<char, longestIntegerText> buffer;
+    const auto written = [&](auto value) {
+        return std::string(buffer.data(), writeInteger(buffer.data(), value));
+    };
     std::uint64_t power = 1;
-    for (int length = 1; length <= 19; ++length, power *= 10) {
-        for (const std::uint64_t value : {power, power + 1, power / 9 * 7, power * 10 - 1}) {
-            EXPECT_EQ(writtenInteger(value), std::to_string(value));
+    for (int length = 1; length <= 20; ++length, power *= 10) {
+        for (const std::uint64_t value : {power, power / 9 * 7, power - 1, 0 - power,
+                                          std::uint64_t{1} << 63, std::uint64_t{UINT64_MAX}}) {
+            const auto integer = static_cast<std::int64_t>(value);
+            EXPECT_EQ(written(value), std::to_string(value));
+            EXPECT_EQ(written(integer), std::to_string(integer));
         }
     }
-    EXPECT_EQ(writtenInteger(std::uint64_t{UINT64_MAX}), "18446744073709551615");
-    EXPECT_EQ(writtenInteger(std::int64_t{INT64_MAX}), "9223372036854775807");
-    EXPECT_EQ(writtenInteger(std::int64_t{INT64_MIN}), "-9223372036854775808");
-    EXPECT_EQ(writtenInteger(std::int64_t{-7}), "-7");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <InkoraKit/ManagerState.h>
 #include <InkoraKit/Version.h>
-#include <InkoraKit/platform/Any.h>
 #include <InkoraKit/platform/CBUUID.h>
 #include <InkoraKit/platform/Data.h>
 #include <InkoraKit/platform/NSError.h>
@@ -63,11 +62,6 @@ TEST(DataTest, EncodesAsLowerCaseHexadecimal) {
     EXPECT_EQ((Data{0x00, 0x0A, 0xFF}).hexEncodedString(), "000aff");
     EXPECT_EQ(Data().hexEncodedString(), "");
     EXPECT_EQ((Data{1, 2, 3, 4}).description(), "4 bytes");
-}
-
-TEST(AnyTest, GivesBackNothingElseThanItHolds) {
-    EXPECT_EQ(*Any("abc").as<std::string>(), "abc");
-    EXPECT_FALSE(Any("abc").as<NSNumber>() || Any().as<std::string>());
 }
 
 TEST(UIColorTest, KeepsColoursOutsideSRGBAndClampsOpacity) {

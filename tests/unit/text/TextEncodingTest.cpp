@@ -15,58 +15,42 @@ using Bytes = std::vector<std::uint8_t>;
 using Text = std::optional<std::string>;
 using enum StringEncoding;
 
-// Unicode, table 3-7, row by row: the ranges of the first and of the second byte.
-struct Row {
-    int first, firstEnd, second, secondEnd;
-    std::size_t length;
-};
-constexpr Row rows[] = {
-    {0x00, 0x7F, 0, 0, 1},       {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3},
-    {0xE1, 0xEC, 0x80, 0xBF, 3}, {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3},
-    {0xF0, 0xF0, 0x90, 0xBF, 4}, {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4}};
-
-std::size_t lengthByTable(std::string_view text) {
-    std::size_t checked = 0;
-    while (checked < text.size()) {
-        const auto lies = [&](std::size_t place, int low, int high) {
-            if (checked + place >= text.size()) return false;
-            const int byte = static_cast<unsigned char>(text[checked + place]);
-            return byte >= low && byte <= high;
-        };
-        const auto row = std::ranges::find_if(rows, [&](const Row& candidate) {
-            return lies(0, candidate.first, candidate.firstEnd) &&
-                   (candidate.length < 2 || lies(1, candidate.second, candidate.secondEnd)) &&
-                   (candidate.length < 3 || lies(2, 0x80, 0xBF)) &&
-                   (candidate.length < 4 || lies(3, 0x80, 0xBF));
-        });
-        if (row == std::end(rows)) break;
-        checked += row->length;
+TEST(TextEncodingTest, Utf8IsWellFormedByTheTableOfUnicode) {
+    // Table 3-7, row by row: the ends of the ranges of the first and second byte, and what is next.
+    // clang-format off
+    const std::pair<std::string, std::size_t> sequences[] = {
+        {"\x7F", 1}, {"\x80\x80", 0}, {"\xC1\xBF", 0}, {"\xC2\x80", 2}, {"\xDF\xBF", 2}, {"\xC2\x7F", 0},
+        {"\xDF\xC0", 0}, {"\xE0\x9F\xBF", 0}, {"\xE0\xA0\x80", 3}, {"\xEC\xBF\xBF", 3}, {"\xED\x9F\xBF", 3},
+        {"\xED\xA0\x80", 0}, {"\xED\xBF\xBF", 0}, {"\xEE\x80\x80", 3}, {"\xEF\xBF\xBF", 3}, {"\xE1\x7F\x80", 0},
+        {"\xE1\xC0\x80", 0}, {"\xE1\x80\x7F", 0}, {"\xE1\x80\xC0", 0}, {"\xF0\x8F\xBF\xBF", 0},
+        {"\xF0\x90\x80\x80", 4}, {"\xF3\xBF\xBF\xBF", 4}, {"\xF4\x8F\xBF\xBF", 4}, {"\xF4\x90\x80\x80", 0},
+        {"\xF1\xC0\x80\x80", 0}, {"\xF1\x80\xC0\x80", 0}, {"\xF1\x80\x80\xC0", 0}, {"\xF1\x80\x7F\x80", 0},
+        {"\xF1\x80\x80\x7F", 0}, {"\xF5\x80\x80\x80", 0}, {"\xF8\x88\x80\x80", 0}, {"\xFF", 0}};
+    // clang-format on
+    for (const auto& [sequence, length] : sequences) {
+        for (std::size_t i = 0; i <= sequence.size(); ++i) {
+            const std::size_t expected = i < sequence.size() ? 0 : length;
+            EXPECT_EQ(wellFormedUtf8LengthPortably(sequence.substr(0, i)), expected) << sequence;
+        }
     }
-    return checked;
 }
 
-TEST(TextEncodingTest, Utf8IsWellFormedExactlyByTheTableWhereverItStands) {
+TEST(TextEncodingTest, Utf8IsCheckedAlikeInBlocksWhereverItStands) {
     constexpr std::array<char, 4> others = {'A', '\x80', '\xBF', '\xE3'};
     const std::string fillers[] = {"a", "é", "猫", "😀"};
-    std::size_t round = 0;
-    for (int first = 0; first < 0x100; ++first)
-        for (int second = 0; second < 0x100; ++second)
-            for (const char third : others)
-                for (const char fourth : others) {
-                    // As long as two to three of the blocks that are looked at as a whole, more or
-                    // less, and at the end or followed by any of the fillers.
-                    const std::string& filler = fillers[++round % 4];
-                    std::string text(round % 3, 'a');
-                    while (text.size() < round % 37) text += filler;
-                    for (const int byte : {first, second}) text += static_cast<char>(byte);
-                    text += {third, fourth};
-                    for (std::size_t i = 0; i < round % 5 * 3; ++i) text += filler;
-                    const std::vector<char> exact(text.begin(), text.end());  // nothing behind
-                    const std::string_view view(exact.data(), exact.size());
-                    const std::size_t expected = lengthByTable(view);
-                    ASSERT_EQ(wellFormedUtf8Length(view), expected) << text;
-                    ASSERT_EQ(wellFormedUtf8LengthPortably(view), expected) << text;
-                }
+    for (std::uint32_t round = 0; round < 0x100000; ++round) {
+        // Any two bytes and then two others, in a text as long as two to three of the blocks that
+        // are looked at as a whole, more or less.
+        const std::string& filler = fillers[round % 7 % 4];
+        std::string text(round % 3, 'a');
+        while (text.size() < round % 37) text += filler;
+        text += {static_cast<char>(round >> 12), static_cast<char>(round >> 4),
+                 others[round >> 2 & 3], others[round & 3]};
+        for (std::size_t i = 0; i < round % 5 * 3; ++i) text += filler;
+        const std::vector<char> exact(text.begin(), text.end());  // nothing behind
+        const std::string_view view(exact.data(), exact.size());
+        ASSERT_EQ(wellFormedUtf8Length(view), wellFormedUtf8LengthPortably(view)) << text;
+    }
 }
 
 TEST(TextEncodingTest, BytesAreDecodedOrRefused) {

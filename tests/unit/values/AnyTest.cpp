@@ -42,12 +42,6 @@ TEST(AnyTest, ACopyNeverChangesWithItsOriginal) {
                   "[[1.5,true,null],[1.5,true,null],2]");
         EXPECT_TRUE(members.size() == 2 && pens.size() == 4);
     }
-    Array array{1, Array{2}};
-    Array same = array;
-    same.set(1, same);
-    array.append(array);
-    array = *array[2].as<Array>();
-    EXPECT_EQ(array.description() + same.description(), "[1,[2]][1,[1,[2]]]");
 }
 
 TEST(AnyTest, AKeyIsFoundHoweverManyMembersThereAre) {

@@ -1,9 +1,0 @@
-#include "BusMessage.h"
-
-#include <cstddef>
-#include <cstdint>
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    InkoraKit::readBusMessage({reinterpret_cast<const char*>(bytes), size});
-    return 0;
-}

@@ -1,9 +1,0 @@
-#include "JSONText.h"
-
-#include <cstddef>
-#include <cstdint>
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    InkoraKit::checkJSONText({reinterpret_cast<const char*>(bytes), size});
-    return 0;
-}
