@@ -161,7 +161,7 @@ public:
     /// Of a number whether it is not zero; of a text whether it is "true", "y" or "t" in any case.
     bool boolValue() const;
     /// Becomes the truth value.
-    void setBoolValue(bool value) &;
+    void setBoolValue(bool value) & { setBool(value); }
 
     /// Of a text the same.
     std::optional<std::string> string() const;
@@ -183,7 +183,7 @@ public:
     /// Of a text the decimal number at its start, whatever the locale, or zero.
     NSNumber numberValue() const;
     /// Becomes the number.
-    void setNumberValue(const NSNumber& value) &;
+    void setNumberValue(const NSNumber& value) & { setNumber(value); }
 
     /// Of null, and of what is not there, the platform's.
     std::optional<NSNull> null() const noexcept;
@@ -238,18 +238,18 @@ public:
     void setInt64(std::optional<std::int64_t> value) &;    ///< Becomes the integer.
     void setUInt64(std::optional<std::uint64_t> value) &;  ///< Becomes the integer.
 
-    void setDoubleValue(double value) &;         ///< Becomes the number, a double.
-    void setFloatValue(float value) &;           ///< Becomes the number, a float.
-    void setIntValue(std::int64_t value) &;      ///< Becomes the integer.
-    void setUIntValue(std::uint64_t value) &;    ///< Becomes the integer.
-    void setInt8Value(std::int8_t value) &;      ///< Becomes the integer.
-    void setUInt8Value(std::uint8_t value) &;    ///< Becomes the integer.
-    void setInt16Value(std::int16_t value) &;    ///< Becomes the integer.
-    void setUInt16Value(std::uint16_t value) &;  ///< Becomes the integer.
-    void setInt32Value(std::int32_t value) &;    ///< Becomes the integer.
-    void setUInt32Value(std::uint32_t value) &;  ///< Becomes the integer.
-    void setInt64Value(std::int64_t value) &;    ///< Becomes the integer.
-    void setUInt64Value(std::uint64_t value) &;  ///< Becomes the integer.
+    void setDoubleValue(double value) & { setDouble(value); }     ///< Becomes the number, a double.
+    void setFloatValue(float value) & { setFloat(value); }        ///< Becomes the number, a float.
+    void setIntValue(std::int64_t value) & { setInt(value); }     ///< Becomes the integer.
+    void setUIntValue(std::uint64_t value) & { setUInt(value); }  ///< Becomes the integer.
+    void setInt8Value(std::int8_t value) & { setInt8(value); }    ///< Becomes the integer.
+    void setUInt8Value(std::uint8_t value) & { setUInt8(value); }     ///< Becomes the integer.
+    void setInt16Value(std::int16_t value) & { setInt16(value); }     ///< Becomes the integer.
+    void setUInt16Value(std::uint16_t value) & { setUInt16(value); }  ///< Becomes the integer.
+    void setInt32Value(std::int32_t value) & { setInt32(value); }     ///< Becomes the integer.
+    void setUInt32Value(std::uint32_t value) & { setUInt32(value); }  ///< Becomes the integer.
+    void setInt64Value(std::int64_t value) & { setInt64(value); }     ///< Becomes the integer.
+    void setUInt64Value(std::uint64_t value) & { setUInt64(value); }  ///< Becomes the integer.
 
     // Navigation. Reading never fails: see `error()`. Writing does what the types allow and nothing
     // else: it sets a member of a dictionary, or an element that the array has.

@@ -79,10 +79,6 @@ bool JSON::boolValue() const {
     }
 }
 
-void JSON::setBoolValue(bool value) & {
-    setObject(value);
-}
-
 std::optional<std::string> JSON::string() const {
     if (type() != Type::string) return std::nullopt;
     return std::string(Storage::text(contents()));
@@ -140,10 +136,6 @@ std::int64_t JSON::convertedToInteger(AnySlot value) {
 
 double JSON::convertedToDouble(AnySlot value) {
     return shown(value).numberValue().doubleValue();
-}
-
-void JSON::setNumberValue(const NSNumber& value) & {
-    setObject(value);
 }
 
 std::optional<NSNull> JSON::null() const noexcept {
