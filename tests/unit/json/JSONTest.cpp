@@ -100,11 +100,11 @@ TEST(JSONTest, DynamicValuesThatHoldJSONAreUnwrapped) {
 }
 
 TEST(JSONTest, DictionaryLiteralsUnwrapJSONAtAnyDepth) {
-    const Dictionary mixed{{"n", 1}, {"j", JSON(5)}, {"a", Array{JSON(6), JSON("x")}}};
+    const Dictionary mixed{{"j", JSON(5)}, {"n", 1}, {"a", Array{JSON(6), JSON("x")}}};
     const JSON json{{"d", mixed},
                     {"list", Array{mixed, Dictionary{{"d", mixed}}}},
                     {"other", Array{1, Dictionary{{"j", JSON(5)}}}}};
-    EXPECT_EQ(compact(json["d"]), R"({"n":1,"j":5,"a":[6,"x"]})");
+    EXPECT_EQ(compact(json["d"]), R"({"j":5,"n":1,"a":[6,"x"]})");
     EXPECT_EQ(compact(json["list"][1]["d"]["a"]), R"([6,"x"])");
     EXPECT_EQ(json["other"][1]["j"].type(), Type::number);  // as a dictionary of only JSON
     EXPECT_EQ(compact(json["other"]), "none");
