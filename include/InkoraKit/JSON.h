@@ -434,7 +434,7 @@ private:
             return isPosition ? value.element(step.payload()) : AnySlot::member(value, step);
         return value.tag() == AnySlot::object ? partOfObject(value, step) : nullptr;
     }
-    /// The same for a position, which is looked at more closely where there is no such element.
+    /// The same for a position, of which a view is made only where it is needed.
     [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value,
                                                       Integer auto position) noexcept {
         if (value.isArray()) [[likely]]
