@@ -258,13 +258,13 @@ public:
     template <JSONSubscriptType Step>
     JSON operator[](const Step& step) const& {
         const AnySlot* const found = part(value_.slot(), step);
-        return found ? shown(*found) : missing(value_.slot(), stepView(step));
+        return found ? shown(*found) : otherPart(value_.slot(), stepView(step));
     }
     /// The same of a value that is not needed any more.
     template <JSONSubscriptType Step>
     JSON operator[](const Step& step) && {
         const AnySlot* const found = part(value_.slot(), step);
-        return found ? JSON(std::move(*this), *found) : missing(value_.slot(), stepView(step));
+        return found ? JSON(std::move(*this), *found) : otherPart(value_.slot(), stepView(step));
     }
     /// The same of a value that may change: assigning to the result writes it.
     template <JSONSubscriptType Step>
@@ -284,7 +284,7 @@ public:
     template <JSONSubscriptType... Steps>
     const JSON* find(const Steps&... steps) const& {
         const AnySlot* place = &value_.slot();
-        ((place = place ? part(*place, steps) : nullptr), ...);
+        ((place = place ? shownPart(*place, steps) : nullptr), ...);
         return place ? &shown(*place) : nullptr;
     }
     template <JSONSubscriptType... Steps>
@@ -427,27 +427,37 @@ private:
     static AnySlot stepView(const JSONKey& key) noexcept {
         return key.index() ? stepView(*key.index()) : stepView(*key.key());
     }
-    /// What the value has at the step, as it is shown; null if there is nothing.
+    static AnySlot stepView(AnySlot view) noexcept { return view; }
+
+    /// What the value has at the step; null if there is nothing, or something to convert.
     [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value, AnySlot step) noexcept {
         const bool isPosition = step.tag() == AnySlot::int64;
         if (isPosition ? value.isArray() : value.tag() == AnySlot::dictionary) [[likely]]
             return isPosition ? value.element(step.payload()) : AnySlot::member(value, step);
-        return value.tag() == AnySlot::object ? partOfObject(value, step) : nullptr;
+        return nullptr;
     }
     /// The same for a position, of which a view is made only where it is needed.
     [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value,
                                                       Integer auto position) noexcept {
-        if (value.isArray()) [[likely]]
-            return value.element(static_cast<std::uint64_t>(position));
-        return value.tag() == AnySlot::object ? partOfObject(value, stepView(position)) : nullptr;
+        return value.isArray() ? value.element(static_cast<std::uint64_t>(position)) : nullptr;
     }
     [[gnu::always_inline]] static const AnySlot* part(const AnySlot& value,
                                                       std::string_view key) noexcept {
         return part(value, AnySlot::view(key));
     }
+    /// What the value has at a step where there is no such part: the part as it is converted; or
+    /// null, with the error that the value has already, or else the one of the step.
+    static JSON otherPart(AnySlot value, AnySlot step);
+    static JSON missing(const JSON& container, AnySlot step);
+
+    /// What the value has at the step, as it is shown; null if there is nothing.
+    template <class Step>
+    static const AnySlot* shownPart(const AnySlot& value, const Step& step) noexcept {
+        const AnySlot* const found = part(value, step);
+        return found || value.tag() != AnySlot::object ? found
+                                                       : partOfObject(value, stepView(step));
+    }
     [[gnu::cold]] static const AnySlot* partOfObject(AnySlot value, AnySlot step) noexcept;
-    /// Null, with the error that the value has already, or else the one of the step.
-    static JSON missing(AnySlot value, AnySlot step);
 
     void write(std::span<const AnySlot> steps, Any object);
 

@@ -70,12 +70,12 @@ private:
     friend class JSON;
     /// @param found what is at the step; or null
     [[gnu::always_inline]] JSONPlace(JSON& root, const AnySlot* found, AnySlot step)
-        : JSON(found ? shown(*found) : missing(root.value_.slot(), step)),
+        : JSON(found ? shown(*found) : otherPart(root.value_.slot(), step)),
           root_(&root),
           step_(Any::owned(step)) {}
     // Only what it has as a JSON is moved. NOLINTBEGIN(bugprone-use-after-move)
     [[gnu::always_inline]] JSONPlace(JSONPlace&& before, const AnySlot* found, AnySlot step)
-        : JSON(found ? JSON(std::move(before), *found) : missing(before.value_.slot(), step)),
+        : JSON(found ? JSON(std::move(before), *found) : otherPart(before.value_.slot(), step)),
           root_(before.root_),
           before_(&before),
           step_(Any::owned(step)) {

@@ -11,12 +11,16 @@
 namespace InkoraKit {
 
 const AnySlot* JSON::partOfObject(AnySlot value, AnySlot step) noexcept {
-    const AnySlot& contents = shownContentsOfObject(Storage::asAny(value)).slot();
-    return contents.tag() == AnySlot::object ? nullptr : part(contents, step);
+    return part(shownContentsOfObject(Storage::asAny(value)).slot(), step);
 }
 
-JSON JSON::missing(AnySlot value, AnySlot step) {
+JSON JSON::otherPart(AnySlot value, AnySlot step) {
     const JSON& container = shown(value);
+    const AnySlot* const found = part(container.contents().slot(), step);
+    return found ? JSON(Storage::asAny(*found)) : missing(container, step);
+}
+
+JSON JSON::missing(const JSON& container, AnySlot step) {
     const bool isIndex = step.tag() == AnySlot::int64;
     Aside error{.contents = NSNull(),
                 .code = ErrorWrongType,
@@ -41,8 +45,8 @@ JSON JSON::missing(AnySlot value, AnySlot step) {
 JSON JSON::operator[](const JSONPath& path) const& {
     const AnySlot* place = &value_.slot();
     for (const JSONKey& step : path) {
-        const AnySlot* const next = part(*place, stepView(step));
-        if (!next) return missing(*place, stepView(step));
+        const AnySlot* const next = shownPart(*place, stepView(step));
+        if (!next) return missing(shown(*place), stepView(step));
         place = next;
     }
     return shown(*place);
@@ -58,19 +62,22 @@ void JSON::write(std::span<const AnySlot> steps, Any object) {
     const AnySlot& last = steps.back();
     steps = steps.first(steps.size() - 1);
 
-    const AnySlot* place = &value_.slot();
+    const AnySlot* place = &contents().slot();
+    JSON converted;
     for (const AnySlot& step : steps) {
         place = part(*place, step);
         if (!place) return;
+        if (!place->isForeign()) continue;
+        converted = JSON(Storage::asAny(*place));
+        place = &converted.contents().slot();
     }
-    const JSON& container = shown(*place);
     if (last.tag() == AnySlot::int64) {
-        if (container.type() != Type::array) return;
-        if (last.integer() >= static_cast<std::int64_t>(container.count())) return;
+        if (!place->isArray() || last.integer() >= std::int64_t{place->header().count}) return;
         if (last.integer() < 0) fatalError("Index out of range");
-    } else if (container.type() != Type::dictionary) {
+    } else if (place->tag() != AnySlot::dictionary) {
         return;
     }
+    converted = {};  // or else what is to change would be shared, and so copied
 
     const auto placeIn = [](Any& outer, const AnySlot& step) -> Any& {
         if (step.tag() != AnySlot::int64) return Storage::writableMember(outer, step.text());
