@@ -26,8 +26,8 @@ constexpr const char* tooDeep = "Too many nested arrays or dictionaries";
 
 /// Fills a slot with one store, since it is soon read with one load: a processor makes a load wait
 /// that spans several recent stores.
-inline void put(AnySlot& place, AnySlot slot) {
-    Bytes16::of(slot.payload(), slot.rest()).store(&place);
+inline void put(AnySlot& slot, AnySlot value) {
+    Bytes16::of(value.payload(), value.rest()).store(&slot);
 }
 
 inline void copy(AnySlot& slot, const AnySlot& original) {
