@@ -84,6 +84,11 @@ nlohmann::json comparable(nlohmann::json plain) {
     return plain;
 }
 
+/// Keys may hold bytes that are no UTF-8.
+std::string textOf(const PlainJSON& plain) {
+    return plain.dump(-1, ' ', false, PlainJSON::error_handler_t::replace);
+}
+
 struct Variable {
     JSON json;
     PlainJSON plain;
@@ -129,7 +134,7 @@ private:
         std::vector<nlohmann::json> compared;
         for (Variable& variable : variables) {
             require(matches(variable.plain, variable.json), "a value is what it should be");
-            if (variable.plain.dump().size() > longestText) variable = {};
+            if (textOf(variable.plain).size() > longestText) variable = {};
             compared.push_back(comparable(variable.plain));
         }
         for (std::size_t i = 0; i < variables.size(); ++i) {
