@@ -2,7 +2,7 @@
 """A header as Doxygen is to see it; lines keep their numbers. In the kit a comment counts for all
 declarations that follow it without a blank line, where Doxygen gives it to the first alone: each of
 the others gets a copy. What needs no words of its own is left out: a destructor that does what every
-one does, and what specialises templates of the standard library."""
+one does, classes that are friends, and what specialises templates of the standard library."""
 import re
 import sys
 
@@ -43,6 +43,8 @@ def shown(lines):
             comment = [*(comment if is_documented else []), line.strip()[3:].strip()]
         elif NO_DECLARATION.match(line):
             comment = []
+            if "friend" in line:
+                result[number] = ""
         elif scope := SCOPE.match("\n".join(lines[number:number + 6])):
             comment = []
             end = number + scope[0].count("\n")

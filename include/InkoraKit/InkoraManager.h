@@ -31,9 +31,11 @@ public:
     static void stopPairingDevice();
 
     /// Asks for the battery level, answered once by `didPeripheralIndicated`. Before a connection
-    /// it is kept for the first reading. Between the connection and the first battery value there
-    /// is no characteristic to read yet, and asking is a fatal stop: ask before pairing, or when
-    /// `InkoraHandler::batterLifeCharacterstic()` is there.
+    /// it is kept for the first reading. Where the link before ended without
+    /// `didDisconnectPeripheral` (another pen took its place, or the adapter went) the answer is
+    /// the next level that the pen tells of its own accord. Between the connection and the first
+    /// battery value there is no characteristic to read yet, and asking is a fatal stop: ask before
+    /// pairing, or when `InkoraHandler::batterLifeCharacterstic()` is there.
     static void requestInkoraDeviceBatteryInfo();
 
     /// Asks for the signal strength, answered once by `didPeripheralSensored`. Before a connection
