@@ -52,11 +52,13 @@ protected:
     virtual void setManager(const std::shared_ptr<CBCentralManager>& manager);
 
 public:
-    /// The pen that is being connected or is connected; null while there is none.
+    /// The pen that was found last, until it is disconnected: still there after an attempt to
+    /// connect it has failed, and when the adapter has gone. Null before and after.
     virtual std::shared_ptr<CBPeripheral> connectedPeripheral() const;
     virtual void setConnectedPeripheral(const std::shared_ptr<CBPeripheral>& peripheral);
 
-    /// The battery characteristic, known from its first value to the end of the link.
+    /// The battery characteristic, known from its first value until its pen is disconnected; so
+    /// not forgotten where another pen takes that one's place, or the adapter goes.
     virtual std::shared_ptr<CBCharacteristic> batterLifeCharacterstic() const;
     virtual void setBatterLifeCharacterstic(const std::shared_ptr<CBCharacteristic>& battery);
 

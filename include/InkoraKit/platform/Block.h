@@ -36,7 +36,7 @@ public:
         if (operations_) operations_->move(other.storage_, storage_);
     }
 
-    /// Likewise; the work kept before is dropped.
+    /// Takes over the other one's work and drops its own.
     Block& operator=(Block&& other) noexcept {
         if (this == &other) return *this;
         clear();

@@ -21,7 +21,7 @@ namespace InkoraKit {
 class CBPeripheral;
 class CentralCore;
 
-/// How the link to a peripheral stands, as far as the host has been told.
+/// How the link to a peripheral stands.
 enum class CBPeripheralState {
     disconnected = 0,   ///< no link, and no attempt at one
     connecting = 1,     ///< from `connect` to the callback of its outcome
@@ -55,8 +55,8 @@ public:
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const std::vector<std::shared_ptr<CBService>>& invalidatedServices) {}
 
-    /// The answer to `readRSSI`, in dBm. A strength that cannot be read on this system is never made
-    /// up: there is no call then.
+    /// The answer to `readRSSI`, in dBm. A strength that cannot be read on this system is never
+    /// made up: there is no call then.
     virtual void peripheralDidReadRSSI(
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const NSNumber& rssi,
@@ -97,7 +97,8 @@ public:
         return ownName_ ? ownName_ : advertisedName_;
     }
 
-    /// Changes with `connect` and cancelling at once, else right before the callback.
+    /// Changes at once with `connect`, with cancelling and when the adapter goes, else right before
+    /// the callback that tells of it.
     CBPeripheralState state() const noexcept { return state_; }
 
     /// Who hears the answers, also those that are queued already. Null while there is nobody.

@@ -36,7 +36,7 @@ public:
         mutableLeaves = 2,      ///< Without effect: every value can be changed.
         allowFragments = 4      ///< A text may hold a single number, text, truth value or null.
     };
-    /// Likewise.
+    /// Combine with `|`; unknown bits are ignored.
     enum class WritingOptions : std::uint32_t {
         none = 0,            ///< On one line, members in their order, "/" escaped.
         prettyPrinted = 1,   ///< One element or member a line, indented by two blanks a level.

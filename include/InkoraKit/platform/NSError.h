@@ -27,7 +27,7 @@ public:
     /// @param userInfo further information, by the keys above or any others
     NSError(std::string domain, std::int64_t code, Dictionary userInfo = {});
 
-    /// What it was made of, for as long as a copy of the error is.
+    /// What it was made of. A reference is valid for as long as a copy of the error lives.
     const std::string& domain() const noexcept;
     std::int64_t code() const noexcept;
     const Dictionary& userInfo() const noexcept;
