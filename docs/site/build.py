@@ -240,6 +240,7 @@ class Guides:
     def write_guide(self, path):
         tokens = self.markdown.parse(path.read_text())
         taken = {}
+        parts = []  # of a long guide, listed at its top
         title = heading = anchor = ""
         for number, token in enumerate(tokens):
             if token.type == "heading_open":
@@ -247,6 +248,8 @@ class Guides:
                 anchor = slug(heading, taken)
                 title = title or heading
                 token.attrSet("id", anchor)
+                if token.tag == "h2":
+                    parts.append(f'<li><a href="#{anchor}">{html.escape(heading)}</a></li>')
                 self.sections.append([heading, title, f"{page_of(path)}#{anchor}", ""])
             elif token.type == "inline":
                 if tokens[number - 1].type != "heading_open" and self.sections:
@@ -263,6 +266,9 @@ class Guides:
             "</table>", "</table></div>")
         content = re.sub(r"(?<!<pre>)<code>([\w:]+)(\(\))?</code>", lambda match: self.named(match, path),
                          content)
+        if len(parts) > 6:
+            parts = f"<details><summary>{len(parts)} sections</summary><ul>{''.join(parts)}</ul></details>"
+            content = content.replace("</h1>", f"</h1>{parts}", 1)
         for place, text in self.replacements.items():
             content = content.replace(place, text)
         page(title, content, page_of(path))
@@ -298,14 +304,15 @@ def main():
         if symbol.is_nested and len(own) > 10:  # what is as long as that means one thing
             names.setdefault(own, symbol.address)
 
+    titles = {key: title for key, title, _, _ in THEMES}
     guides = Guides(names)
     guides.replacements["<!-- the themes of the reference -->"] = theme_lists(all_symbols, "", False)
     for path in REPOSITORY_PAGES:
         guides.add(path)
     guides.write()
-    page("Reference", "<h1>Reference</h1>" + theme_lists(all_symbols, "../", True), "reference/index.html")
+    jumps = " · ".join(f'<a href="#{key}">{titles[key]}</a>' for key in THEME_ORDER)
+    page("Reference", f"<h1>Reference</h1><p>{jumps}</p>" + theme_lists(all_symbols, "../", True), "reference/index.html")
 
-    titles = {key: title for key, title, _, _ in THEMES}
     entries = [section for section in guides.sections if not section[2].startswith("search.html")]
     entries += [[symbol.name, f"{titles[symbol.theme()]}, {symbol.header}", symbol.address, symbol.text]
                 for symbol in all_symbols]

@@ -97,7 +97,8 @@ typedef struct inkora_callbacks {
     /// The link has ended. Unless the host has stopped the kit, a new scan follows at once.
     void (*disconnected)(void* context);
 
-    /// A colour was captured. One equal to the last is not told again.
+    /// A colour was captured. One equal to the last is not told again. One captured between the
+    /// first reading of a connection and the subscription that follows it is lost.
     void (*colour_captured)(void* context, const inkora_colour* colour);
 
     /// The battery level in percent, once for each request.
