@@ -45,12 +45,16 @@ TYPES = ("class", "struct", "enum", "concept")
 THEME_ORDER = ["engine", "bluetooth", "values", "json", "loops", "virtual", "c"]
 
 
+def up_from(address):
+    """The way from the folder of a page to the output's."""
+    return "../" * (len(pathlib.PurePath(address).parts) - 1)
+
+
 def page(title, content, address):
     """Writes a page at the address, which is relative to the output."""
     target = OUTPUT / address
     target.parent.mkdir(parents=True, exist_ok=True)
-    up = "../" * (len(pathlib.PurePath(address).parts) - 1)
-    target.write_text(TEMPLATE.replace("{title}", html.escape(title)).replace("{up}", up)
+    target.write_text(TEMPLATE.replace("{title}", html.escape(title)).replace("{up}", up_from(address))
                       .replace("{content}", content))
 
 
@@ -91,19 +95,19 @@ def text_of(element):
 
 def address_of(identifier):
     """Where Doxygen puts what has the identifier."""
-    compound, member = re.match(r"(.*?)(?:_1(a[0-9a-f]{32}))?$", identifier).groups()
+    compound, member = re.match(r"(.*?)(?:_1((?:a[0-9a-f]{32})+))?$", identifier).groups()
     return f"reference/{compound}.html" + (f"#{member}" if member else "")
 
 
 class Symbol:
-    def __init__(self, element, scope=""):
-        self.kind = element.get("kind")
+    def __init__(self, element, scope="", header=None):
+        self.kind = element.get("kind") or element.tag
         own_name = element.findtext("name") or element.findtext("compoundname")
         self.name = f"{scope}{own_name}".removeprefix("InkoraKit::")
         self.brief = text_of(element.find("briefdescription"))
         self.text = f"{self.brief} {text_of(element.find('detaileddescription'))}"
         self.address = address_of(element.get("id"))
-        self.header = element.find("location").get("file").removeprefix("InkoraKit/")
+        self.header = header or element.find("location").get("file").removeprefix("InkoraKit/")
         self.is_nested = "::" in re.sub("<.*", "", self.name)
 
     def theme(self):
@@ -127,8 +131,29 @@ def symbols():
                 # Of a file: what is of the namespace, and C's second name of a type.
                 is_elsewhere = kind == "file" and ("namespace" in member.get("id") or
                                                    member.get("kind") == "typedef")
-                if member.get("prot") != "private" and not is_elsewhere:
-                    yield Symbol(member, scope)
+                if member.get("prot") == "private" or is_elsewhere:
+                    continue
+                symbol = Symbol(member, scope)
+                if symbol.text.strip() and "@" not in symbol.name:  # not private, and with a name
+                    yield symbol
+                scope_of_values = f"{symbol.name}::" if member.get("strong") == "yes" else scope
+                for value in member.findall("enumvalue"):
+                    yield Symbol(value, scope_of_values, symbol.header)
+
+
+def addresses_of_names(all_symbols):
+    """Where a name in a guide leads: `Type`, `Type::member`, or a long `member` that one type alone has."""
+    addresses = {}
+    owners = {}
+    for symbol in all_symbols:
+        owner, _, member = symbol.name.rpartition("::")
+        if owner or symbol.kind in TYPES:
+            addresses.setdefault(symbol.name, symbol.address)
+        owners.setdefault(member, {}).setdefault(owner, symbol.address)
+    for member, by_owner in owners.items():
+        if len(by_owner) == 1 and len(member) > 10:
+            addresses.setdefault(member, *by_owner.values())
+    return addresses
 
 
 def theme_lists(all_symbols, up, with_briefs):
@@ -139,7 +164,8 @@ def theme_lists(all_symbols, up, with_briefs):
         title, about = titles[key]
         found = {}
         for symbol in all_symbols:
-            if not symbol.is_nested and symbol.theme() == key and "<" not in symbol.name:
+            if not symbol.is_nested and symbol.kind != "enumvalue" and symbol.theme() == key and (
+                    "<" not in symbol.name):
                 found.setdefault(symbol.name, symbol)
         names = sorted(found, key=lambda name: (found[name].kind not in TYPES, name.lower()))
         link = {name: f'<a href="{up}{found[name].address}"><code>{html.escape(name)}</code></a>'
@@ -221,11 +247,6 @@ class Guides:
         content = f"<h1>{path.name}</h1><p class=place>{path}</p><pre>{highlighted(text, language)}</pre>"
         page(path.name, content, page_of(path))
 
-    def relative(self, target, source):
-        """The address of a file's page, from the page of another."""
-        up = "../" * (len(pathlib.PurePath(page_of(source)).parts) - 1)
-        return up + page_of(target)
-
     def link(self, reference, source):
         """A link of a guide, to the pages of this folder."""
         if re.match(r"\w+:|#", reference):
@@ -235,7 +256,7 @@ class Guides:
         if not target.is_file():
             sys.exit(f"{source}: there is no {target}")
         self.add(target)
-        return self.relative(target, source) + (f"#{anchor}" if anchor else "")
+        return up_from(page_of(source)) + page_of(target) + (f"#{anchor}" if anchor else "")
 
     def write_guide(self, path):
         tokens = self.markdown.parse(path.read_text())
@@ -285,8 +306,7 @@ class Guides:
         address = self.names.get(match[1])
         if not address or match.string[:match.start()].endswith('">'):  # a link already
             return match[0]
-        up = "../" * (len(pathlib.PurePath(page_of(source)).parts) - 1)
-        return f'<a href="{up}{address}">{match[0]}</a>'
+        return f'<a href="{up_from(page_of(source))}{address}">{match[0]}</a>'
 
 
 # --- all of it ----------------------------------------------------------------------------------------
@@ -297,21 +317,15 @@ def main():
     OUTPUT.mkdir(parents=True)
     run_doxygen()
     all_symbols = list(symbols())
-    names = {}
-    for symbol in all_symbols:
-        names.setdefault(symbol.name, symbol.address)
-        own = symbol.name.rpartition("::")[2]
-        if symbol.is_nested and len(own) > 10:  # what is as long as that means one thing
-            names.setdefault(own, symbol.address)
-
     titles = {key: title for key, title, _, _ in THEMES}
-    guides = Guides(names)
+    guides = Guides(addresses_of_names(all_symbols))
     guides.replacements["<!-- the themes of the reference -->"] = theme_lists(all_symbols, "", False)
     for path in REPOSITORY_PAGES:
         guides.add(path)
     guides.write()
     jumps = " · ".join(f'<a href="#{key}">{titles[key]}</a>' for key in THEME_ORDER)
-    page("Reference", f"<h1>Reference</h1><p>{jumps}</p>" + theme_lists(all_symbols, "../", True), "reference/index.html")
+    page("Reference", f"<h1>Reference</h1><p>{jumps}</p>{theme_lists(all_symbols, '../', True)}",
+         "reference/index.html")
 
     entries = [section for section in guides.sections if not section[2].startswith("search.html")]
     entries += [[symbol.name, f"{titles[symbol.theme()]}, {symbol.header}", symbol.address, symbol.text]

@@ -11,7 +11,8 @@ import sys
 import threading
 
 WIDTH = 360
-SEARCHES = {"startDevicePairing": "InkoraManager::startDevicePairing", "message box": "A loop inside a callback"}
+SEARCHES = {"startDevicePairing": "InkoraManager::startDevicePairing", "message box": "A loop inside a callback",
+            "inkora_failure_not_found": "INKORA_FAILURE_NOT_FOUND"}
 CHECK = """<!DOCTYPE html><body><iframe width=%d height=640 style="border:0"></iframe><pre></pre><script>
 const [pages, searches] = %s, faults = [];
 const frame = document.querySelector("iframe");

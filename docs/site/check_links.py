@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Checks that every relative link in a folder of HTML pages leads to a file, and to an anchor of it."""
+"""Checks that every relative link in a folder of HTML pages, and every result that a search there may
+have, leads to a file, and to an anchor of it."""
+import json
 import pathlib
 import sys
 from html.parser import HTMLParser
@@ -23,10 +25,14 @@ class Page(HTMLParser):
 
 folder = pathlib.Path(sys.argv[1]).resolve()
 pages = {path: Page(path) for path in folder.rglob("*.html")}
+links = {path: page.links for path, page in pages.items()}
+index = folder / "search-index.js"
+entries = index.read_text().splitlines()[1:-1]
+links[index] = [(line, json.loads(entry.rstrip(","))[2]) for line, entry in enumerate(entries, 2)]
 faults = []
 count = 0
-for path, page in pages.items():
-    for line, link in page.links:
+for path, links_of_page in links.items():
+    for line, link in links_of_page:
         parts = urlsplit(link)
         if parts.scheme or parts.netloc:
             continue
