@@ -73,7 +73,7 @@ def run_doxygen():
         sys.exit("the comments in the public headers have the faults above")
     (OUTPUT / "reference").mkdir(parents=True)
     for path in (WORK / "html").glob("*.html"):
-        if not re.match(r"(class|struct|namespace|concept|union)\w|.*_8h\.html", path.name):
+        if not re.match(r"(class|struct|namespace|concept)(InkoraKit|inkora)|.*_8h\.html", path.name):
             continue
         if path.stem.endswith("-members"):
             continue

@@ -17,10 +17,13 @@ TEXT_OR_COMMENT = re.compile(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])+\'|//.*')
 def end_of_declaration(lines, begin):
     """The line on which the declaration ends that begins on this one."""
     depth = 0
+    is_requirement = False  # after which the declaration goes on
     for number in range(begin, len(lines)):
         code = TEXT_OR_COMMENT.sub("", lines[number]).rstrip()
+        if depth == 0:
+            is_requirement = re.search(r"\brequires\s*(\([^()]*\))?\s*\{$", code)
         depth += sum(code.count(c) for c in "({") - sum(code.count(c) for c in ")}")
-        if depth <= 0 and code.endswith((";", "}")):
+        if depth <= 0 and code.endswith(";" if is_requirement else (";", "}")):
             return number
     return len(lines) - 1
 
