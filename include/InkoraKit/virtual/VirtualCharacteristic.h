@@ -27,7 +27,7 @@ public:
 
     ~VirtualCharacteristic();
 
-    /// Not copied: its peripheral knows it by its address.
+    /// Neither copied nor moved: its peripheral knows it by its address.
     VirtualCharacteristic(const VirtualCharacteristic&) = delete;
     VirtualCharacteristic& operator=(const VirtualCharacteristic&) = delete;
 
