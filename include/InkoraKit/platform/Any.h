@@ -208,6 +208,7 @@ private:
         virtual std::string description() const = 0;
     };
 
+    // Hidden: each library has its own of the types that it keeps.
     template <class T>
     struct [[gnu::visibility("hidden")]] ObjectOf final : Object {
         explicit ObjectOf(T kept) : value(std::move(kept)) {}
