@@ -79,15 +79,14 @@ set(CPACK_DEBIAN_INKORAPYTHON_PACKAGE_SUGGESTS bluez)
 set(CPACK_DEBIAN_INKORAPYTHON_PACKAGE_CONTROL_EXTRA
     ${debian}/python3-inkorakit/postinst ${debian}/python3-inkorakit/prerm)
 
-set(guides ${CMAKE_INSTALL_DATADIR}/doc/libinkorakit-dev)
-install(FILES README.md docs/c.md docs/json.md docs/platform-notes.md docs/versioning.md
-    DESTINATION ${guides} COMPONENT InkoraDevelopment EXCLUDE_FROM_ALL)
-install(DIRECTORY examples DESTINATION ${guides} COMPONENT InkoraDevelopment EXCLUDE_FROM_ALL
-    PATTERN CMakeLists.txt EXCLUDE)
-install(FILES docs/python.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/python3-inkorakit
-    COMPONENT InkoraPython EXCLUDE_FROM_ALL)
+# Guides and examples, laid out as here, so that the links among them lead somewhere.
+set(folder ${CMAKE_INSTALL_DATADIR}/doc/libinkorakit-dev)
+install(FILES README.md DESTINATION ${folder} COMPONENT InkoraDevelopment EXCLUDE_FROM_ALL)
+install(DIRECTORY docs examples DESTINATION ${folder} COMPONENT InkoraDevelopment EXCLUDE_FROM_ALL
+    PATTERN docs/man EXCLUDE PATTERN docs/site EXCLUDE PATTERN CMakeLists.txt EXCLUDE)
+set(folder ${CMAKE_INSTALL_DATADIR}/doc/python3-inkorakit)
+install(FILES docs/python.md DESTINATION ${folder} COMPONENT InkoraPython EXCLUDE_FROM_ALL)
 install(DIRECTORY bindings/python/examples
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/python3-inkorakit
-    COMPONENT InkoraPython EXCLUDE_FROM_ALL)
+    DESTINATION ${folder} COMPONENT InkoraPython EXCLUDE_FROM_ALL)
 
 include(CPack)
