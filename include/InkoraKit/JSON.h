@@ -319,7 +319,7 @@ public:
     /// Where such a loop ends.
     const_iterator end() const noexcept;
     /// How many elements or members there are.
-    std::size_t count() const noexcept;
+    inline std::size_t count() const noexcept;
     /// The same.
     std::size_t size() const noexcept { return count(); }
     /// Whether there are none.
