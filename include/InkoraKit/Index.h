@@ -11,6 +11,8 @@ namespace InkoraKit {
 template <class Element>
 class Index {
 public:
+    /// A position in an array or among the members of a dictionary, counted from 0 and not checked;
+    /// or, `null`, the one of what is neither.
     static constexpr Index array(std::int64_t position) noexcept { return {Case::array, position}; }
     static constexpr Index dictionary(std::int64_t position) noexcept {
         return {Case::dictionary, position};
@@ -25,6 +27,7 @@ public:
         return kind_ == Case::dictionary ? std::optional(position_) : std::nullopt;
     }
 
+    /// Positions of one kind and number are equal, and so is null to null.
     friend constexpr bool operator==(const Index&, const Index&) = default;
     /// Positions of one kind compare; all others, and null with null, are never less.
     friend constexpr bool operator<(const Index& left, const Index& right) noexcept {

@@ -8,7 +8,7 @@ namespace InkoraKit {
 
 /// The kit's compiled-in settings.
 struct INKORA_EXPORT InkoraConstants {
-    InkoraConstants() = delete;
+    InkoraConstants() = delete;  ///< There are no objects of it.
 
     /// Whether the kit logs its steps to standard output; a build option, off as shipped.
     static const bool LOG;

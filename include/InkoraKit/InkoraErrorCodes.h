@@ -6,7 +6,7 @@ namespace InkoraKit {
 
 /// The codes of the errors that a host hears, each paired with a text of `InkoraErrorDomain`.
 struct InkoraErrorCodes {
-    InkoraErrorCodes() = delete;
+    InkoraErrorCodes() = delete;  ///< There are no objects of it.
 
     static constexpr std::int64_t inSufficientResources = 17;    ///< Bluetooth is not powered on
     static constexpr std::int64_t deviceFailedToConnect = 18;    ///< the pen could not be connected

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// All of the kit that a host needs to talk to a pen, and JSON. The virtual radio and pen, for
 /// demos and tests, are under <InkoraKit/virtual/>.
 

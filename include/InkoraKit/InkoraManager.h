@@ -22,8 +22,8 @@ public:
 
     /// Looks for a pen and connects to the first one found. While a scan goes on it changes
     /// nothing. While a pen is being connected or is connected it scans besides: what it finds
-    /// takes that pen's place, and finding none is told like any scan without a pen (code 19), the
-    /// link staying as it is.
+    /// takes that pen's place, whose link is closed without `didDisconnectPeripheral`; finding none
+    /// is told like any scan without a pen (code 19), the link staying as it is.
     static void startDevicePairing();
 
     /// Disconnects the pen without scanning for it again. While no pen was found yet there is
@@ -31,13 +31,17 @@ public:
     static void stopPairingDevice();
 
     /// Asks for the battery level, answered once by `didPeripheralIndicated`. Before a connection
-    /// it is kept for the first reading. Between the connection and the first battery value there
-    /// is no characteristic to read yet, and asking is a fatal stop: ask before pairing, or when
-    /// `InkoraHandler::batterLifeCharacterstic()` is there.
+    /// it is kept for the first reading. Where the link before ended without
+    /// `didDisconnectPeripheral` (another pen took its place, or the adapter went) the answer is
+    /// the next level that the pen tells of its own accord. Between the connection and the first
+    /// battery value there is no characteristic to read yet, and asking is a fatal stop: ask before
+    /// pairing, or when `InkoraHandler::batterLifeCharacterstic()` is there.
     static void requestInkoraDeviceBatteryInfo();
 
     /// Asks for the signal strength, answered once by `didPeripheralSensored`. Before a connection
-    /// it is kept for the first reading, the one of the pen's advertisement.
+    /// it is kept for the first reading, the one of the pen's advertisement. Where the system does
+    /// not tell the strength of a link (BlueZ does not, without CAP_NET_ADMIN) it waits for the
+    /// next advertisement too, and so until the link has ended.
     static void requestInkoraDeviceProximityInfo();
 
     /// Asks for the pen's name and identifier, answered by `didPeripheralProvided` at once.

@@ -29,7 +29,8 @@ public:
     /// Declared for completeness; the kit never sends it.
     virtual void didDiscoverPeripheral() {}
 
-    /// A pen is connected. Its colours follow as they are captured.
+    /// A pen is connected. Its colours follow as they are captured, the one that it captured last
+    /// to begin with.
     virtual void didConnectedToPeripheral() {}
 
     /// No pen was found in time ("Device is timed out to connect.", code 19) or the one found could
@@ -40,7 +41,9 @@ public:
     /// The link has ended. Unless the host had stopped the kit, a new scan follows at once.
     virtual void didDisconnectPeripheral() {}
 
-    /// A colour was captured; a colour equal to the last one is not reported again.
+    /// A colour was captured; a colour equal to the last one is not reported again. One captured
+    /// between the first reading of a connection and the subscription that follows it is lost: the
+    /// pen tells the next one.
     virtual void didPeripheralCaptured([[maybe_unused]] const UIColor& colour) {}
 
     /// The battery level as the pen counts it, in percent, once for each request.

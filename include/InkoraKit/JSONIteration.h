@@ -66,11 +66,14 @@ struct JSONMemberReference {
 /// that another iterator shows lives no longer than that one.
 class INKORA_EXPORT JSONMemberIterator {
 public:
+    /// What the standard library asks of an iterator.
     using iterator_category = std::input_iterator_tag;
     using value_type = JSONMember;
     using difference_type = std::ptrdiff_t;
     using reference = JSONMemberReference;
+    /// What `->` gives.
     struct pointer {
+        /// The element or member, for as long as the expression lasts.
         const JSONMemberReference* operator->() const noexcept { return &member; }
         JSONMemberReference member;
     };

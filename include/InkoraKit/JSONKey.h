@@ -17,6 +17,8 @@ namespace InkoraKit {
 /// One step of a path into a `JSON` value: a position in an array, or a key of a dictionary.
 class JSONKey {
 public:
+    /// Implicit, so that a path is written as `{"pens", 0}`. A position above `INT64_MAX` is out of
+    /// bounds of every array.
     template <Integer Position>
     JSONKey(Position position) noexcept : step_(clamped(position)) {}
     template <std::convertible_to<std::string_view> Text>
@@ -30,6 +32,7 @@ public:
     /// The key, if the step is one; else null.
     const std::string* key() const noexcept { return std::get_if<std::string>(&step_); }
 
+    /// A position never equals a key, 0 and "0" included.
     friend bool operator==(const JSONKey&, const JSONKey&) = default;
 
 private:
@@ -58,17 +61,21 @@ JSONKey jsonKey(const Step& step) {
 /// A path of steps that are known at run time only: `JSONPath{"pens", 0, "name"}`.
 class JSONPath {
 public:
+    /// The steps in their order; without any it leads to the value itself.
     JSONPath() = default;
     JSONPath(std::initializer_list<JSONKey> steps) : steps_(steps) {}
     explicit JSONPath(std::vector<JSONKey> steps) noexcept : steps_(std::move(steps)) {}
 
+    /// Adds a step at the end.
     void append(JSONKey step) { steps_.push_back(std::move(step)); }
 
+    /// The steps, each a `JSONKey`, as a range.
     std::size_t size() const noexcept { return steps_.size(); }
     bool empty() const noexcept { return steps_.empty(); }
     auto begin() const noexcept { return steps_.begin(); }
     auto end() const noexcept { return steps_.end(); }
 
+    /// Whether both have the same steps.
     friend bool operator==(const JSONPath&, const JSONPath&) = default;
 
 private:

@@ -103,6 +103,8 @@ private:
     Any step_;                     // a position or a key; or an array of such
 };
 
+/// @cond internal
+
 template <JSONSubscriptType Step>
 JSONPlace JSON::operator[](const Step& step) & {
     const AnySlot view = stepView(step);
@@ -113,5 +115,7 @@ template <>
 struct KeptAs<JSONPlace> {
     using type = JSON;
 };
+
+/// @endcond
 
 }  // namespace InkoraKit

@@ -47,11 +47,13 @@ concept JSONMap = JSONRange<T> && requires {
 /// Of what values a range or map makes a `JSON`.
 template <JSONRange T>
 struct JSONRangeValue {
+    /// What the range goes through.
     using type = std::iter_value_t<decltype(std::begin(std::declval<T&>()))>;
 };
+/// Of a map.
 template <JSONMap T>
 struct JSONRangeValue<T> {
-    using type = typename T::mapped_type;
+    using type = typename T::mapped_type;  ///< What stands under the keys.
 };
 
 /// Whether a `JSON` is made of values of a type without being asked to: of those above, and of

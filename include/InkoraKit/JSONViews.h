@@ -17,18 +17,22 @@ public:
     /// Goes through the elements, in both directions and in leaps.
     class iterator {
     public:
+        /// What the standard library asks of an iterator.
         using iterator_category = std::random_access_iterator_tag;
         using value_type = JSON;
         using difference_type = std::ptrdiff_t;
         using pointer = const JSON*;
         using reference = const JSON&;
 
+        /// Of no array, to be assigned to.
         iterator() = default;
 
+        /// The element, where it is; or the one so many further.
         const JSON& operator*() const noexcept { return JSON::shown(*element_); }
         const JSON* operator->() const noexcept { return &**this; }
         const JSON& operator[](std::ptrdiff_t n) const noexcept { return *(*this + n); }
 
+        /// As of a pointer into an array.
         iterator& operator+=(std::ptrdiff_t n) noexcept {
             element_ += n;
             return *this;
@@ -98,20 +102,26 @@ public:
     /// Goes through the members in their order.
     class iterator {
     public:
+        /// What the standard library asks of an iterator.
         using iterator_category = std::input_iterator_tag;
         using iterator_concept = std::forward_iterator_tag;
         using value_type = Member;
         using difference_type = std::ptrdiff_t;
         using reference = Member;
+        /// What `->` gives.
         struct pointer {
+            /// The member, for as long as the expression lasts.
             const Member* operator->() const noexcept { return &member; }
             Member member;
         };
 
+        /// Of no dictionary, to be assigned to.
         iterator() = default;
 
+        /// The member, where it is.
         Member operator*() const noexcept { return {key_->text(), JSON::shown(key_[1])}; }
         pointer operator->() const noexcept { return {**this}; }
+        /// Moves on to the next member.
         iterator& operator++() noexcept {
             key_ += 2;
             return *this;
@@ -121,6 +131,7 @@ public:
             ++*this;
             return before;
         }
+        /// Iterators of one dictionary are equal at the same member.
         friend bool operator==(const iterator&, const iterator&) = default;
 
     private:

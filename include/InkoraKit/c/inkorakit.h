@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The kit for hosts in C, and for languages that call C. C11; link with libInkoraKit alone.
 ///
 ///     inkora_callbacks callbacks = {.size = sizeof callbacks, .colour_captured = show};
@@ -36,15 +37,15 @@ extern "C" {
 
 /// What a call came to: 0 is success, and failures are negative, also those of later versions.
 typedef enum inkora_status {
-    INKORA_OK = 0,
+    INKORA_OK = 0,                 ///< done
     INKORA_INVALID_ARGUMENT = -1,  ///< a null pointer, a wrong size, or a number out of range
     INKORA_TOO_EARLY = -2,         ///< the battery cannot be asked yet
     INKORA_TOO_LATE = -3,          ///< the kit was started before
     INKORA_ALREADY_DONE = -4,      ///< started, or there, already
     INKORA_NOT_FOUND = -5,         ///< there is no such virtual pen, or no virtual radio
     INKORA_WRONG_THREAD = -6,      ///< another thread is inside the kit
-    INKORA_OUT_OF_MEMORY = -7,
-    INKORA_EXCEPTION = -8,  ///< C++ code that the loop ran has thrown; the text is its own
+    INKORA_OUT_OF_MEMORY = -7,     ///< there was no memory for it
+    INKORA_EXCEPTION = -8,         ///< C++ code that the loop ran has thrown; the text is its own
 } inkora_status;
 
 /// The codes of failures that a receiver hears of.
@@ -69,9 +70,9 @@ INKORA_EXPORT const char* inkora_version(void);
 
 /// A colour in sRGB: components from 0 to 1.
 typedef struct inkora_colour {
-    double red;
-    double green;
-    double blue;
+    double red;    ///< 0 is none
+    double green;  ///< 0 is none
+    double blue;   ///< 0 is none
     double alpha;  ///< opacity; 1 for all that a pen captures
 } inkora_colour;
 
@@ -96,7 +97,8 @@ typedef struct inkora_callbacks {
     /// The link has ended. Unless the host has stopped the kit, a new scan follows at once.
     void (*disconnected)(void* context);
 
-    /// A colour was captured. One equal to the last is not told again.
+    /// A colour was captured. One equal to the last is not told again. One captured between the
+    /// first reading of a connection and the subscription that follows it is lost.
     void (*colour_captured)(void* context, const inkora_colour* colour);
 
     /// The battery level in percent, once for each request.

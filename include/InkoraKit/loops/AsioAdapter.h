@@ -34,6 +34,7 @@ public:
     /// The descriptor stays open: it is the run loop's, and was lent to asio.
     ~AsioAdapter() { descriptor_.release(); }
 
+    /// Neither copied nor moved: what asio waits for refers to it.
     AsioAdapter(const AsioAdapter&) = delete;
     AsioAdapter& operator=(const AsioAdapter&) = delete;
 

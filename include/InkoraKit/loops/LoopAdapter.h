@@ -21,6 +21,7 @@ namespace InkoraKit {
 /// next.
 class LoopAdapter {
 public:
+    /// Neither copied nor moved: the host's loop refers to it.
     LoopAdapter(const LoopAdapter&) = delete;
     LoopAdapter& operator=(const LoopAdapter&) = delete;
     virtual ~LoopAdapter() = default;

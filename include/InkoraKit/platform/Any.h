@@ -52,7 +52,7 @@ inline constexpr bool isPlatformValue<std::unordered_map<std::string, T, Hash, E
 /// The type that `Any` keeps an object of a type as: for what stands for something else.
 template <class T>
 struct KeptAs {
-    using type = T;
+    using type = T;  ///< The type itself, unless it is specialised.
 };
 
 /// Whether values of a type can be compared, and what containers of it hold can be, too: containers
@@ -80,14 +80,27 @@ inline constexpr bool isComparable<std::pair<First, Second>> =
 /// different threads.
 class INKORA_EXPORT Any {
 public:
-    enum class Kind { absent, null, number, text, array, dictionary, object };
+    /// What a value is.
+    enum class Kind {
+        absent,      ///< no value
+        null,        ///< the null object
+        number,      ///< a number or truth value
+        text,        ///< a text in UTF-8
+        array,       ///< an `Array`
+        dictionary,  ///< a `Dictionary`
+        object       ///< anything else
+    };
 
     /// Absent.
     Any() noexcept = default;
+    /// The value, kept as said above. A null pointer to characters is absent, and a `char` does not
+    /// compile.
     template <class T>
     requires(!std::same_as<std::remove_cvref_t<T>, Any>) Any(T&& value) {
         keep(std::forward<T>(value));
     }
+
+    /// @cond internal
 
     /// Part of the contents of a value that is not needed any more, and becomes absent: where both
     /// live in the same memory, its being a user is handed over. For the kit itself.
@@ -108,7 +121,9 @@ public:
         result.slot_ = view;
         return result;
     }
+    /// @endcond
 
+    /// The same value, in constant time. What is moved from becomes absent.
     Any(const Any& other) noexcept : slot_(other.slot_) {
         if (!slot_.isShared()) return;
         slot_.setCounted();
@@ -125,10 +140,14 @@ public:
 
     /// Texts that are not well-formed UTF-8 are of kind `object`, since no JSON text can hold them.
     Kind kind() const noexcept;
+    /// Whether it is not absent. Null is a value.
     bool hasValue() const noexcept { return slot_.tag() != AnySlot::absent; }
+    /// Whether it is of kind `object`.
     bool isObject() const noexcept {
         return slot_.tag() == AnySlot::object || slot_.tag() == AnySlot::malformedText;
     }
+
+    /// @cond internal
 
     /// Becomes the other value without counting as a user of its contents: what keeps these alive
     /// has to outlive this. Copies of this are like those of any other value.
@@ -140,6 +159,7 @@ public:
 
     /// How the value is kept. For the kit itself.
     const AnySlot& slot() const noexcept { return slot_; }
+    /// @endcond
 
     /// The value if it is a `T`: an optional for `NSNumber`, `std::string`, `std::string_view`
     /// (valid for as long as this value is), `NSNull`, `Array` and `Dictionary`; for any other

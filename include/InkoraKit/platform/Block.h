@@ -13,8 +13,10 @@ namespace InkoraKit {
 /// radio event needs no heap.
 class Block {
 public:
+    /// Bytes of captures that need no heap.
     static constexpr std::size_t inlineSize = 112;
 
+    /// Keeps the callable. Implicit: lambdas are blocks.
     template <class Callable>
     requires(!std::same_as<std::decay_t<Callable>, Block> &&
              std::invocable<std::decay_t<Callable>&>)
@@ -29,10 +31,12 @@ public:
         }
     }
 
+    /// Takes over the other one's work, of which that has none afterwards.
     Block(Block&& other) noexcept : operations_(std::exchange(other.operations_, nullptr)) {
         if (operations_) operations_->move(other.storage_, storage_);
     }
 
+    /// Takes over the other one's work and drops its own.
     Block& operator=(Block&& other) noexcept {
         if (this == &other) return *this;
         clear();
@@ -43,6 +47,7 @@ public:
 
     ~Block() { clear(); }
 
+    /// Runs the work, if there is any. What it throws leaves through here.
     void operator()() {
         if (operations_) operations_->call(storage_);
     }

@@ -2,17 +2,18 @@
 
 namespace InkoraKit {
 
-/// The keys of the dictionary that describes an advertisement. Any of them may be missing.
-inline constexpr const char* CBAdvertisementDataLocalNameKey = "kCBAdvDataLocalName";  ///< text
-/// `std::vector<CBUUID>`
+/// Keys of the dictionary that describes an advertisement, any of which may be missing. This one:
+/// the advertised name, a text.
+inline constexpr const char* CBAdvertisementDataLocalNameKey = "kCBAdvDataLocalName";
+/// The services that the device announces: `std::vector<CBUUID>`.
 inline constexpr const char* CBAdvertisementDataServiceUUIDsKey = "kCBAdvDataServiceUUIDs";
-/// `Data`
+/// What its maker adds, the company's identifier first: `Data`.
 inline constexpr const char* CBAdvertisementDataManufacturerDataKey = "kCBAdvDataManufacturerData";
-/// `std::map<CBUUID, Data>`
+/// What it says for services: `std::map<CBUUID, Data>`.
 inline constexpr const char* CBAdvertisementDataServiceDataKey = "kCBAdvDataServiceData";
-/// `NSNumber`, dBm
+/// The strength that it sends with: `NSNumber`, dBm.
 inline constexpr const char* CBAdvertisementDataTxPowerLevelKey = "kCBAdvDataTxPowerLevel";
-/// `NSNumber`, 0 or 1
+/// Whether it takes connections: `NSNumber`, 0 or 1.
 inline constexpr const char* CBAdvertisementDataIsConnectable = "kCBAdvDataIsConnectable";
 
 }  // namespace InkoraKit

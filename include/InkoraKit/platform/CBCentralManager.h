@@ -37,10 +37,14 @@ public:
         [[maybe_unused]] const Dictionary& advertisementData,
         [[maybe_unused]] const NSNumber& rssi) {}
 
+    /// A link is up; its services are not known yet. Also the answer to connecting a peripheral
+    /// that is connected already.
     virtual void centralManagerDidConnectPeripheral(
         [[maybe_unused]] CBCentralManager& central,
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral) {}
 
+    /// An attempt to connect has failed and is over. The error is of `CBErrorDomain`, with the
+    /// radio's words for people.
     virtual void centralManagerDidFailToConnectPeripheral(
         [[maybe_unused]] CBCentralManager& central,
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
@@ -62,11 +66,14 @@ public:
 /// to the main run loop's thread.
 class INKORA_EXPORT CBCentralManager final : public NSObject {
 public:
+    /// Opens the radio in the run loop's next pass; the delegate hears of its state then.
     explicit CBCentralManager(std::weak_ptr<CBCentralManagerDelegate> delegate);
     ~CBCentralManager() override;
+    /// Neither copied nor moved: its delegate is handed references to it.
     CBCentralManager(const CBCentralManager&) = delete;
     CBCentralManager& operator=(const CBCentralManager&) = delete;
 
+    /// Who hears of events, also of those that are queued already. Null while there is nobody.
     std::shared_ptr<CBCentralManagerDelegate> delegate() const;
     void setDelegate(std::weak_ptr<CBCentralManagerDelegate> delegate);
 
@@ -85,6 +92,7 @@ public:
     /// Reports advertisers that announce at least one of these services, every advertiser when the
     /// list is empty. While a scan is running only its filter is replaced.
     void scanForPeripherals(const std::vector<CBUUID>& services = {});
+    /// Ends the scan; what it has heard and not told yet is dropped. Harmless without one.
     void stopScan();
 
     /// Connects, however long it takes: an attempt waits until the device comes into range.
@@ -94,6 +102,7 @@ public:
     /// Ends a link or an attempt. Silent when there is neither.
     void cancelPeripheralConnection(const std::shared_ptr<CBPeripheral>& peripheral);
 
+    /// Its address, for logs: `<CBCentralManager: 0x115480c60>`.
     std::string description() const;
 
 private:

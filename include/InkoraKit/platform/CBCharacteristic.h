@@ -15,6 +15,7 @@ namespace InkoraKit {
 /// commands on it are ignored.
 class INKORA_EXPORT CBCharacteristic final : public NSObject {
 public:
+    /// The type. A service may have several characteristics of one.
     const CBUUID& uuid() const noexcept { return uuid_; }
 
     /// The property bits of the Bluetooth Core Specification, Vol 3, Part G, 3.3.1.1: 0x02 read,
@@ -27,6 +28,8 @@ public:
     /// Whether the peripheral has confirmed a subscription.
     bool isNotifying() const noexcept { return isNotifying_; }
 
+    /// UUID, properties, value and subscription, for logs: `<CBCharacteristic: 0x…, UUID = 1F14,
+    /// …>`.
     std::string description() const;
 
 private:

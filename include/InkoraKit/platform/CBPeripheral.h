@@ -21,7 +21,13 @@ namespace InkoraKit {
 class CBPeripheral;
 class CentralCore;
 
-enum class CBPeripheralState { disconnected = 0, connecting = 1, connected = 2, disconnecting = 3 };
+/// How the link to a peripheral stands.
+enum class CBPeripheralState {
+    disconnected = 0,   ///< no link, and no attempt at one
+    connecting = 1,     ///< from `connect` to the callback of its outcome
+    connected = 2,      ///< takes commands
+    disconnecting = 3,  ///< from the cancelling of a link to the callback of its end
+};
 
 /// Hears what a connected peripheral answers. Held weakly; called on the main run loop, never from
 /// inside the command that is answered. Override what is of interest.
@@ -29,10 +35,12 @@ class INKORA_EXPORT CBPeripheralDelegate {
 public:
     virtual ~CBPeripheralDelegate();
 
+    /// The answer to `discoverServices`. After an error `services()` is as it was before.
     virtual void peripheralDidDiscoverServices(
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const std::optional<NSError>& error) {}
 
+    /// The answer to `discoverCharacteristics`. After an error the service is as it was before.
     virtual void peripheralDidDiscoverCharacteristicsForService(
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const std::shared_ptr<CBService>& service,
@@ -47,7 +55,8 @@ public:
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const std::vector<std::shared_ptr<CBService>>& invalidatedServices) {}
 
-    /// A strength that cannot be read on this system is never made up: there is no call then.
+    /// The answer to `readRSSI`, in dBm. A strength that cannot be read on this system is never
+    /// made up: there is no call then.
     virtual void peripheralDidReadRSSI(
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const NSNumber& rssi,
@@ -60,6 +69,7 @@ public:
         [[maybe_unused]] const std::shared_ptr<CBCharacteristic>& characteristic,
         [[maybe_unused]] const std::optional<NSError>& error) {}
 
+    /// The answer to `setNotifyValue`: `isNotifying()` tells how it stands.
     virtual void peripheralDidUpdateNotificationStateForCharacteristic(
         [[maybe_unused]] const std::shared_ptr<CBPeripheral>& peripheral,
         [[maybe_unused]] const std::shared_ptr<CBCharacteristic>& characteristic,
@@ -75,6 +85,7 @@ public:
 class INKORA_EXPORT CBPeripheral final : public NSObject {
 public:
     ~CBPeripheral() override;
+    /// Neither copied nor moved: within one manager a device is one object.
     CBPeripheral(const CBPeripheral&) = delete;
     CBPeripheral& operator=(const CBPeripheral&) = delete;
 
@@ -86,8 +97,11 @@ public:
         return ownName_ ? ownName_ : advertisedName_;
     }
 
+    /// Changes at once with `connect`, with cancelling and when the adapter goes, else right before
+    /// the callback that tells of it.
     CBPeripheralState state() const noexcept { return state_; }
 
+    /// Who hears the answers, also those that are queued already. Null while there is nobody.
     std::shared_ptr<CBPeripheralDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(std::weak_ptr<CBPeripheralDelegate> delegate);
 
@@ -97,15 +111,23 @@ public:
         return services_;
     }
 
-    /// Looks for these services, for all when the list is empty.
+    /// Looks for these services, for all when the list is empty. What is found joins what was found
+    /// before. Ignored without a delegate, with a line on standard error.
     void discoverServices(const std::vector<CBUUID>& services);
-    /// Looks for these characteristics of a service, for all when the list is empty.
+    /// Looks for these characteristics of a service, for all when the list is empty. Likewise, but
+    /// for the delegate.
     void discoverCharacteristics(const std::vector<CBUUID>& characteristics,
                                  const std::shared_ptr<CBService>& service);
+    /// Reads the value: the answer is `peripheralDidUpdateValueForCharacteristic`.
     void readValue(const std::shared_ptr<CBCharacteristic>& characteristic);
+    /// Subscribes to notifications, or indications, and ends that. Answered also where it changes
+    /// nothing; values may come before the answer.
     void setNotifyValue(bool enabled, const std::shared_ptr<CBCharacteristic>& characteristic);
+    /// Asks for the signal strength of the link.
     void readRSSI();
 
+    /// Identifier, name and state, for logs: `<CBPeripheral: 0x…, identifier = …, name = …, state =
+    /// connected>`.
     std::string description() const;
 
 private:

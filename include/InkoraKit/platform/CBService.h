@@ -17,7 +17,10 @@ namespace InkoraKit {
 /// A service of a connected peripheral.
 class INKORA_EXPORT CBService final : public NSObject {
 public:
+    /// The type. A peripheral may have several services of one.
     const CBUUID& uuid() const noexcept { return uuid_; }
+    /// Not a secondary service, which only others refer to (Bluetooth Core Specification, Vol 3,
+    /// Part G, 3.1).
     bool isPrimary() const noexcept { return isPrimary_; }
 
     /// The characteristics discovered so far, in the peripheral's order: absent before the first
@@ -27,6 +30,7 @@ public:
         return characteristics_;
     }
 
+    /// UUID and whether it is primary, for logs: `<CBService: 0x…, isPrimary = YES, UUID = 1F1F>`.
     std::string description() const;
 
 private:

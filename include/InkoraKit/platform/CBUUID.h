@@ -19,6 +19,7 @@ public:
     /// Reads 4 or 8 hexadecimal digits or the 36-character form, in either case.
     /// @throws std::invalid_argument for anything else.
     explicit CBUUID(std::string_view text);
+    /// The UUID of these 128 bits.
     explicit CBUUID(const UUID& uuid) noexcept : uuid_(uuid) {}
 
     /// The 128-bit value.
@@ -30,6 +31,7 @@ public:
     /// The name of a service assigned by the Bluetooth SIG ("Battery"), else `uuidString()`.
     std::string description() const;
 
+    /// By the 128-bit values.
     friend auto operator<=>(const CBUUID&, const CBUUID&) = default;
 
 private:

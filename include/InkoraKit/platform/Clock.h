@@ -9,6 +9,7 @@ class INKORA_EXPORT Clock {
 public:
     virtual ~Clock() = default;
 
+    /// The present reading, in seconds.
     virtual double now() const = 0;
 
     /// Asked before the loop sleeps until `when`. A clock that is not bound to real time moves

@@ -14,6 +14,7 @@ namespace InkoraKit {
 /// A byte buffer, held by value. Short values (a colour, a battery level) need no heap.
 class INKORA_EXPORT Data {
 public:
+    /// A copy of the bytes, or none.
     Data() = default;
     Data(std::initializer_list<std::uint8_t> bytes)
         : Data(std::span<const std::uint8_t>(bytes.begin(), bytes.size())) {}
@@ -22,6 +23,8 @@ public:
     /// The bytes of a text, as they stand.
     static Data fromText(std::string text);
 
+    /// The bytes as a range, which lives until the buffer changes or ends. A position is one below
+    /// `size()`.
     std::size_t size() const noexcept { return bytes_.size(); }
     bool empty() const noexcept { return bytes_.empty(); }
     const std::uint8_t* data() const noexcept {
@@ -37,6 +40,7 @@ public:
     /// "4 bytes", as the console shows a buffer.
     std::string description() const;
 
+    /// Whether both hold the same bytes.
     friend bool operator==(const Data&, const Data&) = default;
 
 private:

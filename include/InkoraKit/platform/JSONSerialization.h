@@ -31,13 +31,14 @@ class INKORA_EXPORT JSONSerialization {
 public:
     /// Combine with `|`. The values are those that hosts store; unknown bits are ignored.
     enum class ReadingOptions : std::uint32_t {
-        none = 0,
+        none = 0,               ///< A text holds an array or a dictionary.
         mutableContainers = 1,  ///< Without effect: every value can be changed.
         mutableLeaves = 2,      ///< Without effect: every value can be changed.
         allowFragments = 4      ///< A text may hold a single number, text, truth value or null.
     };
+    /// Combine with `|`; unknown bits are ignored.
     enum class WritingOptions : std::uint32_t {
-        none = 0,
+        none = 0,            ///< On one line, members in their order, "/" escaped.
         prettyPrinted = 1,   ///< One element or member a line, indented by two blanks a level.
         sortedKeys = 2,      ///< Members by key: letters of either case alike, numbers by value.
         allowFragments = 4,  ///< A single number, text, truth value or null may be written.
@@ -60,6 +61,7 @@ public:
     static std::string text(const Any& object, WritingOptions options = WritingOptions::none);
 };
 
+/// What either asks for.
 constexpr JSONSerialization::ReadingOptions operator|(JSONSerialization::ReadingOptions left,
                                                       JSONSerialization::ReadingOptions right) {
     return static_cast<JSONSerialization::ReadingOptions>(static_cast<std::uint32_t>(left) |

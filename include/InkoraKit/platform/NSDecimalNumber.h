@@ -16,20 +16,23 @@ namespace InkoraKit {
 /// -128 to 127; or "not a number". There is no negative zero. Immutable; copies need no heap.
 class INKORA_EXPORT NSDecimalNumber {
 public:
+    /// The integer, exactly.
     template <Integer Value>
     NSDecimalNumber(Value value) noexcept
         : NSDecimalNumber(0, magnitude(value), 0, value < Value{}) {}
 
     /// Reads the longest numeral at the start of the text and ignores the rest:
-    /// `[white space] [sign] digits [. digits] [e [sign] digits]`, whatever the locale.
+    /// `[white space] [sign] digits [.digits] [e[sign]digits]`, whatever the locale.
     /// Digits that the mantissa has no room for become zeros before the point and are cut after it.
     /// Gives "not a number" when there is no digit (save after a leading "e", which reads as zero)
     /// and when the power of ten is out of range.
     explicit NSDecimalNumber(std::string_view text) noexcept;
 
+    /// 0; and the value of a text that is no number.
     static NSDecimalNumber zero() noexcept { return 0; }
     static NSDecimalNumber notANumber() noexcept;
 
+    /// Whether it is "not a number".
     bool isNaN() const noexcept { return isNaN_; }
 
     /// True for everything but zero, as for `NSNumber`.
@@ -46,7 +49,8 @@ public:
     std::string stringValue() const;
     std::string description() const { return stringValue(); }
 
-    /// Exact. "Not a number" comes after the negative numbers and before zero.
+    /// Exact. "Not a number" is the same as itself, and comes after the negative numbers and before
+    /// zero.
     ComparisonResult compare(const NSDecimalNumber& other) const noexcept;
     bool isEqual(const NSDecimalNumber& other) const noexcept { return *this == other; }
     friend bool operator==(const NSDecimalNumber&, const NSDecimalNumber&) = default;

@@ -10,7 +10,8 @@
 
 namespace InkoraKit {
 
-/// Keys of an error's user information.
+/// Keys of an error's user information: what has happened, and why, for people; what has happened,
+/// for developers; and the `NSError` behind it.
 inline constexpr const char* NSLocalizedDescriptionKey = "NSLocalizedDescription";
 inline constexpr const char* NSLocalizedFailureReasonErrorKey = "NSLocalizedFailureReason";
 inline constexpr const char* NSDebugDescriptionErrorKey = "NSDebugDescription";
@@ -23,8 +24,10 @@ inline constexpr const char* NSCocoaErrorDomain = "NSCocoaErrorDomain";
 /// an operation that fails to its caller throws.
 class INKORA_EXPORT NSError : public std::exception {
 public:
+    /// @param userInfo further information, by the keys above or any others
     NSError(std::string domain, std::int64_t code, Dictionary userInfo = {});
 
+    /// What it was made of. A reference is valid for as long as a copy of the error lives.
     const std::string& domain() const noexcept;
     std::int64_t code() const noexcept;
     const Dictionary& userInfo() const noexcept;
@@ -39,6 +42,7 @@ public:
     /// `localizedDescription()`.
     const char* what() const noexcept override;
 
+    /// Whether domain, code and user information are equal.
     friend INKORA_EXPORT bool operator==(const NSError& left, const NSError& right);
 
 private:

@@ -19,6 +19,7 @@ namespace InkoraKit {
 /// made from and converts to every other kind. Immutable; copies need no heap.
 class INKORA_EXPORT NSNumber {
 public:
+    /// Of the kind of its argument, exactly; without one, the integer 0. Implicit.
     constexpr NSNumber() noexcept : NSNumber(0) {}
     template <std::same_as<bool> Bool>  // exactly: a pointer must not become a truth value
     constexpr NSNumber(Bool value) noexcept : integer_(value), kind_(Kind::boolean) {}
@@ -62,7 +63,7 @@ public:
     std::int64_t integerValue() const noexcept;
     std::uint64_t unsignedIntegerValue() const noexcept;
 
-    /// The nearest float; infinite where that would be out of range.
+    /// The nearest one; infinite where that would be out of range.
     float floatValue() const;
     double doubleValue() const;
 

@@ -15,6 +15,7 @@ class INKORA_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
 public:
     virtual ~NSObject() = default;
 
+    /// Whether the object has an operation of that name.
     bool respondsToSelector(std::string_view selector) const {
         return methodForSelector(selector) != nullptr;
     }
@@ -37,10 +38,12 @@ public:
     }
 
 protected:
+    /// Copies are objects of their own, also for `shared_from_this`.
     NSObject() = default;
     NSObject(const NSObject&) = default;
     NSObject& operator=(const NSObject&) = default;
 
+    /// An operation without arguments or result.
     using Method = void (NSObject::*)();
 
     /// The operation of that name, null when there is none. A class that can be called by name

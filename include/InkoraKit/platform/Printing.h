@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+/// @file
 /// `printed(value)` is the text that the console shows for a value.
 ///
 /// A type takes part by a member `std::string description() const`, or by an overload of `printed`
@@ -30,16 +31,19 @@ INKORA_EXPORT std::string printed(std::string_view text);
 INKORA_EXPORT std::string printed(double value);
 INKORA_EXPORT std::string printed(float value);
 
+/// "true" or "false".
 template <std::same_as<bool> Bool>  // exactly: a pointer must not print as a truth value
 std::string printed(Bool value) {
     return value ? "true" : "false";
 }
 
+/// In decimal, without grouping.
 template <Integer Value>
 std::string printed(Value value) {
     return std::to_string(value);
 }
 
+/// Its `description()`.
 template <Describable Value>
 std::string printed(const Value& value) {
     return value.description();

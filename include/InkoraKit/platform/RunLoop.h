@@ -33,6 +33,7 @@ public:
     /// The process's run loop. Its thread is the one that runs it.
     static RunLoop& main();
 
+    /// Neither copied nor moved: there is one.
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
 
@@ -74,6 +75,7 @@ public:
     /// Watches a source, which its owner removes before it ends.
     /// @throws std::logic_error on systems other than Linux.
     void addSource(RunLoopSource& source);
+    /// Ends the watch; also inside the source's own `service`.
     void removeSource(RunLoopSource& source);
     /// A source's interest or deadline has changed other than in its `service`, perhaps while the
     /// host's loop is asleep on the descriptor.

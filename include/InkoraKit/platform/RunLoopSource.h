@@ -10,12 +10,19 @@ namespace InkoraKit {
 /// both. The loop asks for both anew before each wait, and when told to (RunLoop::sourcesChanged).
 class INKORA_EXPORT RunLoopSource {
 public:
-    enum class Interest { none, readable, writable, both };
+    /// What a descriptor is watched for.
+    enum class Interest {
+        none,      ///< nothing: the source waits for its deadline alone
+        readable,  ///< something to read, or an end of file
+        writable,  ///< room to write
+        both       ///< either
+    };
 
     virtual ~RunLoopSource() = default;
 
     /// The descriptor to watch; it stays the same for as long as the source is added.
     virtual int descriptor() const = 0;
+    /// What it is watched for now.
     virtual Interest interest() const { return Interest::readable; }
 
     /// When `service` is to be called even if the descriptor stays quiet, on the loop's clock.

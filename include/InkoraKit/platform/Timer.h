@@ -25,6 +25,7 @@ public:
     /// The same, running a function.
     static std::shared_ptr<Timer> scheduledTimer(double interval, std::function<void()> action);
 
+    /// Neither copied nor moved: the run loop refers to it.
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
     ~Timer() override;

@@ -11,12 +11,15 @@ namespace InkoraKit {
 /// sRGB and may lie outside it.
 class INKORA_EXPORT UIColor {
 public:
+    /// Red, green and blue, from 0, none of it, to 1 at the edge of sRGB; and the opacity, from 0
+    /// to 1.
     struct Components {
-        double red;
-        double green;
-        double blue;
-        double alpha;
+        double red;    ///< extended sRGB
+        double green;  ///< extended sRGB
+        double blue;   ///< extended sRGB
+        double alpha;  ///< opacity
 
+        /// Whether all four are equal.
         friend constexpr bool operator==(const Components&, const Components&) = default;
     };
 
@@ -24,6 +27,7 @@ public:
     constexpr UIColor(double red, double green, double blue, double alpha) noexcept
         : components_{red, green, blue, std::clamp(alpha, 0.0, 1.0)} {}
 
+    /// One component: see `Components`.
     constexpr double red() const noexcept { return components_.red; }
     constexpr double green() const noexcept { return components_.green; }
     constexpr double blue() const noexcept { return components_.blue; }
@@ -36,6 +40,7 @@ public:
     /// `UIExtendedSRGBColorSpace 1 0.501961 0 1`.
     std::string description() const;
 
+    /// Whether all components are equal.
     friend constexpr bool operator==(const UIColor&, const UIColor&) = default;
 
 private:

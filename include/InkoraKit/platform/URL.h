@@ -15,14 +15,16 @@ class INKORA_EXPORT URL {
 public:
     /// Takes a text as it stands: nothing is escaped, folded or added. Absent when the text is
     /// empty or holds a character that RFC 2396 and RFC 2732 allow in no URL (a blank, a control,
-    /// one of `"<>\^{|}` or a backtick, anything outside ASCII), a "%" that no two hexadecimal
-    /// digits follow, or a second "#". No structure is asked for: "a" and "?q=1" are relative
-    /// references.
+    /// one of `<>\^{|}`, a quotation mark or a backtick, anything outside ASCII), a "%" that no two
+    /// hexadecimal digits follow, or a second "#". No structure is asked for: "a" and "?q=1" are
+    /// relative references.
     static std::optional<URL> fromString(std::string_view text);
 
+    /// The text.
     const std::string& absoluteString() const noexcept { return text_; }
     const std::string& description() const noexcept { return text_; }
 
+    /// Whether the texts are equal, byte by byte.
     friend bool operator==(const URL&, const URL&) = default;
 
 private:

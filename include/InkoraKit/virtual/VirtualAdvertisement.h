@@ -12,11 +12,11 @@ namespace InkoraKit {
 
 /// What a virtual peripheral sends out to be found, and how often.
 struct VirtualAdvertisement {
-    std::optional<std::string> localName = {};
-    std::vector<CBUUID> serviceUUIDs = {};
-    std::optional<Data> manufacturerData = {};
-    std::map<CBUUID, Data> serviceData = {};
-    std::optional<int> txPowerLevel = {};  ///< dBm
+    std::optional<std::string> localName = {};  ///< the name by which the kit knows a pen
+    std::vector<CBUUID> serviceUUIDs = {};      ///< what a scan for services looks at
+    std::optional<Data> manufacturerData = {};  ///< the company's identifier first, as it is sent
+    std::map<CBUUID, Data> serviceData = {};    ///< by service
+    std::optional<int> txPowerLevel = {};       ///< dBm
 
     /// An attempt to connect to a peripheral that is not connectable stays pending.
     bool isConnectable = true;

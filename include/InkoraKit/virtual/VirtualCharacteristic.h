@@ -21,9 +21,12 @@ public:
     static constexpr std::uint32_t notifiable = 0x10;
     static constexpr std::uint32_t indicatable = 0x20;
 
+    /// @param value what reads are answered with until something else is set
+    /// @param properties the bits above, and any others of theirs
     explicit VirtualCharacteristic(const CBUUID& uuid, std::optional<Data> value = Data(),
                                    std::uint32_t properties = readable | notifiable);
 
+    /// The type, by which hosts find it.
     const CBUUID& uuid() const noexcept { return uuid_; }
 
     /// Reading one that is not readable fails, and so does subscribing to one that neither notifies

@@ -26,6 +26,7 @@ public:
     explicit VirtualPen(std::uint64_t serialNumber = 0);
     ~VirtualPen() override;
 
+    /// The pen's two characteristics, to script what else it may send.
     const std::shared_ptr<VirtualCharacteristic>& colour() const noexcept { return colour_; }
     const std::shared_ptr<VirtualCharacteristic>& battery() const noexcept { return battery_; }
 
@@ -40,6 +41,7 @@ public:
     /// seed decides on all of them: the first colour that reaches a central is the same in every
     /// run, and so is each one after it. Starts anew when it was under way.
     void startCapturing(double interval, std::uint32_t seed = 0);
+    /// Ends what `startCapturing` began. Harmless otherwise.
     void stopCapturing();
 
 private:

@@ -42,13 +42,17 @@ public:
     explicit VirtualPeripheral(std::string name, std::uint64_t serialNumber = 0);
     virtual ~VirtualPeripheral();
 
+    /// Neither copied nor moved: it is one device.
     VirtualPeripheral(const VirtualPeripheral&) = delete;
     VirtualPeripheral& operator=(const VirtualPeripheral&) = delete;
 
+    /// What a central manager knows it by.
     const UUID& identifier() const noexcept { return identifier_; }
 
     // Advertising
 
+    /// What it sends out from now on. A scan that has reported it reports a changed name, and
+    /// nothing else of it.
     const VirtualAdvertisement& advertisement() const noexcept { return advertisement_; }
     void setAdvertisement(VirtualAdvertisement advertisement);
     /// Changes the advertised name alone; absent: the advertisement has none.
@@ -85,6 +89,7 @@ public:
     void setConnectAnswer(VirtualConnectAnswer answer);
     void setConnectDelay(double seconds) { connectDelay_ = seconds; }
 
+    /// Whether it has a link.
     bool isConnected() const noexcept { return link_ != nullptr; }
 
     /// Closes the link from this side; the central is told at once (CBErrorDomain 7).

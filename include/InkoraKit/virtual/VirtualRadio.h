@@ -36,6 +36,7 @@ public:
     /// it is as if the adapter were pulled out.
     ~VirtualRadio();
 
+    /// Neither copied nor moved: managers and peripherals refer to it.
     VirtualRadio(const VirtualRadio&) = delete;
     VirtualRadio& operator=(const VirtualRadio&) = delete;
 
@@ -56,6 +57,7 @@ public:
     void add(std::shared_ptr<VirtualPeripheral> peripheral);
     /// Takes a peripheral away; a link to it is lost (CBErrorDomain 6). Harmless when not there.
     void remove(const std::shared_ptr<VirtualPeripheral>& peripheral);
+    /// Those within reach, in the order in which they were added.
     const std::vector<std::shared_ptr<VirtualPeripheral>>& peripherals() const noexcept {
         return peripherals_;
     }
