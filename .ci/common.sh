@@ -17,7 +17,8 @@ fuzz() {
     local fuzzer name options
     for fuzzer in build/asan/tests/fuzz/*-fuzzer; do
         name=$(basename "$fuzzer" -fuzzer)
-        options=(-max_total_time="$1" -verbosity=0 -print_final_stats=1)
+        options=(-max_total_time="$1" -verbosity=0 -print_final_stats=1
+            -artifact_prefix="$fuzzer-")
         [[ -f tests/fuzz/$name.dict ]] && options+=(-dict="tests/fuzz/$name.dict")
         heading "$name, for $1 s"
         # What is found goes into the first folder; the seeds stay as they are.
