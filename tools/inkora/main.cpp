@@ -1,8 +1,10 @@
 #include "CommandLine.h"
+#include "Failure.h"
 
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <new>
 
 using namespace InkoraTool;
 
@@ -27,6 +29,11 @@ Exit status:
  130  info was interrupted before it had an answer
 )";
 
+int failed(const char* message, ExitStatus status) {
+    std::fprintf(stderr, "inkora: %s\n", message);
+    return static_cast<int>(status);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -40,8 +47,11 @@ int main(int argc, char** argv) {
             .commands = {watchCommand(), infoCommand(), jsonCommand()},
         };
         return static_cast<int>(runCommandLine(program, "inkora " INKORA_VERSION, argc, argv));
+    } catch (const Failure& failure) {
+        return failed(failure.what(), failure.status);
+    } catch (const std::bad_alloc&) {
+        return failed("there is not enough memory", ExitStatus::failure);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "inkora: %s\n", error.what());
-        return static_cast<int>(ExitStatus::failure);
+        return failed(error.what(), ExitStatus::failure);
     }
 }
