@@ -59,7 +59,7 @@ std::string utf8Of(std::u16string_view units) {
 constexpr std::size_t longestName = 1000;
 
 std::string blockOf(const Swatch& swatch) {
-    std::u16string name = utf16Of(swatch.name).substr(0, longestName);
+    std::u16string name = utf16Of(printableText(swatch.name)).substr(0, longestName);
     name += u'\0';
     std::string contents;
     appendBig(contents, static_cast<std::uint16_t>(name.size()));

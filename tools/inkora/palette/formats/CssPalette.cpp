@@ -16,12 +16,18 @@ bool isNameByte(char c) {
     return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || (c & 0x80);
 }
 
+/// Lower case, with a hyphen for each run of other characters.
 std::string propertyName(const std::string& name) {
     std::string property;
     for (const char c : printableText(name)) {
         const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-        property += isNameByte(lower) ? lower : '-';
+        if (isNameByte(lower)) {
+            property += lower;
+        } else if (!property.empty() && property.back() != '-') {
+            property += '-';
+        }
     }
+    if (property.ends_with('-')) property.pop_back();
     return property.empty() ? "colour" : property;
 }
 

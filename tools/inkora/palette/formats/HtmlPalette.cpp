@@ -35,6 +35,7 @@ h2 { margin: 0; font-size: 1.1rem; }
 dl { display: grid; grid-template-columns: auto auto 1fr; gap: 0 .7rem; margin: 0; font-size: .92rem; }
 dt, time { color: var(--faint); }
 dd { margin: 0; font-variant-numeric: tabular-nums; }
+dt + dd { text-align: right; }
 time { display: block; margin-top: .5rem; font-size: .85rem; }
 output { position: fixed; left: 50%; bottom: 1.2rem; translate: -50%; padding: .5rem 1rem; border-radius: 8px;
     background: var(--ink); color: var(--ground); opacity: 0; transition: opacity .2s; pointer-events: none; }
@@ -94,7 +95,7 @@ std::string contrastRow(const std::string& what, double ratio) {
     const std::size_t whole = hundredths.size() - 2;
     const std::string_view level = ratio >= 7     ? "AAA"
                                    : ratio >= 4.5 ? "AA"
-                                   : ratio >= 3   ? "large text only"
+                                   : ratio >= 3   ? "large text"
                                                   : "too low";
     return "<dt>" + what + "</dt><dd>" + hundredths.substr(0, whole) + '.' +
            hundredths.substr(whole) + " : 1</dd><dd>" + std::string(level) + "</dd>\n";
@@ -109,8 +110,8 @@ std::string articleOf(const Swatch& swatch) {
                        "<span style=\"color:#fff\">white</span></button>\n<section>\n<h2>" +
                        escapedMarkup(swatch.name) + "</h2>\n<div class=\"values\">\n" +
                        copyButton(hex) + copyButton(rgbText(swatch.colour)) + "</div>\n<dl>\n" +
-                       contrastRow("on black", contrast(swatch.colour, {0, 0, 0})) +
-                       contrastRow("on white", contrast(swatch.colour, {255, 255, 255})) +
+                       contrastRow("black text", contrast(swatch.colour, {0, 0, 0})) +
+                       contrastRow("white text", contrast(swatch.colour, {255, 255, 255})) +
                        "</dl>\n";
     if (!time.empty()) text += "<time datetime=\"" + time + "\">" + time + "</time>\n";
     return text + "</section>\n</article>\n";
