@@ -4,6 +4,7 @@
 #include "palette/formats/Formats.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace InkoraTool {
@@ -31,13 +32,21 @@ std::string propertyName(const std::string& name) {
     return property.empty() ? "colour" : property;
 }
 
-/// The name, or if it is taken that with a number.
-std::string unusedName(const std::string& name, std::set<std::string>& used) {
-    std::string unused = name;
-    for (int number = 2; !used.insert(unused).second; ++number)
-        unused = name + '-' + std::to_string(number);
-    return unused;
-}
+/// Gives every name once.
+class UniqueNames {
+public:
+    /// The name, or if it is taken that with a number.
+    std::string take(const std::string& name) {
+        std::string unique = name;
+        int& number = numbers_.try_emplace(name, 1).first->second;
+        while (!taken_.insert(unique).second) unique = name + '-' + std::to_string(++number);
+        return unique;
+    }
+
+private:
+    std::set<std::string> taken_;
+    std::map<std::string, int> numbers_;  // the last one tried
+};
 
 std::string commentText(const std::string& text) {
     std::string safe = printableText(text);
@@ -66,12 +75,13 @@ public:
 
     Palette palette() {
         Palette palette;
-        for (skipBlanks(); !rest().empty(); skipBlanks()) {
+        skipBlanks();
+        if (rest().empty()) throw PaletteFault(": there is no rule of :root");
+        for (; !rest().empty(); skipBlanks()) {
             if (taken("{") != ":root") throw fault("only rules of :root are read");
             while (skipBlanks(), !rest().starts_with('}')) palette.swatches.push_back(swatch());
             ++place_;
         }
-        if (palette.swatches.empty()) throw PaletteFault(": there are no custom properties");
         return palette;
     }
 
@@ -121,10 +131,10 @@ private:
 
 std::string writeCssPalette(const Palette& palette) {
     std::string text = "/* " + commentText(palette.title) + " */\n:root {\n";
-    std::set<std::string> used;
+    UniqueNames names;
     for (const Swatch& swatch : palette.swatches)
-        text += "    --" + unusedName(propertyName(swatch.name), used) + ": " +
-                hexText(swatch.colour) + ";\n";
+        text += "    --" + names.take(propertyName(swatch.name)) + ": " + hexText(swatch.colour) +
+                ";\n";
     return text + "}\n";
 }
 
