@@ -71,9 +71,11 @@ private:
 struct stat originalOf(const std::string& file) {
     struct stat original {};
     if (::stat(file.c_str(), &original) == 0) {
-        if (!S_ISREG(original.st_mode)) throw std::system_error(EINVAL, std::generic_category());
-        require(::access(file.c_str(), W_OK) ==
-                0);  // the folder's permissions say nothing about it
+        if (!S_ISREG(original.st_mode))
+            throw std::system_error(S_ISDIR(original.st_mode) ? EISDIR : EINVAL,
+                                    std::generic_category());
+        // The folder's permissions say nothing about the file.
+        require(::access(file.c_str(), W_OK) == 0);
         return original;
     }
     require(errno == ENOENT);

@@ -27,10 +27,8 @@ struct PaletteOptions {
 };
 
 ExitStatus convert(const PaletteOptions& options) {
-    Palette palette = readPalette(options.from);
-    PaletteFile to(options.to);
-    to.replaceBy(std::move(palette));
-    to.save();
+    const Palette palette = readPalette(options.from);
+    PaletteFile(options.to).replaceBy(palette);
     return ExitStatus::success;
 }
 

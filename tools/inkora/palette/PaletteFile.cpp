@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace InkoraTool {
@@ -23,15 +24,6 @@ const PaletteFormat& formatOf(const std::string& file) {
     }
     throw Failure(ExitStatus::usage,
                   shownName(file) + ": a palette's name ends with one of " + endings);
-}
-
-Palette read(const std::string& file, const PaletteFormat& format) {
-    const std::string text = readFile(file);
-    try {
-        return format.read(text);
-    } catch (const PaletteFault& fault) {
-        throw Failure(ExitStatus::malformed, shownName(file) + fault.what());
-    }
 }
 
 std::string titleOf(const std::string& file) {
@@ -54,32 +46,44 @@ std::string timeNow() {
 }  // namespace
 
 PaletteFile::PaletteFile(const std::string& file) : file_(file), format_(formatOf(file)) {
-    std::error_code unknown;
-    if (std::filesystem::exists(file, unknown)) palette_ = read(file, format_);
     requireReplaceable(file);
-    if (palette_.title.empty()) palette_.title = titleOf(file);
+    const Palette palette = held();
+    if (!palette.swatches.empty()) last_ = palette.swatches.back().colour;
+}
+
+void PaletteFile::replaceBy(const Palette& palette) const {
+    replaceFile(file_, format_.write(palette));
 }
 
 void PaletteFile::add(const Colour& colour) {
-    auto& swatches = palette_.swatches;
-    if (!swatches.empty() && swatches.back().colour == colour) return;
-    swatches.push_back({colour, std::string(nearestWebColour(colour).name), timeNow()});
-    isChanged_ = true;
-}
-
-void PaletteFile::replaceBy(Palette palette) {
-    palette_ = std::move(palette);
-    isChanged_ = true;
+    if (colour == last_) return;
+    added_.push_back({colour, std::string(nearestWebColour(colour).name), timeNow()});
+    last_ = colour;
 }
 
 void PaletteFile::save() {
-    if (std::exchange(isChanged_, false)) replaceFile(file_, format_.write(palette_));
+    if (added_.empty()) return;
+    Palette palette = held();
+    for (Swatch& swatch : std::exchange(added_, {})) palette.swatches.push_back(std::move(swatch));
+    replaceBy(palette);
+}
+
+Palette PaletteFile::held() const {
+    std::error_code unknown;
+    if (std::filesystem::exists(file_, unknown)) return readPalette(file_);
+    return {titleOf(file_), {}};
 }
 
 Palette readPalette(const std::string& file) {
-    Palette palette = read(file, formatOf(file == standardInput ? ".json" : file));
-    if (palette.title.empty()) palette.title = titleOf(file);
-    return palette;
+    const PaletteFormat& format = formatOf(file == standardInput ? ".json" : file);
+    const std::string text = readFile(file);
+    try {
+        Palette palette = format.read(text);
+        if (palette.title.empty()) palette.title = titleOf(file);
+        return palette;
+    } catch (const PaletteFault& fault) {
+        throw Failure(ExitStatus::malformed, shownName(file) + fault.what());
+    }
 }
 
 }  // namespace InkoraTool

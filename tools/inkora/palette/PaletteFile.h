@@ -2,34 +2,39 @@
 
 #include "palette/PaletteFormat.h"
 
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace InkoraTool {
 
-/// A palette in a file, in the format of its ending. What the file holds already stays ahead of
-/// what is added; a file that holds no palette is never written to.
+/// A file that holds a palette, or will, in the format of its ending. A file that holds anything
+/// else is never written to.
 class PaletteFile {
 public:
-    /// Reads the file, if it is there.
+    /// Looks at the file, if it is there.
     /// @throws Failure when it is no palette, or could not be written
     explicit PaletteFile(const std::string& file);
 
-    /// Adds a colour as captured now, unless it is the last one: a pen tells that again when it is
+    /// Writes the palette in place of what the file holds.
+    /// @throws Failure when that cannot be; the file is then as it was
+    void replaceBy(const Palette& palette) const;
+
+    /// Takes a colour as captured now, unless it is the last one: a pen tells that again when it is
     /// connected.
     void add(const Colour& colour);
 
-    /// The palette instead of what the file held.
-    void replaceBy(Palette palette);
-
-    /// Writes what has changed since the last time.
+    /// Writes what was added behind what the file holds by now.
     /// @throws Failure when that cannot be; the file is then as it was
     void save();
 
 private:
+    Palette held() const;
+
     std::string file_;
     const PaletteFormat& format_;
-    Palette palette_;
-    bool isChanged_ = false;
+    std::vector<Swatch> added_;
+    std::optional<Colour> last_;
 };
 
 /// The palette in a file, or in standard input (`-`, as JSON).

@@ -50,9 +50,9 @@ Command watchCommand() {
         .footer = watchFooter,
         .run =
             [options] {
+                const auto radio = options->radio.install();
                 const auto session =
                     std::make_shared<WatchSession>(options->watch, makeFormat(options->json));
-                const auto radio = options->radio.install();
                 const ExitStatus status = session->run();
                 session->savePalette();
                 return status;

@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view htmlStart = R"(<script type="application/json" id="palette">)";
 constexpr std::string_view htmlEnd = "</script>";
 
-constexpr std::string_view style = R"(<style>
+constexpr std::string_view htmlStyle = R"(<style>
 :root { color-scheme: light dark; --ground: #f6f5f2; --card: #fff; --ink: #1f2126; --faint: #5c5f68; --line: #0002; }
 @media (prefers-color-scheme: dark) {
     :root { --ground: #17181c; --card: #202228; --ink: #e6e4df; --faint: #a3a5ad; --line: #fff3; }
@@ -44,7 +44,7 @@ output.shown { opacity: 1; }
 )";
 
 // Where the browser lets no page write to the clipboard, a selection can still be copied.
-constexpr std::string_view script = R"(<script>
+constexpr std::string_view htmlScript = R"(<script>
 const said = document.querySelector("output");
 let hiding;
 async function copy(text) {
@@ -131,7 +131,7 @@ std::string writeHtmlPalette(const Palette& palette) {
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
         title + "</title>\n";
-    text += style;
+    text += htmlStyle;
     text += htmlStart;
     text += embeddedJson(palette);
     text += htmlEnd;
@@ -139,7 +139,7 @@ std::string writeHtmlPalette(const Palette& palette) {
             introduction(palette.swatches.size()) + "</p>\n</header>\n<main>\n";
     for (const Swatch& swatch : palette.swatches) text += articleOf(swatch);
     text += "</main>\n<output></output>\n";
-    text += script;
+    text += htmlScript;
     return text + "</body>\n</html>\n";
 }
 
