@@ -78,7 +78,7 @@ for (const time of document.querySelectorAll("time")) {
 )";
 
 std::string copyButton(const std::string& value) {
-    return "<button value=\"" + value + "\" title=\"Copy\">" + value + "</button>\n";
+    return "<button value=\"" + value + R"(" title="Copy">)" + value + "</button>\n";
 }
 
 std::string rgbText(const Colour& colour) {

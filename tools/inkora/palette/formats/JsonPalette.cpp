@@ -31,7 +31,7 @@ std::string memberText(const JSON& object, std::string_view key, const std::stri
 Swatch swatchIn(const JSON& element, std::size_t position) {
     const std::string where = "at [\"colours\"," + std::to_string(position) + "] ";
     const auto colour = colourOfHex(memberText(element, "hex", where));
-    if (!colour) throw PaletteFault(": " + where + "there is no \"hex\" like \"#FF8000\"");
+    if (!colour) throw PaletteFault(": " + where + R"(there is no "hex" like "#FF8000")");
     std::string name = memberText(element, "name", where);
     if (name.empty()) name = nearestWebColour(*colour).name;
     return {*colour, std::move(name), memberText(element, "time", where)};

@@ -29,9 +29,9 @@ std::string cellOf(const Swatch& swatch, std::size_t position) {
     return "<svg" + attribute("x", x) + attribute("y", y) +
            attribute("width", svgCellWidth - svgMargin) + attribute("height", svgCellHeight) +
            "><title>" + name + ' ' + hex +
-           "</title><rect width=\"100%\" height=\"120\" rx=\"6\" fill=\"" + hex +
-           "\" stroke=\"#808080\" stroke-opacity=\"0.4\"/><text y=\"140\">" + name +
-           "</text><text y=\"158\" fill=\"#5C5F68\" font-family=\"monospace\">" + hex +
+           R"(</title><rect width="100%" height="120" rx="6" fill=")" + hex +
+           R"(" stroke="#808080" stroke-opacity="0.4"/><text y="140">)" + name +
+           R"(</text><text y="158" fill="#5C5F68" font-family="monospace">)" + hex +
            "</text></svg>\n";
 }
 
