@@ -97,8 +97,11 @@ void orElseUnchanged(const std::string& file, Step step) {
     try {
         step();
     } catch (const std::system_error& error) {
-        throw Failure(ExitStatus::failure,
-                      printableText(file) + " is unchanged: " + error.code().message());
+        std::error_code unknown;
+        const bool isThere = std::filesystem::exists(file, unknown);
+        throw Failure(ExitStatus::failure, printableText(file) +
+                                               (isThere ? " is unchanged: " : " is not made: ") +
+                                               error.code().message());
     }
 }
 
