@@ -56,5 +56,6 @@ struct Command {
 Command watchCommand();
 Command infoCommand();
 Command jsonCommand();
+Command paletteCommand();
 
 }  // namespace InkoraTool

@@ -10,7 +10,7 @@ enum class ExitStatus : int {
     failure = 1,  ///< the output cannot be written, or what nobody foresaw
     usage = 2,
     unreadable = 3,    ///< a file
-    noJson = 4,        ///< a text
+    malformed = 4,     ///< a text that is no JSON document, or no palette
     noSuchPlace = 5,   ///< in a JSON document
     notMergeable = 6,  ///< two JSON documents
     noBluetooth = InkoraKit::InkoraErrorCodes::inSufficientResources,

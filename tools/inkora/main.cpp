@@ -1,8 +1,10 @@
 #include "CommandLine.h"
+#include "Failure.h"
 
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <new>
 
 using namespace InkoraTool;
 
@@ -14,18 +16,25 @@ constexpr const char* footer = R"(Examples:
   inkora watch --for 60 --ask-every 10   a minute, with battery and proximity every 10 s
   inkora info                            name, identifier, battery, proximity
   inkora watch --radio virtual           no Bluetooth and no pen needed
+  inkora watch --palette desk.html       keeps the colours in a page, .json, .gpl, .ase, .css, .svg
+  inkora palette desk.html desk.gpl      the same palette for GIMP
   inkora json get settings.json scan 0   a value in a JSON document
 
 Exit status:
    0  done: --count or --for was reached, or ended by Ctrl-C, SIGTERM or SIGHUP
    1  the output cannot be written
    2  the command line is wrong
- 3-6  json could not do what it was asked: see inkora json --help
+ 3-6  json or a palette: see inkora json --help, inkora palette --help
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected
   19  no pen was found within 6 seconds, or the time of --for
  130  info was interrupted before it had an answer
 )";
+
+int failed(const char* message, ExitStatus status) {
+    std::fprintf(stderr, "inkora: %s\n", message);
+    return static_cast<int>(status);
+}
 
 }  // namespace
 
@@ -37,11 +46,14 @@ int main(int argc, char** argv) {
             .name = "inkora",
             .help = "Talks to a colour-capturing pen over Bluetooth LE.",
             .footer = footer,
-            .commands = {watchCommand(), infoCommand(), jsonCommand()},
+            .commands = {watchCommand(), infoCommand(), jsonCommand(), paletteCommand()},
         };
         return static_cast<int>(runCommandLine(program, "inkora " INKORA_VERSION, argc, argv));
+    } catch (const Failure& failure) {
+        return failed(failure.what(), failure.status);
+    } catch (const std::bad_alloc&) {
+        return failed("there is not enough memory", ExitStatus::failure);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "inkora: %s\n", error.what());
-        return static_cast<int>(ExitStatus::failure);
+        return failed(error.what(), ExitStatus::failure);
     }
 }

@@ -9,10 +9,11 @@ _inkora() {
     case $option in
         --radio) words='system virtual' ;;
         --seed | --count | --for | --ask-every) return ;;
+        --palette) compopt -o default; return ;;
         *)
             case "${COMP_WORDS[*]:1:COMP_CWORD - 1} " in
-                ' ') words='watch info json --version' ;;
-                'watch '*) words='--radio --seed --count --for --ask-every --json' ;;
+                ' ') words='watch info json palette --version' ;;
+                'watch '*) words='--radio --seed --count --for --ask-every --palette --json' ;;
                 'info '*) words='--radio --seed --json' ;;
                 'json ') words='get set merge format' ;;
                 'json get '*) words='--raw' ;;
@@ -22,7 +23,8 @@ _inkora() {
             words+=' --help'
             ;;
     esac
-    if [[ $2 != -* && ${COMP_WORDS[1]} == json ]] && ((COMP_CWORD > 2)); then
+    if [[ $2 != -* && ${COMP_WORDS[1]} == palette ]] && ((COMP_CWORD > 1)) ||
+        [[ $2 != -* && ${COMP_WORDS[1]} == json ]] && ((COMP_CWORD > 2)); then
         compopt -o default  # files, which readline knows to quote
     else
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$2")

@@ -19,6 +19,7 @@ complete -c inkora -n __inkora_at -l version -d 'Print the version and exit'
 complete -c inkora -n __inkora_at -a watch -d 'Show colours as they are captured'
 complete -c inkora -n __inkora_at -a info -d 'Ask a pen for name, identifier, battery and proximity'
 complete -c inkora -n __inkora_at -a json -d 'Read, change and print JSON documents'
+complete -c inkora -n __inkora_at -a palette -d 'Convert a palette'
 
 for command in watch info
     complete -c inkora -n "__inkora_in $command" -l radio -x -a 'system virtual' -d 'Which Bluetooth'
@@ -28,6 +29,9 @@ end
 complete -c inkora -n '__inkora_in watch' -l count -x -d 'End after so many colours'
 complete -c inkora -n '__inkora_in watch' -l for -x -d 'End after so many seconds'
 complete -c inkora -n '__inkora_in watch' -l ask-every -x -d 'Ask for battery and proximity every so many seconds'
+complete -c inkora -n '__inkora_in watch' -l palette -r --force-files -d 'Add the colours to a palette'
+
+complete -c inkora -n '__inkora_in palette' --force-files
 
 complete -c inkora -n '__inkora_at json' -a get -d 'Print the value at a path'
 complete -c inkora -n '__inkora_at json' -a set -d 'Print a document with one value changed'

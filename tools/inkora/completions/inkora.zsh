@@ -12,7 +12,8 @@ _inkora() {
     _arguments -C $help '(- *)--version[print the version and exit]' \
         '1:command:((watch\:"show colours as they are captured"
             info\:"ask a pen for name, identifier, battery and proximity"
-            json\:"read, change and print JSON documents"))' \
+            json\:"read, change and print JSON documents"
+            palette\:"convert a palette"))' \
         '*:: :->arguments' && return
 
     [[ $state == arguments ]] || return
@@ -22,9 +23,11 @@ _inkora() {
                 '--count=[end after so many colours]:colours' \
                 '--for=[end after so much time]:seconds' \
                 '--ask-every=[ask for battery and proximity again and again]:seconds' \
+                '--palette=[add the colours to a palette]:file:_files' \
                 '--json[print a JSON object a line]' ;;
         info)
             _arguments $help $radio '--json[print one JSON object]' ;;
+        palette) _arguments $help '1:from:_files' '2:to:_files' ;;
         json)
             _arguments -C $help \
                 '1:command:((get\:"print the value at a path"

@@ -1,9 +1,4 @@
 #include "json/JsonCommands.h"
-#include "json/JsonFailure.h"
-
-#include <cstdio>
-#include <functional>
-#include <new>
 
 namespace InkoraTool {
 namespace {
@@ -21,33 +16,15 @@ Exit status:
    6  the two documents are of different types and cannot be merged
 )";
 
-ExitStatus failed(const char* message, ExitStatus status) {
-    std::fprintf(stderr, "inkora: %s\n", message);
-    return status;
-}
-
-ExitStatus runAndTellFailure(const std::function<ExitStatus()>& run) {
-    try {
-        return run();
-    } catch (const JsonFailure& failure) {
-        return failed(failure.what(), failure.status);
-    } catch (const std::bad_alloc&) {
-        return failed("there is not enough memory", ExitStatus::failure);
-    }
-}
-
 }  // namespace
 
 Command jsonCommand() {
-    Command json = {
+    return {
         .name = "json",
         .help = "Reads, changes and prints JSON documents",
         .footer = jsonFooter,
         .commands = {jsonGetCommand(), jsonSetCommand(), jsonMergeCommand(), jsonFormatCommand()},
     };
-    for (Command& command : json.commands)
-        command.run = [run = command.run] { return runAndTellFailure(run); };
-    return json;
 }
 
 }  // namespace InkoraTool

@@ -4,7 +4,7 @@
 
 namespace InkoraTool {
 
-// What `inkora json` consists of. Each throws a `JsonFailure` where it cannot do what it was asked.
+// What `inkora json` consists of. Each throws a `Failure` where it cannot do what it was asked.
 
 Command jsonGetCommand();
 Command jsonSetCommand();

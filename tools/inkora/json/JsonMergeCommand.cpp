@@ -1,5 +1,6 @@
+#include "Failure.h"
+#include "File.h"
 #include "json/JsonCommands.h"
-#include "json/JsonFailure.h"
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
 
@@ -18,12 +19,12 @@ struct MergeOptions {
 
 ExitStatus merge(const MergeOptions& options) {
     if (options.file == standardInput && options.other == standardInput)
-        throw JsonFailure(ExitStatus::usage, "only one of the two can be standard input");
+        throw Failure(ExitStatus::usage, "only one of the two can be standard input");
     JSON document = readJson(options.file);
     try {
         document.merge(readJson(options.other));
     } catch (const NSError& error) {
-        throw JsonFailure(ExitStatus::notMergeable, error.localizedDescription());
+        throw Failure(ExitStatus::notMergeable, error.localizedDescription());
     }
     return printText(jsonText(document));
 }

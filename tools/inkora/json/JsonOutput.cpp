@@ -1,6 +1,6 @@
 #include "json/JsonOutput.h"
 
-#include "json/JsonFailure.h"
+#include "Failure.h"
 #include "json/JsonTextFault.h"
 #include "terminal/Output.h"
 
@@ -14,14 +14,14 @@ std::string jsonText(const JSON& value, JSONSerialization::WritingOptions option
         return JSONSerialization::text(value.object(),
                                        options | allowFragments | withoutEscapingSlashes);
     } catch (const NSError& error) {
-        throw JsonFailure(ExitStatus::failure, "the result cannot be written: " + reasonOf(error));
+        throw Failure(ExitStatus::failure, "the result cannot be written: " + reasonOf(error));
     }
 }
 
 ExitStatus printText(const std::string& text) {
     Output output;
     if (output.line(text) == Output::Outcome::failed)
-        throw JsonFailure(ExitStatus::failure, "standard output: " + output.failure());
+        throw Failure(ExitStatus::failure, "standard output: " + output.failure());
     return ExitStatus::success;
 }
 

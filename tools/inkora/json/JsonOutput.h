@@ -9,13 +9,13 @@
 namespace InkoraTool {
 
 /// The text of any JSON value, for people: slashes as they are.
-/// @throws JsonFailure when the value is nested too deeply to be written
+/// @throws Failure when the value is nested too deeply to be written
 std::string jsonText(const InkoraKit::JSON& value,
                      InkoraKit::JSONSerialization::WritingOptions options =
                          InkoraKit::JSONSerialization::WritingOptions::prettyPrinted);
 
 /// Writes a text and a line break to standard output.
-/// @throws JsonFailure when that cannot be; that nobody reads any more is no failure
+/// @throws Failure when that cannot be; that nobody reads any more is no failure
 ExitStatus printText(const std::string& text);
 
 }  // namespace InkoraTool

@@ -1,6 +1,6 @@
+#include "Failure.h"
+#include "File.h"
 #include "json/JsonCommands.h"
-#include "json/JsonFailure.h"
-#include "json/JsonFile.h"
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
 #include "json/JsonSteps.h"
@@ -31,7 +31,7 @@ struct SetOptions {
 /// JSON cannot hold any other text, and would have null in its place.
 void requireUtf8(const std::string& argument) {
     if (Any(argument).kind() == Any::Kind::object)
-        throw JsonFailure(ExitStatus::usage, "an argument is not UTF-8");
+        throw Failure(ExitStatus::usage, "an argument is not UTF-8");
 }
 
 JSON valueFrom(const SetOptions& options) {
@@ -46,7 +46,7 @@ JSON valueFrom(const SetOptions& options) {
 
 ExitStatus set(const SetOptions& options) {
     if (options.isInPlace && options.file == standardInput)
-        throw JsonFailure(ExitStatus::usage, "standard input cannot be changed in place");
+        throw Failure(ExitStatus::usage, "standard input cannot be changed in place");
     std::ranges::for_each(options.steps, requireUtf8);
     requireUtf8(options.value);
     JSON document = readJson(options.file);

@@ -1,8 +1,8 @@
 #include "json/JsonSteps.h"
 
+#include "Failure.h"
 #include "JsonLine.h"
 #include "Utf8.h"
-#include "json/JsonFailure.h"
 
 #include <algorithm>
 #include <charconv>
@@ -54,8 +54,8 @@ JSONPath pathIn(const JSON& document, const std::vector<std::string>& steps, Las
         value = std::as_const(value)[JSONPath{key}];
         const auto error = value.error();
         if (error && !mayBeMissing)
-            throw JsonFailure(ExitStatus::noSuchPlace,
-                              printableText(error->localizedDescription()) + ", at " + shown(path));
+            throw Failure(ExitStatus::noSuchPlace,
+                          printableText(error->localizedDescription()) + ", at " + shown(path));
     }
     return path;
 }

@@ -14,7 +14,7 @@ enum class LastStep {
 
 /// The path that arguments mean in a document: digits, with or without a minus, are a position
 /// where an array is, and all else is a key.
-/// @throws JsonFailure at the first step that cannot be taken
+/// @throws Failure at the first step that cannot be taken
 InkoraKit::JSONPath pathIn(const InkoraKit::JSON& document, const std::vector<std::string>& steps,
                            LastStep last);
 

@@ -14,6 +14,9 @@ namespace {
 constexpr const char* watchFooter =
     R"(A pen that is lost is looked for until it is back. End it with Ctrl-C: it lets go of the
 pen first. A second Ctrl-C ends it at once.
+
+A palette that is there already is continued, and a file that is none is left alone: see inkora
+palette --help. It is written at the end, and a second after a colour.
 )";
 
 struct WatchCommandOptions {
@@ -35,7 +38,10 @@ Command watchCommand() {
                 {"--for", "SECONDS", "Ends after so much time", aTime(watch.duration)},
                 {"--ask-every", "SECONDS",
                  "Asks for battery and proximity again and again, not on connection only",
-                 aTime(watch.askEvery)}});
+                 aTime(watch.askEvery)},
+                {"--palette", "FILE",
+                 "Adds the colours to a palette: .json, .gpl, .ase, .css, .svg or .html",
+                 aText(watch.palette)}});
     return {
         .name = "watch",
         .help = "Pairs with a pen and shows its colours as they are captured",
@@ -45,8 +51,11 @@ Command watchCommand() {
         .run =
             [options] {
                 const auto radio = options->radio.install();
-                return std::make_shared<WatchSession>(options->watch, makeFormat(options->json))
-                    ->run();
+                const auto session =
+                    std::make_shared<WatchSession>(options->watch, makeFormat(options->json));
+                const ExitStatus status = session->run();
+                session->savePalette();
+                return status;
             },
     };
 }

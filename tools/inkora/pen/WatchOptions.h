@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace InkoraTool {
 
@@ -10,6 +11,7 @@ struct WatchOptions {
     std::optional<std::int64_t> count = {};  // colours
     std::optional<double> duration = {};     // seconds
     std::optional<double> askEvery = {};     // seconds
+    std::string palette = {};                // the file that keeps the colours; none keeps none
 };
 
 }  // namespace InkoraTool

@@ -2,14 +2,28 @@
 
 #include <InkoraKit/InkoraErrorDomain.h>
 
+#include "Failure.h"
+#include "pen/HexColour.h"
+
 #include <utility>
 
 using namespace InkoraKit;
 
 namespace InkoraTool {
+namespace {
+
+constexpr double pauseBeforeSaving = 1.0;  // seconds
+
+}  // namespace
 
 WatchSession::WatchSession(const WatchOptions& options, std::unique_ptr<Format> format)
-    : PenSession(std::move(format)), options_(options) {}
+    : PenSession(std::move(format)), options_(options) {
+    if (!options.palette.empty()) palette_.emplace(options.palette);
+}
+
+void WatchSession::savePalette() {
+    if (palette_) palette_->save();
+}
 
 void WatchSession::searching() {
     print(format().searching());
@@ -31,6 +45,7 @@ void WatchSession::unavailable(CBManagerStateReason reason) {
 
 void WatchSession::captured(const UIColor& colour) {
     print(format().colour(colour));
+    if (palette_) keep(colour);
     if (++coloursShown_ == options_.count) finish(ExitStatus::success);
 }
 
@@ -56,6 +71,21 @@ void WatchSession::askAgainLater() {
     after(*options_.askEvery, [this] {
         askForValues();
         askAgainLater();
+    });
+}
+
+// A burst of colours is written once.
+void WatchSession::keep(const UIColor& colour) {
+    palette_->add(bytesOf(colour));
+    if (std::exchange(isPaletteToBeSaved_, true)) return;
+    after(pauseBeforeSaving, [this] {
+        isPaletteToBeSaved_ = false;
+        try {
+            savePalette();
+        } catch (const Failure& failure) {
+            printError(failure.what());
+            finish(failure.status);
+        }
     });
 }
 

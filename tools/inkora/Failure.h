@@ -7,9 +7,9 @@
 
 namespace InkoraTool {
 
-/// Ends `inkora json`: what to tell its user, and what the process ends with.
-struct JsonFailure : std::runtime_error {
-    JsonFailure(ExitStatus code, const std::string& message)
+/// Ends the program: what to tell its user, and what the process ends with.
+struct Failure : std::runtime_error {
+    Failure(ExitStatus code, const std::string& message)
         : std::runtime_error(message), status(code) {}
 
     ExitStatus status;

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "palette/Colour.h"
+
+#include <string_view>
+
+namespace InkoraTool {
+
+/// One of the 148 colours that have a name in CSS (CSS Color Module Level 4).
+struct WebColour {
+    std::string_view name;
+    Colour colour;
+};
+
+/// The one at the least distance in OKLab, the difference that CSS Color Module Level 4 calls
+/// deltaE OK.
+const WebColour& nearestWebColour(const Colour& colour);
+
+}  // namespace InkoraTool
