@@ -63,7 +63,7 @@ public:
         events().characteristicsDiscovered(pen, 1, {{colour, CBUUID("1F14")}}, {});
         run();
     }
-    ~ConnectedEngine() { installRadio({}); }
+    ~ConnectedEngine() { uninstallRadio(); }
 
     void notify(std::int64_t number) { events().valueNotified(pen, colour, numbered(number)); }
 
@@ -205,7 +205,7 @@ void CrowdInAScan(benchmark::State& state) {
     state.counters["bytes_at_most"] = most;
     state.counters["repeated"] =
         static_cast<double>(listener->reports - crowd * state.iterations());
-    installRadio({});
+    uninstallRadio();
 }
 BENCHMARK(CrowdInAScan)->Iterations(1)->Unit(benchmark::kMillisecond);
 

@@ -36,17 +36,20 @@ Command watchCommand() {
                 {"--ask-every", "SECONDS",
                  "Asks for battery and proximity again and again, not on connection only",
                  aTime(watch.askEvery)}});
+    for (Option& option : options->radio.recordingOptions()) all.push_back(std::move(option));
+    std::vector<Flag> flags = options->radio.flags();
+    for (Flag& flag : options->radio.recordingFlags()) flags.push_back(std::move(flag));
+    flags.push_back({"--json", "Prints a JSON object a line", &options->json});
     return {
         .name = "watch",
         .help = "Pairs with a pen and shows its colours as they are captured",
         .options = std::move(all),
-        .flags = {{"--json", "Prints a JSON object a line", &options->json}},
+        .flags = std::move(flags),
         .footer = watchFooter,
         .run =
             [options] {
-                const auto radio = options->radio.install();
-                return std::make_shared<WatchSession>(options->watch, makeFormat(options->json))
-                    ->run();
+                return options->radio.run(
+                    *std::make_shared<WatchSession>(options->watch, makeFormat(options->json)));
             },
     };
 }

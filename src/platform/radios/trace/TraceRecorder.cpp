@@ -1,0 +1,121 @@
+#include "platform/radios/trace/TraceRecorder.h"
+
+#include "platform/foundation/objects/CocoaErrorCodes.h"
+#include "platform/foundation/process/ProcessEnd.h"
+#include "platform/radios/trace/Trace.h"
+
+#include <InkoraKit/platform/JSONSerialization.h>
+#include <InkoraKit/platform/RunLoop.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+namespace InkoraKit {
+namespace {
+
+constexpr double longestInMemory = 1.0;  // seconds
+
+TraceRecorder* recording = nullptr;
+
+NSError writingError(const std::string& path) {
+    return NSError(NSCocoaErrorDomain, fileWriteUnknownError,
+                   {{NSLocalizedDescriptionKey, path + ": " + std::strerror(errno) + '.'}});
+}
+
+bool isHexadecimal(char character) {
+    return std::string_view("0123456789ABCDEFabcdef").find(character) != std::string_view::npos;
+}
+
+/// Whether a text has a device address at the position, in any of the forms 01:23:45:67:89:AB,
+/// 01-23-45-67-89-AB and 01_23_45_67_89_AB.
+bool isAddress(std::string_view text) {
+    for (std::size_t i = 0; i < 17; ++i) {
+        const bool isBetween = i % 3 == 2;
+        if (isBetween ? text[i] != text[2] : !isHexadecimal(text[i])) return false;
+    }
+    return std::string_view(":-_").find(text[2]) != std::string_view::npos;
+}
+
+}  // namespace
+
+TraceRecorder::TraceRecorder(const std::string& path, RadioTrace::Identifiers identifiers)
+    : path_(path), identifiers_(identifiers), file_(std::fopen(path.c_str(), "wb")) {
+    if (!file_) throw writingError(path);
+    static const bool ends = (atProcessEnd([] {
+                                  if (recording) recording->end();
+                              }),
+                              true);
+    (void)ends;
+    if (recording) recording->end();
+    recording = this;
+    writeLine({{"inkoraTrace", traceVersion}});
+    flush();
+    if (error_) throw *error_;
+}
+
+TraceRecorder::~TraceRecorder() {
+    end();
+}
+
+void TraceRecorder::begin() {
+    began_ = RunLoop::main().now();
+}
+
+Dictionary TraceRecorder::stamped() const {
+    // The microsecond is as much as anybody can tell.
+    return {{"at", std::round((RunLoop::main().now() - began_) * 1e6) / 1e6}};
+}
+
+void TraceRecorder::write(std::string_view kind, std::string_view name, const Dictionary& fields) {
+    if (!isRecording()) return;
+    Dictionary members = stamped();
+    members.reserve(fields.size() + 2);
+    members.set(kind, name);
+    for (const auto& [key, value] : fields)
+        if (value.hasValue()) members.set(key, value);
+    writeLine(members);
+    const bool isFrequent = name == "notified" || name == "sighted";
+    if (!isFrequent || RunLoop::main().now() >= flushed_ + longestInMemory) flush();
+}
+
+void TraceRecorder::end() {
+    if (!isRecording()) return;
+    Dictionary members = stamped();
+    members.set("end", true);
+    writeLine(members);
+    flush();
+    std::fclose(std::exchange(file_, nullptr));
+    if (recording == this) recording = nullptr;
+}
+
+void TraceRecorder::writeLine(const Dictionary& members) {
+    using enum JSONSerialization::WritingOptions;
+    const std::string line = JSONSerialization::text(members, withoutEscapingSlashes) + '\n';
+    std::fwrite(line.data(), 1, line.size(), file_);
+}
+
+void TraceRecorder::flush() {
+    flushed_ = RunLoop::main().now();
+    std::fflush(file_);
+    if (std::ferror(file_) && !error_) error_ = writingError(path_);
+}
+
+Any TraceRecorder::peripheral(const UUID& identifier) {
+    if (identifiers_ == RadioTrace::Identifiers::full) return identifier.uuidString();
+    const auto next = static_cast<std::uint32_t>(numbers_.size() + 1);
+    return numbers_.try_emplace(identifier, next).first->second;
+}
+
+std::string TraceRecorder::masked(std::string text) const {
+    if (identifiers_ == RadioTrace::Identifiers::full) return text;
+    for (std::size_t i = 0; i + 17 <= text.size(); ++i) {
+        if (!isAddress(std::string_view(text).substr(i, 17))) continue;
+        for (std::size_t j = 0; j < 15; ++j)
+            if (j % 3 != 2) text[i + j] = 'x';
+    }
+    return text;
+}
+
+}  // namespace InkoraKit

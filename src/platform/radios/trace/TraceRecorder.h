@@ -1,0 +1,53 @@
+#pragma once
+
+#include <InkoraKit/virtual/RadioTrace.h>
+
+#include "platform/bluetooth/radio.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace InkoraKit {
+
+/// The file that a trace is written to, from the opening of it to its end.
+///
+/// A burst of values costs no call of the system each: they wait in memory for the next line of
+/// another kind, at most a second if there is any line at all by then.
+class TraceRecorder {
+public:
+    TraceRecorder(const std::string& path, RadioTrace::Identifiers identifiers);
+    ~TraceRecorder();
+    TraceRecorder(const TraceRecorder&) = delete;
+    TraceRecorder& operator=(const TraceRecorder&) = delete;
+
+    bool isRecording() const noexcept { return file_ != nullptr; }
+    /// Times count from now on.
+    void begin();
+    /// Writes a line that begins with its time and with what it is: `do` or `event` and a name.
+    void write(std::string_view kind, std::string_view name, const Dictionary& fields = {});
+    void end();
+    const std::optional<NSError>& error() const noexcept { return error_; }
+
+    /// A peripheral, and a text that may hold addresses, as they are to be written.
+    Any peripheral(const UUID& identifier);
+    std::string masked(std::string text) const;
+
+private:
+    Dictionary stamped() const;
+    void writeLine(const Dictionary& members);
+    void flush();
+
+    std::string path_;
+    RadioTrace::Identifiers identifiers_;
+    std::FILE* file_;  // null once the trace has ended
+    double began_ = 0;
+    double flushed_ = 0;  // when
+    std::unordered_map<UUID, std::uint32_t> numbers_;
+    std::optional<NSError> error_;
+};
+
+}  // namespace InkoraKit
