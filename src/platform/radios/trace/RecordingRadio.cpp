@@ -53,14 +53,6 @@ RecordingRadio::~RecordingRadio() {
 
 // Commands
 
-template <class... Handle>
-void RecordingRadio::command(const char* name, const UUID& peripheral, Handle... handle) {
-    if (!isRecording()) return;
-    Dictionary fields{{"peripheral", recorder_->peripheral(peripheral)}};
-    (fields.set("handle", handle), ...);
-    recorder_->write("do", name, fields);
-}
-
 void RecordingRadio::start(RadioListener& listener) {
     listener_ = &listener;
     recorder_->begin();
@@ -114,12 +106,6 @@ void RecordingRadio::readRSSI(const UUID& peripheral) {
 
 // Events
 
-void RecordingRadio::event(const char* name, const UUID& peripheral, const Dictionary& more) {
-    Dictionary fields{{"peripheral", recorder_->peripheral(peripheral)}};
-    for (const auto& [key, value] : more) fields.set(key, value);
-    recorder_->write("event", name, fields);
-}
-
 Any RecordingRadio::masked(const std::optional<std::string>& text) const {
     return text ? Any(recorder_->masked(*text)) : Any();
 }
@@ -136,7 +122,7 @@ Any RecordingRadio::shown(const std::optional<NSError>& error) const {
 void RecordingRadio::adapterStateChanged(CBManagerState state) {
     const CBManagerStateReason reason = stateReason();
     const bool isWhy = reason != CBManagerStateReason::none;
-    recorder_->write("event", "state",
+    recorder_->write("event", "state", nullptr,
                      {{"state", stateName(state)},
                       {"reason", isWhy ? Any(printed(reason)) : Any()},
                       {"noRSSI", ifTrue(!capabilities().canReadRSSI)}});

@@ -50,10 +50,16 @@ private:
                   const std::optional<NSError>& error) override;
 
     bool isRecording() const { return recorder_->isRecording(); }
-    void command(const char* name) { recorder_->write("do", name); }
-    template <class... Handle>
-    void command(const char* name, const UUID& peripheral, Handle... handle);
-    void event(const char* name, const UUID& peripheral, const Dictionary& more = {});
+    void command(const char* name) { recorder_->write("do", name, nullptr); }
+    void command(const char* name, const UUID& peripheral) {
+        recorder_->write("do", name, &peripheral);
+    }
+    void command(const char* name, const UUID& peripheral, AttributeHandle handle) {
+        recorder_->write("do", name, &peripheral, {{"handle", handle}});
+    }
+    void event(const char* name, const UUID& peripheral, TraceRecorder::Fields fields = {}) {
+        recorder_->write("event", name, &peripheral, fields);
+    }
     Any masked(const std::optional<std::string>& text) const;
     Any shown(const std::optional<NSError>& error) const;
 

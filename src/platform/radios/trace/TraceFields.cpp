@@ -13,6 +13,7 @@ namespace {
 constexpr std::array<std::string_view, 6> stateNames = {"unknown",      "resetting",  "unsupported",
                                                         "unauthorized", "poweredOff", "poweredOn"};
 constexpr int reasonCount = 7;
+constexpr double longestTrace = 1e9;  // seconds, some thirty years
 
 [[noreturn]] void fail(std::string_view key, const char* what) {
     throw TraceFault("'" + std::string(key) + "' is not " + what);
@@ -91,7 +92,7 @@ void TraceFields::expectNothingElse() const {
 
 double TraceFields::time() {
     const double time = required(taken<NSNumber>("at", "a time"), "at").doubleValue();
-    if (!(time >= 0) || !std::isfinite(time)) fail("at", "a time");
+    if (!(time >= 0 && time <= longestTrace)) fail("at", "a time");
     return time;
 }
 

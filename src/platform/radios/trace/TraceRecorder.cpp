@@ -7,6 +7,7 @@
 #include <InkoraKit/platform/JSONSerialization.h>
 #include <InkoraKit/platform/RunLoop.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -68,11 +69,13 @@ Dictionary TraceRecorder::stamped() const {
     return {{"at", std::round((RunLoop::main().now() - began_) * 1e6) / 1e6}};
 }
 
-void TraceRecorder::write(std::string_view kind, std::string_view name, const Dictionary& fields) {
+void TraceRecorder::write(std::string_view kind, std::string_view name, const UUID* peripheral,
+                          Fields fields) {
     if (!isRecording()) return;
     Dictionary members = stamped();
-    members.reserve(fields.size() + 2);
+    members.reserve(3 + fields.size());
     members.set(kind, name);
+    if (peripheral) members.set("peripheral", shown(*peripheral));
     for (const auto& [key, value] : fields)
         if (value.hasValue()) members.set(key, value);
     writeLine(members);
@@ -102,13 +105,16 @@ void TraceRecorder::flush() {
     if (std::ferror(file_) && !error_) error_ = writingError(path_);
 }
 
-Any TraceRecorder::peripheral(const UUID& identifier) {
-    if (identifiers_ == RadioTrace::Identifiers::full) return identifier.uuidString();
+Any TraceRecorder::shown(const UUID& peripheral) {
+    if (identifiers_ == RadioTrace::Identifiers::full) return peripheral.uuidString();
     const auto next = static_cast<std::uint32_t>(numbers_.size() + 1);
-    return numbers_.try_emplace(identifier, next).first->second;
+    return numbers_.try_emplace(peripheral, next).first->second;
 }
 
 std::string TraceRecorder::masked(std::string text) const {
+    if (Any(text).isObject())  // no UTF-8, which no JSON text can hold
+        std::ranges::replace_if(
+            text, [](char byte) { return (byte & 0x80) != 0; }, '?');
     if (identifiers_ == RadioTrace::Identifiers::full) return text;
     for (std::size_t i = 0; i + 17 <= text.size(); ++i) {
         if (!isAddress(std::string_view(text).substr(i, 17))) continue;

@@ -6,10 +6,12 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <memory>
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace InkoraKit {
 
@@ -27,17 +29,20 @@ public:
     bool isRecording() const noexcept { return file_ != nullptr; }
     /// Times count from now on.
     void begin();
-    /// Writes a line that begins with its time and with what it is: `do` or `event` and a name.
-    void write(std::string_view kind, std::string_view name, const Dictionary& fields = {});
+    using Fields = std::initializer_list<std::pair<std::string_view, Any>>;
+    /// Writes a line: its time, what it is (`do` or `event` and a name), what it is of if it is of
+    /// a peripheral, and those of the fields that have a value.
+    void write(std::string_view kind, std::string_view name, const UUID* peripheral,
+               Fields fields = {});
     void end();
     const std::optional<NSError>& error() const noexcept { return error_; }
 
-    /// A peripheral, and a text that may hold addresses, as they are to be written.
-    Any peripheral(const UUID& identifier);
+    /// A text that may hold addresses, as it is to be written.
     std::string masked(std::string text) const;
 
 private:
     Dictionary stamped() const;
+    Any shown(const UUID& peripheral);
     void writeLine(const Dictionary& members);
     void flush();
 
