@@ -18,8 +18,9 @@ constexpr const char* footer = R"(Examples:
 
 Exit status:
    0  done: --count or --for was reached, or ended by Ctrl-C, SIGTERM or SIGHUP
-   1  the output cannot be written
+   1  the output cannot be written, or a replay has parted from its trace
    2  the command line is wrong
+   3  a trace cannot be read or written
  3-6  json could not do what it was asked: see inkora json --help
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected
