@@ -15,11 +15,13 @@ print(os.path.relpath(folder, prefix), end="")]]
         ${CMAKE_INSTALL_PREFIX} OUTPUT_VARIABLE python_dir COMMAND_ERROR_IS_FATAL ANY)
 endif()
 
-cmake_path(ABSOLUTE_PATH library BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX})
-cmake_path(RELATIVE_PATH library BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${python_dir}/inkorakit)
-file(WRITE ${build_dir}/library-path ${library}\n)
-
 file(INSTALL ${package} DESTINATION ${CMAKE_INSTALL_PREFIX}/${python_dir}
     FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
-file(INSTALL ${build_dir}/library-path
-    DESTINATION ${CMAKE_INSTALL_PREFIX}/${python_dir}/inkorakit)
+if(library)
+    cmake_path(ABSOLUTE_PATH library BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX})
+    cmake_path(RELATIVE_PATH library
+        BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${python_dir}/inkorakit)
+    file(WRITE ${build_dir}/library-path ${library}\n)
+    file(INSTALL ${build_dir}/library-path
+        DESTINATION ${CMAKE_INSTALL_PREFIX}/${python_dir}/inkorakit)
+endif()

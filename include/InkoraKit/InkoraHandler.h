@@ -1,7 +1,6 @@
 #pragma once
 
 #include <InkoraKit/Export.h>
-#include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraProtocols.h>
 #include <InkoraKit/ManagerState.h>
 #include <InkoraKit/platform/CBCentralManager.h>
@@ -218,11 +217,6 @@ private:
     static const std::shared_ptr<InkoraHandler>& instance();
     std::shared_ptr<InkoraHandler> self();
 
-    /// Calls the host's receiver, if there is one, with arguments of the call's own, which last
-    /// whatever the host does meanwhile.
-    template <class... Parameters, class... Arguments>
-    void tell(void (InkoraProtocols::*call)(Parameters...), Arguments... arguments) const;
-
     void capturedColorValueChanged();
     void batteryLevelValueChanged();
     void deviceProximityValueChanged();
@@ -231,23 +225,8 @@ private:
     void reportBluetoothDisabled() const;
     bool hasHostAndPen() const;
 
-    std::weak_ptr<InkoraProtocols> delegate_;
-    std::shared_ptr<CBCentralManager> manager_;
-    std::shared_ptr<CBPeripheral> connectedPeripheral_;
-    std::shared_ptr<CBCharacteristic> batterLifeCharacterstic_;
-    std::shared_ptr<Timer> timeoutMonitor_;
-    double colorCaptureTimeout_ = InkoraConstants::CaptureColorTimeout;
-    ManagerState currentState_ = ManagerState::Unknown;
-    std::string deviceName_;
-    std::string deviceUdid_;
-    bool isRealDevice_ = true;
-    bool isAutoPairEnabled_ = true;
-    bool isReScanNeeded_ = true;
-    bool isBatteryInfoRequested_ = false;
-    bool isProximityInfoRequested_ = false;
-    std::optional<std::string> capturedColorValue_;
-    std::optional<std::int64_t> batteryLevelValue_;
-    std::optional<std::int64_t> deviceProximityValue_;
+    struct Fields;
+    std::unique_ptr<Fields> fields_;
 };
 
 }  // namespace InkoraKit

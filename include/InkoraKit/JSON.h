@@ -121,7 +121,7 @@ public:
     void setObject(Any object) &;
 
     /// What the value is.
-    Type type() const noexcept;
+    inline Type type() const noexcept;
     /// Why this value is not what was asked for.
     std::optional<NSError> error() const;
     /// Whether this is not the result of asking for what is not there. A JSON null is there.
@@ -171,7 +171,7 @@ public:
     std::string stringValue() const;
     /// Of a text the text, without copying it; of anything else nothing. It lives as long as this
     /// value, and until that changes.
-    std::string_view stringView() const& noexcept;
+    inline std::string_view stringView() const& noexcept;
     std::string_view stringView() && = delete;  // it would not outlive the expression
     /// Becomes the text.
     void setStringValue(std::string_view value) &;
@@ -291,10 +291,10 @@ public:
     const JSON* find(const Steps&... steps) && = delete;  // it would not outlive the expression
 
     /// The elements of an array; of anything else none.
-    JSONElements elements() const& noexcept;
+    inline JSONElements elements() const& noexcept;
     JSONElements elements() && = delete;  // they would not outlive the expression
     /// The members of a dictionary in their order; of anything else none.
-    JSONMembers members() const& noexcept;
+    inline JSONMembers members() const& noexcept;
     JSONMembers members() && = delete;  // they would not outlive the expression
 
     // The value as a collection of its elements or members. Other types have none.
@@ -315,11 +315,11 @@ public:
 
     /// `for (const auto& [key, value] : json)`; the keys of an array are "0", "1", …
     /// The contents are those at the start of the loop, whatever it does to the value.
-    const_iterator begin() const;
+    inline const_iterator begin() const;
     /// Where such a loop ends.
-    const_iterator end() const noexcept;
+    inline const_iterator end() const noexcept;
     /// How many elements or members there are.
-    std::size_t count() const noexcept;
+    inline std::size_t count() const noexcept;
     /// The same.
     std::size_t size() const noexcept { return count(); }
     /// Whether there are none.

@@ -6,7 +6,7 @@
 
 namespace InkoraKit {
 
-struct JSON::Aside {
+struct [[gnu::visibility("hidden")]] JSON::Aside {
     Any contents;           // what the value is
     std::int64_t code = 0;  // of the error; 0 without one
     JSONKey step = 0;       // that failed

@@ -39,7 +39,7 @@ void InkoraHandler::batteryLevelReceived(const std::shared_ptr<CBCharacteristic>
 void InkoraHandler::batteryLevelValueChanged() {
     printThisLineToConsole("Indicated new battery level");
     if (!hasHostAndPen() || !isBatteryInfoRequested()) return;
-    tell(&InkoraProtocols::didPeripheralIndicated, *unwrap(batteryLevelValue()));
+    tell(delegate(), &InkoraProtocols::didPeripheralIndicated, *unwrap(batteryLevelValue()));
     setIsBatteryInfoRequested(false);
 }
 
@@ -52,7 +52,7 @@ void InkoraHandler::peripheralDidReadRSSI(const std::shared_ptr<CBPeripheral>&,
 void InkoraHandler::deviceProximityValueChanged() {
     printThisLineToConsole("Sensored new proximity value");
     if (!hasHostAndPen() || !isProximityInfoRequested()) return;
-    tell(&InkoraProtocols::didPeripheralSensored, *unwrap(deviceProximityValue()));
+    tell(delegate(), &InkoraProtocols::didPeripheralSensored, *unwrap(deviceProximityValue()));
     setIsProximityInfoRequested(false);
 }
 
@@ -70,7 +70,7 @@ void InkoraHandler::requestBluetoothSignalInfo() {
 
 void InkoraHandler::requestDeviceGeneralInfo() {
     printThisLineToConsole("requestDeviceGeneralInfo");
-    tell(&InkoraProtocols::didPeripheralProvided, deviceName(), deviceUdid());
+    tell(delegate(), &InkoraProtocols::didPeripheralProvided, deviceName(), deviceUdid());
 }
 
 void InkoraHandler::resetDeviceInfoCache() {

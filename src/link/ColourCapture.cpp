@@ -1,3 +1,4 @@
+#include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraHandler.h>
 #include <InkoraKit/platform/NumberFormatter.h>
 
@@ -90,7 +91,7 @@ void InkoraHandler::capturedColorValueChanged() {
     printThisLineToConsole(red);
     printThisLineToConsole(green);
     printThisLineToConsole(blue);
-    tell(&InkoraProtocols::didPeripheralCaptured, UIColor(red, green, blue, 1.0));
+    tell(delegate(), &InkoraProtocols::didPeripheralCaptured, UIColor(red, green, blue, 1.0));
 }
 
 bool InkoraHandler::hasHostAndPen() const {

@@ -1,3 +1,4 @@
+#include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraErrorCodes.h>
 #include <InkoraKit/InkoraErrorDomain.h>
 #include <InkoraKit/InkoraHandler.h>
@@ -49,7 +50,7 @@ void InkoraHandler::connectTimeout() {
     setCurrentState(ManagerState::DeviceDiscoveryTimedout);
     setTimeoutMonitor(nullptr);
     stopScanPeripheral();
-    tell(&InkoraProtocols::didFailedToInterrogate,
+    tell(delegate(), &InkoraProtocols::didFailedToInterrogate,
          NSError(std::string(InkoraErrorDomain::DeviceConnectionTimeout),
                  InkoraErrorCodes::deviceConnectionTimeout));
 }
@@ -68,7 +69,7 @@ void InkoraHandler::centralManagerDidConnectPeripheral(
 void InkoraHandler::BluetoothDeviceConnected() {
     printThisLineToConsole("BluetoothDeviceConnected");
     setCurrentState(ManagerState::DeviceConnected);
-    tell(&InkoraProtocols::didConnectedToPeripheral);
+    tell(delegate(), &InkoraProtocols::didConnectedToPeripheral);
 }
 
 void InkoraHandler::centralManagerDidFailToConnectPeripheral(CBCentralManager&,
@@ -82,7 +83,7 @@ void InkoraHandler::BluetoothDeviceFailedToConnect() {
     printThisLineToConsole("BluetoothDeviceFailedToConnect");
     setCurrentState(ManagerState::DeviceFailedToConnect);
     stopScanPeripheral();
-    tell(&InkoraProtocols::didFailedToInterrogate,
+    tell(delegate(), &InkoraProtocols::didFailedToInterrogate,
          NSError(std::string(InkoraErrorDomain::DeviceFailedToConnect),
                  InkoraErrorCodes::deviceFailedToConnect));
 }
@@ -100,7 +101,7 @@ void InkoraHandler::BluetoothDeviceDisconnected(bool isRescanNeeded) {
     setCurrentState(ManagerState::DeviceDisconnected);
     // A stop suppresses the rescan of the one disconnection that it causes.
     setIsReScanNeeded(true);
-    tell(&InkoraProtocols::didDisconnectPeripheral);
+    tell(delegate(), &InkoraProtocols::didDisconnectPeripheral);
     if (isRescanNeeded) startScanPeripheral();
 }
 

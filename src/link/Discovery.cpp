@@ -1,3 +1,4 @@
+#include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraHandler.h>
 
 #include "platform/foundation/process/Fatal.h"

@@ -1,3 +1,4 @@
+#include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraErrorCodes.h>
 #include <InkoraKit/InkoraErrorDomain.h>
 #include <InkoraKit/InkoraHandler.h>
@@ -15,6 +16,26 @@
 // stages of the link have a file each beside this one.
 namespace InkoraKit {
 
+struct InkoraHandler::Fields {
+    std::weak_ptr<InkoraProtocols> delegate;
+    std::shared_ptr<CBCentralManager> manager;
+    std::shared_ptr<CBPeripheral> connectedPeripheral;
+    std::shared_ptr<CBCharacteristic> batterLifeCharacterstic;
+    std::shared_ptr<Timer> timeoutMonitor;
+    double colorCaptureTimeout = InkoraConstants::CaptureColorTimeout;
+    ManagerState currentState = ManagerState::Unknown;
+    std::string deviceName;
+    std::string deviceUdid;
+    bool isRealDevice = true;
+    bool isAutoPairEnabled = true;
+    bool isReScanNeeded = true;
+    bool isBatteryInfoRequested = false;
+    bool isProximityInfoRequested = false;
+    std::optional<std::string> capturedColorValue;
+    std::optional<std::int64_t> batteryLevelValue;
+    std::optional<std::int64_t> deviceProximityValue;
+};
+
 // --- the one instance ---------------------------------------------------------------------------
 
 const std::shared_ptr<InkoraHandler>& InkoraHandler::getInstance() {
@@ -27,14 +48,14 @@ const std::shared_ptr<InkoraHandler>& InkoraHandler::instance() {
     return *sharedInstance;
 }
 
-InkoraHandler::InkoraHandler() = default;
+InkoraHandler::InkoraHandler() : fields_(std::make_unique<Fields>()) {}
 
 InkoraHandler::~InkoraHandler() {
-    delegate_.reset();
-    manager_.reset();
-    connectedPeripheral_.reset();
-    batterLifeCharacterstic_.reset();
-    timeoutMonitor_.reset();
+    fields_->delegate.reset();
+    fields_->manager.reset();
+    fields_->connectedPeripheral.reset();
+    fields_->batterLifeCharacterstic.reset();
+    fields_->timeoutMonitor.reset();
 }
 
 std::shared_ptr<InkoraHandler> InkoraHandler::self() {
@@ -81,10 +102,10 @@ NSObject::Method InkoraHandler::methodForSelector(std::string_view selector) con
 // --- fields -------------------------------------------------------------------------------------
 
 std::shared_ptr<InkoraProtocols> InkoraHandler::delegate() const {
-    return delegate_.lock();
+    return fields_->delegate.lock();
 }
 void InkoraHandler::setDelegate(const std::shared_ptr<InkoraProtocols>& delegate) {
-    delegate_ = delegate;
+    fields_->delegate = delegate;
 }
 
 CBManagerStateReason InkoraHandler::bluetoothStateReason() const {
@@ -93,117 +114,117 @@ CBManagerStateReason InkoraHandler::bluetoothStateReason() const {
 }
 
 std::shared_ptr<CBCentralManager> InkoraHandler::manager() const {
-    return manager_;
+    return fields_->manager;
 }
 void InkoraHandler::setManager(const std::shared_ptr<CBCentralManager>& manager) {
-    manager_ = manager;
+    fields_->manager = manager;
 }
 
 std::shared_ptr<CBPeripheral> InkoraHandler::connectedPeripheral() const {
-    return connectedPeripheral_;
+    return fields_->connectedPeripheral;
 }
 void InkoraHandler::setConnectedPeripheral(const std::shared_ptr<CBPeripheral>& peripheral) {
-    connectedPeripheral_ = peripheral;
+    fields_->connectedPeripheral = peripheral;
 }
 
 std::shared_ptr<CBCharacteristic> InkoraHandler::batterLifeCharacterstic() const {
-    return batterLifeCharacterstic_;
+    return fields_->batterLifeCharacterstic;
 }
 void InkoraHandler::setBatterLifeCharacterstic(const std::shared_ptr<CBCharacteristic>& battery) {
-    batterLifeCharacterstic_ = battery;
+    fields_->batterLifeCharacterstic = battery;
 }
 
 std::shared_ptr<Timer> InkoraHandler::timeoutMonitor() const {
-    return timeoutMonitor_;
+    return fields_->timeoutMonitor;
 }
 void InkoraHandler::setTimeoutMonitor(const std::shared_ptr<Timer>& timer) {
-    timeoutMonitor_ = timer;
+    fields_->timeoutMonitor = timer;
 }
 
 double InkoraHandler::colorCaptureTimeout() const {
-    return colorCaptureTimeout_;
+    return fields_->colorCaptureTimeout;
 }
 void InkoraHandler::setColorCaptureTimeout(double seconds) {
-    colorCaptureTimeout_ = seconds;
+    fields_->colorCaptureTimeout = seconds;
 }
 
 ManagerState InkoraHandler::currentState() const {
-    return currentState_;
+    return fields_->currentState;
 }
 void InkoraHandler::setCurrentState(ManagerState state) {
-    currentState_ = state;
+    fields_->currentState = state;
 }
 
 const std::string& InkoraHandler::deviceName() const {
-    return deviceName_;
+    return fields_->deviceName;
 }
 void InkoraHandler::setDeviceName(const std::string& name) {
-    deviceName_ = name;
+    fields_->deviceName = name;
 }
 
 const std::string& InkoraHandler::deviceUdid() const {
-    return deviceUdid_;
+    return fields_->deviceUdid;
 }
 void InkoraHandler::setDeviceUdid(const std::string& identifier) {
-    deviceUdid_ = identifier;
+    fields_->deviceUdid = identifier;
 }
 
 bool InkoraHandler::isRealDevice() const {
-    return isRealDevice_;
+    return fields_->isRealDevice;
 }
 void InkoraHandler::setIsRealDevice(bool isRealDevice) {
-    isRealDevice_ = isRealDevice;
+    fields_->isRealDevice = isRealDevice;
 }
 
 bool InkoraHandler::isAutoPairEnabled() const {
-    return isAutoPairEnabled_;
+    return fields_->isAutoPairEnabled;
 }
 void InkoraHandler::setIsAutoPairEnabled(bool isEnabled) {
-    isAutoPairEnabled_ = isEnabled;
+    fields_->isAutoPairEnabled = isEnabled;
 }
 
 bool InkoraHandler::isReScanNeeded() const {
-    return isReScanNeeded_;
+    return fields_->isReScanNeeded;
 }
 void InkoraHandler::setIsReScanNeeded(bool isNeeded) {
-    isReScanNeeded_ = isNeeded;
+    fields_->isReScanNeeded = isNeeded;
 }
 
 bool InkoraHandler::isBatteryInfoRequested() const {
-    return isBatteryInfoRequested_;
+    return fields_->isBatteryInfoRequested;
 }
 void InkoraHandler::setIsBatteryInfoRequested(bool isRequested) {
-    isBatteryInfoRequested_ = isRequested;
+    fields_->isBatteryInfoRequested = isRequested;
 }
 
 bool InkoraHandler::isProximityInfoRequested() const {
-    return isProximityInfoRequested_;
+    return fields_->isProximityInfoRequested;
 }
 void InkoraHandler::setIsProximityInfoRequested(bool isRequested) {
-    isProximityInfoRequested_ = isRequested;
+    fields_->isProximityInfoRequested = isRequested;
 }
 
 const std::optional<std::string>& InkoraHandler::capturedColorValue() const {
-    return capturedColorValue_;
+    return fields_->capturedColorValue;
 }
 void InkoraHandler::setCapturedColorValue(const std::optional<std::string>& value) {
-    capturedColorValue_ = value;
+    fields_->capturedColorValue = value;
     capturedColorValueChanged();
 }
 
 std::optional<std::int64_t> InkoraHandler::batteryLevelValue() const {
-    return batteryLevelValue_;
+    return fields_->batteryLevelValue;
 }
 void InkoraHandler::setBatteryLevelValue(std::optional<std::int64_t> level) {
-    batteryLevelValue_ = level;
+    fields_->batteryLevelValue = level;
     batteryLevelValueChanged();
 }
 
 std::optional<std::int64_t> InkoraHandler::deviceProximityValue() const {
-    return deviceProximityValue_;
+    return fields_->deviceProximityValue;
 }
 void InkoraHandler::setDeviceProximityValue(std::optional<std::int64_t> proximity) {
-    deviceProximityValue_ = proximity;
+    fields_->deviceProximityValue = proximity;
     deviceProximityValueChanged();
 }
 
@@ -262,7 +283,7 @@ void InkoraHandler::centralManagerDidUpdateState(CBCentralManager& central) {
 }
 
 void InkoraHandler::reportBluetoothDisabled() const {
-    tell(&InkoraProtocols::didFailToConnectWithBlueTooth,
+    tell(delegate(), &InkoraProtocols::didFailToConnectWithBlueTooth,
          NSError(std::string(InkoraErrorDomain::BlueToothNotEnabled),
                  InkoraErrorCodes::inSufficientResources));
 }

@@ -23,7 +23,8 @@
 ///
 /// Callbacks return: a jump out of one (longjmp) leaves the kit in pieces.
 
-#include <InkoraKit/Export.h>
+#include <InkoraKit/Version.h>
+#include <InkoraKit/c/Export.h>
 
 #include <stdbool.h>
 #include <stddef.h>
@@ -63,7 +64,8 @@ INKORA_EXPORT const char* inkora_status_text(int status);
 /// next call on this thread.
 INKORA_EXPORT const char* inkora_last_error(void);
 
-/// The version of the library that is running, as "1.0.0". Lasts for ever. Any thread.
+/// The version of the library that is running, as "1.0.0"; that of these headers is in Version.h.
+/// Lasts for ever. Any thread.
 INKORA_EXPORT const char* inkora_version(void);
 
 // --- the receiver -------------------------------------------------------------------------------

@@ -208,10 +208,13 @@ private:
         virtual std::string description() const = 0;
     };
 
+    // Hidden: each library has its own of the types that it keeps.
     template <class T>
-    struct ObjectOf final : Object {
+    struct [[gnu::visibility("hidden")]] ObjectOf final : Object {
         explicit ObjectOf(T kept) : value(std::move(kept)) {}
-        const std::type_info& type() const noexcept override { return typeid(T); }
+        const std::type_info& type() const noexcept override {
+            return typeid(T);
+        }
         bool equals(const Object& other) const override {
             if constexpr (requires { value.isEqual(value); }) {
                 return other.type() == typeid(T) && value.isEqual(of(other));

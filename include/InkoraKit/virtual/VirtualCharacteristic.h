@@ -6,9 +6,8 @@
 #include <InkoraKit/platform/NSError.h>
 
 #include <cstdint>
-#include <deque>
+#include <memory>
 #include <optional>
-#include <utility>
 
 namespace InkoraKit {
 
@@ -26,16 +25,22 @@ public:
     explicit VirtualCharacteristic(const CBUUID& uuid, std::optional<Data> value = Data(),
                                    std::uint32_t properties = readable | notifiable);
 
+    ~VirtualCharacteristic();
+
+    /// Neither copied nor moved: its peripheral knows it by its address.
+    VirtualCharacteristic(const VirtualCharacteristic&) = delete;
+    VirtualCharacteristic& operator=(const VirtualCharacteristic&) = delete;
+
     /// The type, by which hosts find it.
-    const CBUUID& uuid() const noexcept { return uuid_; }
+    const CBUUID& uuid() const noexcept;
 
     /// Reading one that is not readable fails, and so does subscribing to one that neither notifies
     /// nor indicates.
-    std::uint32_t properties() const noexcept { return properties_; }
+    std::uint32_t properties() const noexcept;
 
     /// What reads are answered with. Where it is absent they succeed, yet bring no value.
-    const std::optional<Data>& value() const noexcept { return value_; }
-    void setValue(std::optional<Data> value) { value_ = std::move(value); }
+    const std::optional<Data>& value() const noexcept;
+    void setValue(std::optional<Data> value);
 
     /// Scripts the answer of one read, in place of the value. Scripted answers are used up in the
     /// order in which they were added.
@@ -44,23 +49,14 @@ public:
 
     /// Seconds that a read takes beyond the peripheral's answer delay, 0 at first. One that
     /// outlasts the link is a read never answered.
-    double readDelay() const noexcept { return readDelay_; }
-    void setReadDelay(double seconds) { readDelay_ = seconds; }
+    double readDelay() const noexcept;
+    void setReadDelay(double seconds);
 
 private:
     friend class VirtualLink;
 
-    struct ReadAnswer {
-        std::optional<Data> value;
-        std::optional<NSError> error;
-    };
-    ReadAnswer nextReadAnswer();
-
-    CBUUID uuid_;
-    std::uint32_t properties_;
-    std::optional<Data> value_;
-    std::deque<ReadAnswer> script_;
-    double readDelay_ = 0;
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
 }  // namespace InkoraKit

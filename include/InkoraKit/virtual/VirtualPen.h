@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <random>
 
 namespace InkoraKit {
 
@@ -27,8 +26,8 @@ public:
     ~VirtualPen() override;
 
     /// The pen's two characteristics, to script what else it may send.
-    const std::shared_ptr<VirtualCharacteristic>& colour() const noexcept { return colour_; }
-    const std::shared_ptr<VirtualCharacteristic>& battery() const noexcept { return battery_; }
+    const std::shared_ptr<VirtualCharacteristic>& colour() const noexcept;
+    const std::shared_ptr<VirtualCharacteristic>& battery() const noexcept;
 
     /// Captures a colour: it becomes the colour characteristic's value and is notified.
     void capture(std::uint8_t red, std::uint8_t green, std::uint8_t blue);
@@ -47,10 +46,8 @@ public:
 private:
     void scheduleCapture(double interval);
 
-    std::shared_ptr<VirtualCharacteristic> colour_;
-    std::shared_ptr<VirtualCharacteristic> battery_;
-    std::mt19937 random_;
-    std::shared_ptr<Timer> captureTimer_;
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
 }  // namespace InkoraKit

@@ -18,7 +18,6 @@
 
 namespace InkoraKit {
 
-class Timer;
 class VirtualLink;
 class VirtualRadio;
 
@@ -47,20 +46,20 @@ public:
     VirtualPeripheral& operator=(const VirtualPeripheral&) = delete;
 
     /// What a central manager knows it by.
-    const UUID& identifier() const noexcept { return identifier_; }
+    const UUID& identifier() const noexcept;
 
     // Advertising
 
     /// What it sends out from now on. A scan that has reported it reports a changed name, and
     /// nothing else of it.
-    const VirtualAdvertisement& advertisement() const noexcept { return advertisement_; }
+    const VirtualAdvertisement& advertisement() const noexcept;
     void setAdvertisement(VirtualAdvertisement advertisement);
     /// Changes the advertised name alone; absent: the advertisement has none.
     void setName(std::optional<std::string> name);
 
     /// Whether it advertises at all, true at first. One that does not answers no attempt to
     /// connect.
-    bool isAdvertising() const noexcept { return advertising_; }
+    bool isAdvertising() const noexcept;
     void setAdvertising(bool on);
 
     /// Sends one advertisement at once, which every running scan reports even if it has reported
@@ -69,14 +68,14 @@ public:
 
     /// The name that it tells of itself over a link, which systems remember (its GAP device name).
     /// Absent at first: then only the advertised one is known.
-    const std::optional<std::string>& gapName() const noexcept { return gapName_; }
+    const std::optional<std::string>& gapName() const noexcept;
     void setGapName(std::optional<std::string> name);
 
     // Signal
 
     /// Signal strength in dBm, -60 at first; 127 for one that the system cannot tell.
-    int rssi() const noexcept { return rssi_; }
-    void setRSSI(int rssi) { rssi_ = rssi; }
+    int rssi() const noexcept;
+    void setRSSI(int rssi);
     /// Sets the signal strength that goes with the proximity. Out of range it stays as it was, but
     /// the peripheral is not heard, attempts to connect to it wait, and what it and the central say
     /// to each other is held back. It goes on when the peripheral returns before the supervision
@@ -87,10 +86,10 @@ public:
 
     /// How attempts to connect are answered, accepted at first, and after what time, 0 at first.
     void setConnectAnswer(VirtualConnectAnswer answer);
-    void setConnectDelay(double seconds) { connectDelay_ = seconds; }
+    void setConnectDelay(double seconds);
 
     /// Whether it has a link.
-    bool isConnected() const noexcept { return link_ != nullptr; }
+    bool isConnected() const noexcept;
 
     /// Closes the link from this side; the central is told at once (CBErrorDomain 7).
     void dropLink();
@@ -98,7 +97,7 @@ public:
     /// time-out has passed (CBErrorDomain 6). From then on it advertises again.
     void loseLink();
     /// Seconds of silence after which a link counts as lost, 4 at first.
-    void setSupervisionTimeout(double seconds) { supervisionTimeout_ = seconds; }
+    void setSupervisionTimeout(double seconds);
 
     // Services
 
@@ -106,15 +105,15 @@ public:
     /// (a Service Changed indication, Bluetooth Core Specification, Vol 3, Part G, 7.1): a service
     /// that is not the same as before, characteristics and all, is invalid, and a subscription goes
     /// on with the characteristic of the same UUID in a new service of the same UUID.
-    const std::vector<VirtualService>& services() const noexcept { return services_; }
+    const std::vector<VirtualService>& services() const noexcept;
     void setServices(std::vector<VirtualService> services);
 
     /// Makes the next discovery, of services or of characteristics, fail.
-    void failNextDiscovery(const NSError& error) { discoveryError_ = error; }
+    void failNextDiscovery(const NSError& error);
 
     /// Seconds that each request over the link takes, 0 at first. Requests are answered one after
     /// the other, in the order made.
-    void setAnswerDelay(double seconds) { answerDelay_ = seconds; }
+    void setAnswerDelay(double seconds);
 
     /// Notifies a subscribed central of any value, also of none; without one nothing happens. The
     /// characteristic's own value, which reads are answered with, stays as it is.
@@ -134,23 +133,8 @@ private:
     void changed();
     void endLink(const std::optional<NSError>& error);
 
-    UUID identifier_;
-    VirtualAdvertisement advertisement_;
-    std::optional<std::string> gapName_;
-    std::vector<VirtualService> services_;
-    VirtualConnectAnswer connectAnswer_ = VirtualConnectAnswer::accept;
-    std::optional<NSError> discoveryError_;
-    double connectDelay_ = 0;
-    double answerDelay_ = 0;
-    double supervisionTimeout_ = 4;
-    int rssi_ = -60;
-    bool inRange_ = true;
-    bool advertising_ = true;
-    bool gapNameKnown_ = false;
-
-    VirtualRadio* radio_ = nullptr;  // null unless added
-    std::shared_ptr<VirtualLink> link_;
-    std::shared_ptr<Timer> advertisingTimer_;  // only while a scan could hear it
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
 }  // namespace InkoraKit

@@ -4,7 +4,9 @@
 #include <InkoraKit/virtual/VirtualRadio.h>
 
 #include "platform/radios/virtual/Cancel.h"
+#include "platform/radios/virtual/VirtualCharacteristicState.h"
 #include "platform/radios/virtual/VirtualErrors.h"
+#include "platform/radios/virtual/VirtualPeripheralState.h"
 
 #include <algorithm>
 #include <utility>
@@ -55,7 +57,7 @@ void VirtualLink::read(AttributeHandle handle) {
         if (!characteristic)
             return listener_.valueRead(peripheral_.identifier(), handle, std::nullopt,
                                        virtualErrors::invalidHandle());
-        auto [value, error] = characteristic->sent->nextReadAnswer();
+        auto [value, error] = characteristic->sent->state_->nextReadAnswer();
         listener_.valueRead(peripheral_.identifier(), handle, std::move(value), error);
     });
 }
@@ -80,7 +82,7 @@ void VirtualLink::subscribe(AttributeHandle handle, bool on) {
 
 void VirtualLink::readRSSI() {
     ask(0, [this] {
-        if (!peripheral_.radio_->canReadRSSI() || peripheral_.rssi() == unknownRSSI)
+        if (!peripheral_.state_->radio->canReadRSSI() || peripheral_.rssi() == unknownRSSI)
             return listener_.rssiRead(peripheral_.identifier(), std::nullopt,
                                       virtualErrors::rssiUnavailable());
         listener_.rssiRead(peripheral_.identifier(), peripheral_.rssi(), std::nullopt);
@@ -88,11 +90,11 @@ void VirtualLink::readRSSI() {
 }
 
 std::optional<NSError> VirtualLink::takeDiscoveryError() {
-    return std::exchange(peripheral_.discoveryError_, std::nullopt);
+    return std::exchange(peripheral_.state_->discoveryError, std::nullopt);
 }
 
 void VirtualLink::ask(double extraDelay, std::function<void()> answer) {
-    requests_.push_back({peripheral_.answerDelay_ + extraDelay, std::move(answer)});
+    requests_.push_back({peripheral_.state_->answerDelay + extraDelay, std::move(answer)});
     scheduleRequest();
 }
 
@@ -213,7 +215,7 @@ void VirtualLink::reportName(const std::string& name) {
 // The end
 
 bool VirtualLink::carries() const {
-    return phase_ == Phase::open && peripheral_.inRange_;
+    return phase_ == Phase::open && peripheral_.state_->inRange;
 }
 
 void VirtualLink::close() {
@@ -234,7 +236,7 @@ void VirtualLink::rangeChanged() {
         scheduleRequest();
         sendHeldBack();
     } else if (!endTimer_) {
-        endTimer_ = Timer::scheduledTimer(peripheral_.supervisionTimeout_, [this] {
+        endTimer_ = Timer::scheduledTimer(peripheral_.state_->supervisionTimeout, [this] {
             peripheral_.endLink(virtualErrors::linkTimedOut());
         });
     }

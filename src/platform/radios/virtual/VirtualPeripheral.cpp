@@ -4,6 +4,7 @@
 #include "platform/bluetooth/RadioErrors.h"
 #include "platform/radios/virtual/Cancel.h"
 #include "platform/radios/virtual/VirtualLink.h"
+#include "platform/radios/virtual/VirtualPeripheralState.h"
 
 #include <utility>
 
@@ -33,65 +34,90 @@ UUID identifierFor(const std::string& name, std::uint64_t serialNumber) {
 }  // namespace
 
 VirtualPeripheral::VirtualPeripheral(std::string name, std::uint64_t serialNumber)
-    : identifier_(identifierFor(name, serialNumber)),
-      advertisement_{.localName = std::move(name)} {}
+    : state_(new State{.identifier = identifierFor(name, serialNumber),
+                       .advertisement = {.localName = std::move(name)}}) {}
 
 VirtualPeripheral::~VirtualPeripheral() {
-    cancel(advertisingTimer_);
+    cancel(state_->advertisingTimer);
+}
+
+const UUID& VirtualPeripheral::identifier() const noexcept {
+    return state_->identifier;
 }
 
 // Advertising
 
+const VirtualAdvertisement& VirtualPeripheral::advertisement() const noexcept {
+    return state_->advertisement;
+}
+
 void VirtualPeripheral::setAdvertisement(VirtualAdvertisement advertisement) {
-    advertisement_ = std::move(advertisement);
+    state_->advertisement = std::move(advertisement);
     changed();
 }
 
 void VirtualPeripheral::setName(std::optional<std::string> name) {
-    advertisement_.localName = std::move(name);
+    state_->advertisement.localName = std::move(name);
+}
+
+bool VirtualPeripheral::isAdvertising() const noexcept {
+    return state_->advertising;
 }
 
 void VirtualPeripheral::setAdvertising(bool on) {
-    advertising_ = on;
+    state_->advertising = on;
     changed();
 }
 
 void VirtualPeripheral::advertiseAgain() {
-    if (isHeard()) radio_->hear(*this, true);
+    if (isHeard()) state_->radio->hear(*this, true);
+}
+
+const std::optional<std::string>& VirtualPeripheral::gapName() const noexcept {
+    return state_->gapName;
 }
 
 void VirtualPeripheral::setGapName(std::optional<std::string> name) {
-    gapName_ = std::move(name);
-    gapNameKnown_ = false;
-    if (link_ && gapName_) {
-        gapNameKnown_ = true;
-        link_->reportName(*gapName_);
+    state_->gapName = std::move(name);
+    state_->gapNameKnown = false;
+    if (state_->link && state_->gapName) {
+        state_->gapNameKnown = true;
+        state_->link->reportName(*state_->gapName);
     }
 }
 
 void VirtualPeripheral::advertise() {
-    advertisingTimer_ = Timer::scheduledTimer(advertisement_.interval, [this] { advertise(); });
-    radio_->hear(*this, false);
+    state_->advertisingTimer =
+        Timer::scheduledTimer(state_->advertisement.interval, [this] { advertise(); });
+    state_->radio->hear(*this, false);
 }
 
 bool VirtualPeripheral::isHeard() const {
-    return radio_ && radio_->state() == CBManagerState::poweredOn && inRange_ && advertising_ &&
-           !link_;
+    return state_->radio && state_->radio->state() == CBManagerState::poweredOn &&
+           state_->inRange && state_->advertising && !state_->link;
 }
 
 // Signal
 
+int VirtualPeripheral::rssi() const noexcept {
+    return state_->rssi;
+}
+
+void VirtualPeripheral::setRSSI(int rssi) {
+    state_->rssi = rssi;
+}
+
 void VirtualPeripheral::setProximity(VirtualProximity proximity) {
-    inRange_ = proximity != VirtualProximity::outOfRange;
+    state_->inRange = proximity != VirtualProximity::outOfRange;
     switch (proximity) {
         case VirtualProximity::immediate:
-            rssi_ = -40;
+            state_->rssi = -40;
             break;
         case VirtualProximity::near:
-            rssi_ = -70;
+            state_->rssi = -70;
             break;
         case VirtualProximity::far:
-            rssi_ = -100;
+            state_->rssi = -100;
             break;
         case VirtualProximity::outOfRange:
             break;
@@ -102,13 +128,25 @@ void VirtualPeripheral::setProximity(VirtualProximity proximity) {
 // Connecting
 
 void VirtualPeripheral::setConnectAnswer(VirtualConnectAnswer answer) {
-    connectAnswer_ = answer;
+    state_->connectAnswer = answer;
     changed();
 }
 
+void VirtualPeripheral::setConnectDelay(double seconds) {
+    state_->connectDelay = seconds;
+}
+
+bool VirtualPeripheral::isConnected() const noexcept {
+    return state_->link != nullptr;
+}
+
+void VirtualPeripheral::setSupervisionTimeout(double seconds) {
+    state_->supervisionTimeout = seconds;
+}
+
 bool VirtualPeripheral::answersConnect() const {
-    return isHeard() && advertisement_.isConnectable &&
-           connectAnswer_ != VirtualConnectAnswer::none;
+    return isHeard() && state_->advertisement.isConnectable &&
+           state_->connectAnswer != VirtualConnectAnswer::none;
 }
 
 void VirtualPeripheral::dropLink() {
@@ -116,40 +154,53 @@ void VirtualPeripheral::dropLink() {
 }
 
 void VirtualPeripheral::loseLink() {
-    if (link_) link_->lose();
+    if (state_->link) state_->link->lose();
 }
 
 void VirtualPeripheral::endLink(const std::optional<NSError>& error) {
-    const auto link = std::exchange(link_, nullptr);
+    const auto link = std::exchange(state_->link, nullptr);
     if (!link) return;
     changed();
     link->end(error);
 }
 
 void VirtualPeripheral::changed() {
-    if (link_) link_->rangeChanged();
-    if (!isHeard() || !radio_->isScanning()) {
-        cancel(advertisingTimer_);
-    } else if (!advertisingTimer_) {
-        advertisingTimer_ = Timer::scheduledTimer(advertisement_.interval, [this] { advertise(); });
+    if (state_->link) state_->link->rangeChanged();
+    if (!isHeard() || !state_->radio->isScanning()) {
+        cancel(state_->advertisingTimer);
+    } else if (!state_->advertisingTimer) {
+        state_->advertisingTimer =
+            Timer::scheduledTimer(state_->advertisement.interval, [this] { advertise(); });
     }
-    if (radio_) radio_->peripheralChanged(*this);
+    if (state_->radio) state_->radio->peripheralChanged(*this);
 }
 
 // Services
 
+const std::vector<VirtualService>& VirtualPeripheral::services() const noexcept {
+    return state_->services;
+}
+
 void VirtualPeripheral::setServices(std::vector<VirtualService> services) {
-    services_ = std::move(services);
-    if (link_) link_->servicesChanged();
+    state_->services = std::move(services);
+    if (state_->link) state_->link->servicesChanged();
+}
+
+void VirtualPeripheral::failNextDiscovery(const NSError& error) {
+    state_->discoveryError = error;
+}
+
+void VirtualPeripheral::setAnswerDelay(double seconds) {
+    state_->answerDelay = seconds;
 }
 
 void VirtualPeripheral::notify(const VirtualCharacteristic& characteristic,
                                std::optional<Data> value) {
-    if (link_) link_->notify(characteristic, std::move(value));
+    if (state_->link) state_->link->notify(characteristic, std::move(value));
 }
 
 bool VirtualPeripheral::isSubscribed(const VirtualCharacteristic& characteristic) const {
-    return link_ && link_->isSubscribed(characteristic);
+    return state_->link && state_->link->isSubscribed(characteristic);
 }
 
 }  // namespace InkoraKit

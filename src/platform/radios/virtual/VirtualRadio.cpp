@@ -2,6 +2,7 @@
 
 #include "platform/radios/virtual/VirtualErrors.h"
 #include "platform/radios/virtual/VirtualLink.h"
+#include "platform/radios/virtual/VirtualPeripheralState.h"
 #include "platform/radios/virtual/VirtualRadioPort.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ std::shared_ptr<VirtualRadio> VirtualRadio::install() {
 VirtualRadio::~VirtualRadio() {
     uninstallRadio(this);
     setState(CBManagerState::unsupported);
-    for (const auto& peripheral : peripherals_) peripheral->radio_ = nullptr;
+    for (const auto& peripheral : peripherals_) peripheral->state_->radio = nullptr;
     for (VirtualRadioPort* port : ports_) port->radioGone();
 }
 
@@ -28,17 +29,17 @@ void VirtualRadio::setState(CBManagerState state) {
     state_ = state;
     if (state_ != CBManagerState::poweredOn) {
         for (VirtualRadioPort* port : ports_) port->forgetScanAndAttempts();
-        for (const auto& peripheral : peripherals_) peripheral->link_.reset();
+        for (const auto& peripheral : peripherals_) peripheral->state_->link.reset();
     }
     everyPeripheralChanged();
     for (VirtualRadioPort* port : ports_) port->reportState();
 }
 
 void VirtualRadio::add(std::shared_ptr<VirtualPeripheral> peripheral) {
-    if (peripheral->radio_ || find(peripheral->identifier()))
+    if (peripheral->state_->radio || find(peripheral->identifier()))
         throw std::invalid_argument("a virtual peripheral with identifier " +
                                     peripheral->identifier().uuidString() + " was added already");
-    peripheral->radio_ = this;
+    peripheral->state_->radio = this;
     peripherals_.push_back(std::move(peripheral));
     peripherals_.back()->changed();
 }
@@ -49,7 +50,7 @@ void VirtualRadio::remove(const std::shared_ptr<VirtualPeripheral>& peripheral) 
     const auto removed = std::move(*entry);  // which may be what the caller's reference is to
     peripherals_.erase(entry);
     peripheralChanged(*removed);
-    removed->radio_ = nullptr;
+    removed->state_->radio = nullptr;
     removed->changed();
     removed->endLink(virtualErrors::linkTimedOut());
 }

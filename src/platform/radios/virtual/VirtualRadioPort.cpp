@@ -6,6 +6,7 @@
 #include "platform/radios/virtual/Cancel.h"
 #include "platform/radios/virtual/VirtualErrors.h"
 #include "platform/radios/virtual/VirtualLink.h"
+#include "platform/radios/virtual/VirtualPeripheralState.h"
 
 #include <array>
 #include <cstddef>
@@ -22,7 +23,8 @@ VirtualRadioPort::~VirtualRadioPort() {
     if (!radio_) return;
     std::erase(radio_->ports_, this);
     for (const auto& peripheral : radio_->peripherals_) {
-        if (peripheral->link_ && peripheral->link_->isWith(listener_)) peripheral->link_.reset();
+        if (peripheral->state_->link && peripheral->state_->link->isWith(listener_))
+            peripheral->state_->link.reset();
     }
     radio_->everyPeripheralChanged();
 }
@@ -65,7 +67,7 @@ void VirtualRadioPort::hear(const VirtualPeripheral& peripheral, bool reportEven
     if (!scanning_) return;
     const VirtualAdvertisement& sent = peripheral.advertisement();
     Sighting sighting{.identifier = peripheral.identifier(),
-                      .name = peripheral.gapNameKnown_ ? peripheral.gapName() : std::nullopt,
+                      .name = peripheral.state_->gapNameKnown ? peripheral.gapName() : std::nullopt,
                       .advertisement = {.localName = sent.localName,
                                         .serviceUUIDs = sent.serviceUUIDs,
                                         .manufacturerData = sent.manufacturerData,
@@ -96,19 +98,19 @@ void VirtualRadioPort::pursue(const UUID& identifier) {
     const auto peripheral = radio_ ? radio_->find(identifier) : nullptr;
     if (!peripheral || !peripheral->answersConnect()) return cancel(timer);
     if (timer) return;
-    timer = Timer::scheduledTimer(peripheral->connectDelay_,
+    timer = Timer::scheduledTimer(peripheral->state_->connectDelay,
                                   [this, identifier] { settle(identifier); });
 }
 
 void VirtualRadioPort::settle(const UUID& identifier) {
     attempts_.erase(identifier);
     const auto peripheral = radio_->find(identifier);
-    if (peripheral->connectAnswer_ == VirtualConnectAnswer::refuse)
+    if (peripheral->state_->connectAnswer == VirtualConnectAnswer::refuse)
         return listener_->connectionFailed(identifier, virtualErrors::connectionRefused());
 
-    peripheral->link_ = std::make_shared<VirtualLink>(*peripheral, *listener_);
+    peripheral->state_->link = std::make_shared<VirtualLink>(*peripheral, *listener_);
     peripheral->changed();
-    if (peripheral->gapName() && !std::exchange(peripheral->gapNameKnown_, true))
+    if (peripheral->gapName() && !std::exchange(peripheral->state_->gapNameKnown, true))
         listener_->nameChanged(identifier, *peripheral->gapName());
     listener_->connected(identifier);
 }
@@ -133,7 +135,7 @@ void VirtualRadioPort::forgetScanAndAttempts() {
 VirtualLink* VirtualRadioPort::linkTo(const UUID& identifier) const {
     const auto peripheral = radio_ ? radio_->find(identifier) : nullptr;
     if (!peripheral) return nullptr;
-    VirtualLink* link = peripheral->link_.get();
+    VirtualLink* link = peripheral->state_->link.get();
     return link && link->isWith(listener_) ? link : nullptr;
 }
 
