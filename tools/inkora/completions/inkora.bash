@@ -7,13 +7,17 @@ _inkora() {
     COMPREPLY=()
 
     case $option in
-        --radio) words='system virtual' ;;
+        --radio) words='system virtual replay:' ;;
         --seed | --count | --for | --ask-every) return ;;
+        --record | :)  # a file, as in replay:FILE
+            compopt -o default
+            return
+            ;;
         *)
             case "${COMP_WORDS[*]:1:COMP_CWORD - 1} " in
                 ' ') words='watch info json --version' ;;
-                'watch '*) words='--radio --seed --count --for --ask-every --json' ;;
-                'info '*) words='--radio --seed --json' ;;
+                'watch '*) words='--radio --seed --count --for --ask-every --record --with-addresses --at-once --json' ;;
+                'info '*) words='--radio --seed --at-once --json' ;;
                 'json ') words='get set merge format' ;;
                 'json get '*) words='--raw' ;;
                 'json set '*) words='--string --in-place' ;;

@@ -3,13 +3,13 @@
 #include <InkoraKit/platform/RunLoop.h>
 #include <InkoraKit/platform/Timer.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace InkoraKit {
 namespace {
 
-// Seconds that an event waits for the commands that were given before it.
+// Seconds that an event waits for the commands that were given before it, and the end for what it
+// follows.
 constexpr double patience = 1.0;
 
 // Commands that may have been left out before one that is given counts as another one.
@@ -49,10 +49,8 @@ void TracePlayer::playIn(double seconds) {
 void TracePlayer::play() {
     const auto self = shared_from_this();  // a listener may end it
     timer_.reset();
-    isPlaying_ = true;
     while (listener_ && !isOver() && playNext()) {
     }
-    isPlaying_ = false;
     if (isOver() && whenOver) std::exchange(whenOver, nullptr)();
 }
 
@@ -72,7 +70,8 @@ bool TracePlayer::playNext() {
     }
     const auto* const event = std::get_if<TraceEvent>(&entry.what);
     // What the last events lead to is still a part of it.
-    if (!event && RunLoop::main().timeUntilDue() == 0.0) return playIn(0), false;
+    const bool isUnsettled = !event && RunLoop::main().timeUntilDue() == 0.0;
+    if (isUnsettled && now < due + patience) return playIn(0), false;
     ++nextEvent_;
     if (event) (*event)(*listener_, answers_);
     return true;
@@ -101,7 +100,7 @@ void TracePlayer::given(const TraceCommand& command) {
         }
         leftOut += recorded ? 1 : 0;
     }
-    if (!isPlaying_ && !isOver()) playIn(0);  // what has waited for it
+    if (!isOver()) playIn(0);  // what has waited for it
 }
 
 void TracePlayer::depart(const std::string& given) {

@@ -48,7 +48,6 @@ private:
     std::size_t nextCommand_ = 0;  // to be given; at the end of the trace that of it
     double began_ = 0;
     bool isTaken_ = false;
-    bool isPlaying_ = false;
     RadioListener* listener_ = nullptr;
     TraceAnswers answers_;
     std::shared_ptr<Timer> timer_;

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <mutex>
 #include <utility>
 
 namespace InkoraKit {
@@ -19,6 +20,10 @@ namespace {
 constexpr double longestInMemory = 1.0;  // seconds
 
 TraceRecorder* recording = nullptr;
+
+void endRecording() {
+    if (recording) recording->end();
+}
 
 NSError writingError(const std::string& path) {
     return NSError(NSCocoaErrorDomain, fileWriteUnknownError,
@@ -42,18 +47,20 @@ bool isAddress(std::string_view text) {
 }  // namespace
 
 TraceRecorder::TraceRecorder(const std::string& path, RadioTrace::Identifiers identifiers)
-    : path_(path), identifiers_(identifiers), file_(std::fopen(path.c_str(), "wb")) {
+    : path_(path), identifiers_(identifiers) {
+    endRecording();  // it may be of the same file
+    file_ = std::fopen(path.c_str(), "wb");
     if (!file_) throw writingError(path);
-    static const bool ends = (atProcessEnd([] {
-                                  if (recording) recording->end();
-                              }),
-                              true);
-    (void)ends;
-    if (recording) recording->end();
-    recording = this;
+    begin();
     writeLine({{"inkoraTrace", traceVersion}});
     flush();
-    if (error_) throw *error_;
+    if (error_) {
+        std::fclose(file_);
+        throw *error_;
+    }
+    recording = this;
+    static std::once_flag isRegistered;
+    std::call_once(isRegistered, [] { atProcessEnd(endRecording); });
 }
 
 TraceRecorder::~TraceRecorder() {
@@ -62,11 +69,14 @@ TraceRecorder::~TraceRecorder() {
 
 void TraceRecorder::begin() {
     began_ = RunLoop::main().now();
+    last_ = 0;
 }
 
-Dictionary TraceRecorder::stamped() const {
-    // The microsecond is as much as anybody can tell.
-    return {{"at", std::round((RunLoop::main().now() - began_) * 1e6) / 1e6}};
+Dictionary TraceRecorder::stamped() {
+    // The microsecond is as much as anybody can tell. A clock may be replaced by an earlier one.
+    const double elapsed = RunLoop::main().now() - began_;
+    last_ = std::max(last_, std::round(elapsed * 1e6) / 1e6);
+    return {{"at", last_}};
 }
 
 void TraceRecorder::write(std::string_view kind, std::string_view name, const UUID* peripheral,

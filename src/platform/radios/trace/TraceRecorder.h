@@ -41,15 +41,16 @@ public:
     std::string masked(std::string text) const;
 
 private:
-    Dictionary stamped() const;
+    Dictionary stamped();
     Any shown(const UUID& peripheral);
     void writeLine(const Dictionary& members);
     void flush();
 
     std::string path_;
     RadioTrace::Identifiers identifiers_;
-    std::FILE* file_;  // null once the trace has ended
-    double began_ = 0;
+    std::FILE* file_ = nullptr;  // null once the trace has ended
+    double began_;
+    double last_ = 0;     // the time of the last line
     double flushed_ = 0;  // when
     std::unordered_map<UUID, std::uint32_t> numbers_;
     std::optional<NSError> error_;
