@@ -42,7 +42,8 @@ std::pair<std::string, JSON> JSON::operator[](const Index& position) const {
     if (const auto index = position.arrayPosition(); isWithin(index, Type::array))
         return {std::to_string(*index), elements()[static_cast<std::size_t>(*index)]};
     if (const auto index = position.dictionaryPosition(); isWithin(index, Type::dictionary)) {
-        const auto [key, value] = *std::next(members().begin(), *index);
+        const auto [key, value] =
+            *std::next(members().begin(), static_cast<std::ptrdiff_t>(*index));
         return {std::string(key), value};
     }
     return {};

@@ -1,7 +1,7 @@
 # Runs a program and compares what it prints with a file, to the byte. It has to end with the status
 # given, else 0.
 #   cmake -DEXPECTED=FILE [-DSTATUS=NUMBER] -P Run.cmake -- PROGRAM [ARGUMENT...]
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.21)
 
 if(NOT DEFINED STATUS)
     set(STATUS 0)

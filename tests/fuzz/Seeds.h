@@ -14,7 +14,7 @@ inline std::map<std::string, std::string> seedsOf(const std::string& fuzzer) {
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(INKORA_SEEDS) / fuzzer)) {
         std::ifstream file(entry.path(), std::ios::binary);
-        seeds[entry.path().filename()] = {std::istreambuf_iterator<char>(file), {}};
+        seeds[entry.path().filename().string()] = {std::istreambuf_iterator<char>(file), {}};
     }
     return seeds;
 }

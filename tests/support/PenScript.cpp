@@ -136,8 +136,9 @@ bool PenScript::playLine(const std::string& line) {
         RadioScript::playLine(line);
         std::string first;
         std::istringstream(line) >> first;
-        if (first == "run" || first == "wait")
-            accountedFor.clear();  // whatever was malformed has been dealt with
+        // What was malformed has been dealt with, but for a colour that is too short: its
+        // characteristic keeps it, and a read that fails comes with it again.
+        if (first == "run" || first == "wait") accountedFor.erase(nilFound);
         return true;
     } catch (const HostFault&) {
         transcript.note("thrown out of the loop");

@@ -43,11 +43,13 @@ CLI::Option* addOne(CLI::App& app, const Operand& operand, std::string& text) {
 
 // CLI11 (2.1) splits operands in brackets at their commas, and looks for options behind "--", once
 // an operand has got as many as it needs. So this one needs more than there can be, and to get
-// fewer is no mistake. An operand behind it gets nothing by itself.
+// fewer is no mistake. An operand behind it gets nothing by itself. 2.4 hands a "{}" on with a mark
+// of its own behind it; among the results it is as it was given.
 CLI::Option* addMany(CLI::App& app, const Operand& operand, std::vector<std::string>& texts,
                      const Operand* last) {
     constexpr int any = CLI::detail::expected_max_vector_size;
-    const auto take = [&app, &texts, last](std::vector<std::string> given) {
+    const auto take = [&app, &operand, &texts, last](const std::vector<std::string>&) {
+        std::vector<std::string> given = app.get_option(operand.name)->results();
         if (last) {
             if (given.size() < 2) return true;
             app.get_option(last->name)->add_result(given.back());

@@ -11,7 +11,9 @@ inline std::string describedObject(const char* type, const void* object) {
     char address[2 + 2 * sizeof(std::uintptr_t) + 1];
     std::snprintf(address, sizeof address, "0x%jx",
                   static_cast<std::uintmax_t>(reinterpret_cast<std::uintptr_t>(object)));
-    return std::string("<") + type + ": " + address;
+    std::string text = "<";
+    text.append(type).append(": ").append(address);
+    return text;
 }
 
 }  // namespace InkoraKit
