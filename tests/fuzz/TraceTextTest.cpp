@@ -19,11 +19,11 @@ TEST(TraceTextFuzzTest, EveryEventIsWrittenAsItIsRead) {
                   std::regex_replace(trace, time, ""));
 }
 
-TEST(TraceTextFuzzTest, ThousandsOfBrokenTracesAreRefusedOrPlayed) {
+TEST(TraceTextFuzzTest, AThousandBrokenTracesAreRefusedOrPlayed) {
     const std::string trace = seedsOf("trace-text").at("every-event");
     std::mt19937 random(20261122);
     int played = 0;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         std::string broken = trace;
         for (auto left = 1 + random() % 3; left > 0; --left) {
             const auto position = random() % broken.size();
@@ -41,8 +41,8 @@ TEST(TraceTextFuzzTest, ThousandsOfBrokenTracesAreRefusedOrPlayed) {
         }
         played += replayTrace(broken).has_value() ? 1 : 0;
     }
-    EXPECT_GT(played, 30);
-    EXPECT_LT(played, 2970);
+    EXPECT_GT(played, 10);
+    EXPECT_LT(played, 990);
 }
 
 }  // namespace

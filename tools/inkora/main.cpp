@@ -14,6 +14,7 @@ constexpr const char* footer = R"(Examples:
   inkora watch --for 60 --ask-every 10   a minute, with battery and proximity every 10 s
   inkora info                            name, identifier, battery, proximity
   inkora watch --radio virtual           no Bluetooth and no pen needed
+  inkora watch --record t.jsonl          and later: --radio replay:t.jsonl
   inkora json get settings.json scan 0   a value in a JSON document
 
 Exit status:
