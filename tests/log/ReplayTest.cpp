@@ -1,8 +1,11 @@
 #include <InkoraKit/InkoraKit.h>
+#include <InkoraKit/platform/CBCentralManager.h>
 #include <InkoraKit/platform/RunLoop.h>
 #include <InkoraKit/virtual/RadioTrace.h>
 #include <InkoraKit/virtual/ReplayRadio.h>
 #include <InkoraKit/virtual/VirtualClock.h>
+#include <InkoraKit/virtual/VirtualPeripheral.h>
+#include <InkoraKit/virtual/VirtualRadio.h>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +16,7 @@
 #include <map>
 #include <regex>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace InkoraKit {
@@ -172,6 +176,21 @@ TEST_F(ReplayTest, WhatIsNoTraceIsRefusedWithItsLine) {
             EXPECT_EQ(error.localizedDescription(), file + ": " + fault);
         }
     }
+}
+
+TEST_F(ReplayTest, ANameThatIsNoTextIsRecordedAllTheSame) {
+    RunLoop::main().setClock(std::make_shared<VirtualClock>());
+    const auto radio = VirtualRadio::install();
+    radio->add(std::make_shared<VirtualPeripheral>("\xFF-pen"));
+    {
+        const auto recording = RadioTrace::record(file);
+        CBCentralManager central(std::weak_ptr<CBCentralManagerDelegate>{});
+        RunLoop::main().runFor(0);
+        central.scanForPeripherals();
+        RunLoop::main().runFor(0.1);
+    }
+    EXPECT_NE(contentsOf(file).find("\"localName\":\"?-pen\""), std::string::npos);
+    EXPECT_NO_THROW(std::ignore = ReplayRadio::install(file));
 }
 
 }  // namespace
