@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -46,7 +47,7 @@ std::string replaced(const std::string& text, const char* pattern, const char* r
 
 /// Without times, and without the commands, which come sooner when nobody waits.
 std::string eventsOf(const std::string& trace) {
-    return std::regex_replace(trace, std::regex("\\{\"at\":[^,]*,(\"do\"[^\\n]*\\n)?"), "");
+    return std::regex_replace(trace, std::regex(R"(\{"at":[^,]*,("do"[^\n]*\n)?)"), "");
 }
 
 class ReplayTest : public testing::Test {
@@ -111,19 +112,19 @@ TEST_F(ReplayTest, ItSaysWhereTheCommandsPart) {
     struct Case {
         const char* pattern;
         const char* replacement;
-        std::vector<std::string> departures;
+        std::vector<std::string> departures;  // the first ones; others may follow from them
     };
     const std::vector<Case> cases = {
-        // One that is not given any more, one that was not given then, another one, and the end.
-        {"\\{[^\\n]*\"stopScan\"\\}\\n", "$&$&", {"line 6: recorded stopScan, given connect 1"}},
-        {"\\{[^\\n]*\"readRSSI\"[^\\n]*\\n",
+        // One that does not come again, one that the trace lacks, another one, and none at all.
+        {R"(\{[^\n]*"stopScan"\}\n)", "$&$&", {"line 6: recorded stopScan, given connect 1"}},
+        {R"(\{[^\n]*"readRSSI"[^\n]*\n)",
          "",
          {"line 9: recorded discoverServices 1, given readRSSI 1"}},
-        {"(\"do\":\"read\"[^\\n]*:)4",
+        {R"(("do":"read"[^\n]*:)4)",
          "$019",
          {"line 15: recorded read 1 9, given read 1 4",
           "line 15: recorded read 1 9, given subscribe 1 4"}},
-        {"(\"event\":\"connected\"[^\\n]*:)1",
+        {R"(("event":"connected"[^\n]*:)1)",
          "$012",
          {"line 9: recorded readRSSI 1, given nothing",
           "line 10: recorded discoverServices 1, given nothing"}},
@@ -144,26 +145,27 @@ TEST_F(ReplayTest, WhatIsNoTraceIsRefusedWithItsLine) {
     const std::vector<Case> cases = {
         {"[^]*", "", "line 1: the file is empty."},
         {"^", "[1]\n", "line 1: no JSON object."},
-        {"Trace\":1", "Trace\":2", "line 1: a trace of version 2, of which only 1 is known."},
+        {R"(Trace":1)", R"(Trace":2)", "line 1: a trace of version 2, of which only 1 is known."},
         {"inkoraTrace", "trace", "line 1: this is no trace: the first line tells no version."},
-        {"Trace\":1", "Trace\":1,\"more\":1", "line 1: there is a member too many."},
-        {"(\"do\":\"scan\"[^]{9})[^]*", "$1", "line 4: the trace is cut off in this line."},
-        {"(\"do\":\"scan\"[^\\n]*\\n)[^]*", "$1", "line 4: the trace is cut off before its end."},
-        {"\"do\":\"scan\"\\}\\n", "$&\n", "line 4: no JSON object."},
+        {R"(Trace":1)", R"(Trace":1,"more":1)", "line 1: there is a member too many."},
+        {R"(("do":"scan"[^]{9})[^]*)", "$1", "line 4: the trace is cut off in this line."},
+        {R"(("do":"scan"[^\n]*\n)[^]*)", "$1", "line 4: the trace is cut off before its end."},
+        {R"("do":"scan"\}\n)", "$&\n", "line 4: no JSON object."},
         {"$", "{}\n", "line 27: something follows the end."},
-        {"\"stopScan\"", "\"stop\"", "line 5: there is no command 'stop'."},
-        {"\"event\":\"connected\"", "\"event\":\"up\"", "line 7: there is no event 'up'."},
-        {"\"event\":\"connected\"", "\"was\":\"connected\"",
+        {R"("stopScan")", R"("stop")", "line 5: there is no command 'stop'."},
+        {R"("event":"connected")", R"("event":"up")", "line 7: there is no event 'up'."},
+        {R"("event":"connected")", R"("was":"connected")",
          "line 7: neither a command nor an event."},
-        {"(connected\"),\"peripheral\":1", "$1", "line 7: 'peripheral' is missing."},
-        {"(connected\",\"peripheral\":)1", "$010",
+        {R"((connected"),"peripheral":1)", "$1", "line 7: 'peripheral' is missing."},
+        {R"((connected","peripheral":)1)", "$010",
          "line 7: 'peripheral' is not a number or an identifier."},
-        {"\"at\":[^,]*(,[^\\n]*connected)", "\"at\":0$1", "line 7: earlier than the line before."},
-        {"\"at\":[^,]*(,[^\\n]*connected)", "\"at\":1e300$1", "line 7: 'at' is not a time."},
-        {"\"poweredOn\"", "\"on\"", "line 2: 'state' is not a state."},
-        {"\"01ffffff\"", "\"01fff\"", "line 19: 'value' is not bytes in lower-case hexadecimal."},
-        {"\"1F14\"", "\"1F1\"", "line 13: 'uuid' is not a UUID."},
-        {"(\"properties\":)18", "$01-1", "line 13: 'properties' is not a whole number of 32 bits."},
+        {R"("at":[^,]*(,[^\n]*connected))", R"("at":0$1)", "line 7: earlier than the line before."},
+        {R"("at":[^,]*(,[^\n]*connected))", R"("at":1e300$1)", "line 7: 'at' is not a time."},
+        {R"("poweredOn")", R"("on")", "line 2: 'state' is not a state."},
+        {R"("01ffffff")", R"("01fff")", "line 19: 'value' is not bytes in lower-case hexadecimal."},
+        {R"("1F14")", R"("1F1")", "line 13: 'uuid' is not a UUID."},
+        {R"(("properties":)18)", "$01-1",
+         "line 13: 'properties' is not a whole number of 32 bits."},
     };
     for (const auto& [pattern, replacement, fault] : cases) {
         const std::string text = replaced(round, pattern, replacement);
@@ -189,7 +191,7 @@ TEST_F(ReplayTest, ANameThatIsNoTextIsRecordedAllTheSame) {
         central.scanForPeripherals();
         RunLoop::main().runFor(0.1);
     }
-    EXPECT_NE(contentsOf(file).find("\"localName\":\"?-pen\""), std::string::npos);
+    EXPECT_NE(contentsOf(file).find(R"("localName":"?-pen")"), std::string::npos);
     EXPECT_NO_THROW(std::ignore = ReplayRadio::install(file));
 }
 

@@ -56,7 +56,7 @@ TraceRecorder::TraceRecorder(const std::string& path, RadioTrace::Identifiers id
     flush();
     if (error_) {
         std::fclose(file_);
-        throw *error_;
+        throw NSError(*error_);
     }
     recording = this;
     static std::once_flag isRegistered;
