@@ -4,6 +4,8 @@
 #include "support/ScriptedRadio.h"
 
 #include <InkoraKit/InkoraKit.h>
+#include <InkoraKit/virtual/RadioTrace.h>
+#include <InkoraKit/virtual/ReplayRadio.h>
 #include <InkoraKit/virtual/VirtualClock.h>
 #include <InkoraKit/virtual/VirtualPen.h>
 #include <InkoraKit/virtual/VirtualRadio.h>
@@ -12,8 +14,10 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace InkoraKit {
 namespace {
@@ -63,7 +67,7 @@ public:
         events().characteristicsDiscovered(pen, 1, {{colour, CBUUID("1F14")}}, {});
         run();
     }
-    ~ConnectedEngine() { installRadio({}); }
+    ~ConnectedEngine() { uninstallRadio(); }
 
     void notify(std::int64_t number) { events().valueNotified(pen, colour, numbered(number)); }
 
@@ -98,10 +102,15 @@ void repeatOnRunLoop(std::int64_t count, const std::function<void(std::int64_t)>
     RunLoop::main().run();
 }
 
+std::string traceFile() {
+    return std::filesystem::temp_directory_path() / "pen-benchmark.jsonl";
+}
+
 /// From the radio port through the central manager and the engine to the host's callback: one
-/// colour a pass of the run loop, or a burst of them.
+/// colour a pass of the run loop, or a burst of them; without a recording, and with one.
 void ColourNotification(benchmark::State& state) {
     RunLoop::main().setClock(std::make_shared<SystemClock>());
+    const auto trace = state.range(1) ? RadioTrace::record(traceFile()) : nullptr;
     ConnectedEngine engine;
     const std::int64_t burst = state.range(0);
     std::int64_t sent = 0;
@@ -120,7 +129,41 @@ void ColourNotification(benchmark::State& state) {
     state.counters["allocations_per_colour"] =
         static_cast<double>(allocationCount() - before) / colours;
 }
-BENCHMARK(ColourNotification)->Arg(1)->Arg(32)->ArgName("burst");
+BENCHMARK(ColourNotification)->ArgNames({"burst", "recorded"})->ArgsProduct({{1, 32}, {0, 1}});
+
+/// A pen that is connected and sends colours, a millisecond apart: reads the trace of 10,000 events
+/// and plays it to the end, with nobody waiting.
+void ReplayOfATrace(benchmark::State& state) {
+    constexpr int events = 10'000;
+    RunLoop::main().setClock(std::make_shared<SystemClock>());
+    {
+        const auto trace = RadioTrace::record(traceFile());
+        ConnectedEngine engine;
+        for (int i = 5; i < events; ++i) {
+            RunLoop::main().runFor(0.001);
+            engine.notify(i);
+        }
+        RunLoop::main().runFor(0.001);
+    }
+    RunLoop::main().setClock(std::make_shared<VirtualClock>());
+    std::int64_t received = 0;
+    std::size_t departures = 0;
+    for (auto run : state) {
+        (void)run;
+        const auto radio = ReplayRadio::install(traceFile());
+        radio->setWhenOver([] { RunLoop::main().stop(); });
+        const auto host = std::make_shared<CountingHost>();
+        const std::shared_ptr<InkoraHandler> handler = std::make_shared<Handler>();
+        handler->publishHandler(host);
+        handler->startInkoraHandler();
+        RunLoop::main().run();
+        received = host->received;
+        departures += radio->departures().size();
+    }
+    state.counters["colours"] = static_cast<double>(received);
+    state.counters["departures"] = static_cast<double>(departures);
+}
+BENCHMARK(ReplayOfATrace)->Unit(benchmark::kMillisecond);
 
 /// All in one go, as after a stall: none may be lost or overtaken.
 void MillionColours(benchmark::State& state) {
@@ -205,7 +248,7 @@ void CrowdInAScan(benchmark::State& state) {
     state.counters["bytes_at_most"] = most;
     state.counters["repeated"] =
         static_cast<double>(listener->reports - crowd * state.iterations());
-    installRadio({});
+    uninstallRadio();
 }
 BENCHMARK(CrowdInAScan)->Iterations(1)->Unit(benchmark::kMillisecond);
 

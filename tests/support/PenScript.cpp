@@ -117,7 +117,7 @@ PenScript::PenScript(Accounting rule)
 }
 
 PenScript::~PenScript() {
-    installRadio({});
+    uninstallRadio();
     handler.reset();
     // What is still queued, and the timers that hold the handler, end before the next script.
     for (bool isDone = false; !isDone;) {

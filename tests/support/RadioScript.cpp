@@ -85,7 +85,7 @@ RadioScript::RadioScript() {
 }
 
 RadioScript::~RadioScript() {
-    installRadio({});
+    uninstallRadio();
 }
 
 void RadioScript::addEvent(const std::string& name,

@@ -18,8 +18,9 @@ struct Option {
     std::string placeholder;  ///< stands for the value in the help
     std::string help;
     Take take;
-    std::string preset = {};                ///< shown in the help, if there is one
-    std::vector<std::string> choices = {};  ///< all there are; none are no limit
+    std::string preset = {};  ///< shown in the help, if there is one
+    /// All there are; none are no limit. After one with a colon at its end any text may follow.
+    std::vector<std::string> choices = {};
 };
 
 /// `--json`: what is there or not.

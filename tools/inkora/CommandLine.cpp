@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -14,6 +15,17 @@ void add(CLI::App& app, const Flag& flag) {
     app.add_flag(flag.name, *flag.isGiven, flag.help);
 }
 
+CLI::Validator isChoice(const std::vector<std::string>& choices) {
+    const CLI::IsMember member(choices);
+    const auto check = [member, choices](std::string& text) {
+        const bool hasTextBehind = std::ranges::any_of(choices, [&](const std::string& choice) {
+            return choice.ends_with(':') && text.starts_with(choice);
+        });
+        return hasTextBehind ? std::string() : member(text);
+    };
+    return {check, member.get_description()};
+}
+
 void add(CLI::App& app, const Option& option) {
     const auto take = [option](const std::string& text) {
         const std::string fault = option.take(text);
@@ -22,7 +34,7 @@ void add(CLI::App& app, const Option& option) {
     CLI::Option* const added = app.add_option_function<std::string>(option.name, take, option.help)
                                    ->type_name(option.placeholder)
                                    ->default_str(option.preset);
-    if (!option.choices.empty()) added->check(CLI::IsMember(option.choices));
+    if (!option.choices.empty()) added->check(isChoice(option.choices));
 }
 
 CLI::Option* addOne(CLI::App& app, const Operand& operand, std::string& text) {

@@ -7,7 +7,8 @@ namespace InkoraTool {
 /// What the process ends with. A failure that the kit reports has the code of its error.
 enum class ExitStatus : int {
     success = 0,
-    failure = 1,  ///< the output cannot be written, or what nobody foresaw
+    failure = 1,  ///< the output cannot be written, a replay parted from its trace, or what nobody
+                  ///< foresaw
     usage = 2,
     unreadable = 3,    ///< a file
     malformed = 4,     ///< a text that is no JSON document, or no palette

@@ -18,12 +18,14 @@ constexpr const char* footer = R"(Examples:
   inkora watch --radio virtual           no Bluetooth and no pen needed
   inkora watch --palette desk.html       keeps the colours in a page, .json, .gpl, .ase, .css, .svg
   inkora palette desk.html desk.gpl      the same palette for GIMP
+  inkora watch --record t.jsonl          and later: --radio replay:t.jsonl
   inkora json get settings.json scan 0   a value in a JSON document
 
 Exit status:
    0  done: --count or --for was reached, or ended by Ctrl-C, SIGTERM or SIGHUP
-   1  the output cannot be written
+   1  the output cannot be written, or a replay has parted from its trace
    2  the command line is wrong
+   3  a file cannot be read, or a trace not be written
  3-6  json or a palette: see inkora json --help, inkora palette --help
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected

@@ -5,19 +5,35 @@
 namespace InkoraKit {
 namespace {
 
-RadioFactory& installedFactory() {
-    static RadioFactory factory;
-    return factory;
+struct Installed {
+    RadioFactory factory;
+    const void* owner = nullptr;
+    RadioWrapper wrapper;
+};
+
+Installed& installed() {
+    static Installed radio;
+    return radio;
 }
 
 }  // namespace
 
-void installRadio(RadioFactory factory) {
-    installedFactory() = std::move(factory);
+void installRadio(RadioFactory factory, const void* owner) {
+    installed().factory = std::move(factory);
+    installed().owner = owner;
+}
+
+void uninstallRadio(const void* owner) {
+    if (installed().owner == owner) installed().factory = {};
+}
+
+void wrapRadios(RadioWrapper wrapper) {
+    installed().wrapper = std::move(wrapper);
 }
 
 std::unique_ptr<Radio> openRadio() {
-    return installedFactory() ? installedFactory()() : openSystemRadio();
+    auto radio = installed().factory ? installed().factory() : openSystemRadio();
+    return installed().wrapper ? installed().wrapper(std::move(radio)) : std::move(radio);
 }
 
 }  // namespace InkoraKit

@@ -142,9 +142,17 @@ public:
 
 using RadioFactory = std::function<std::unique_ptr<Radio>()>;
 
-/// Decides which radio a central manager created from now on opens; an empty factory brings back
-/// the system's own.
-void installRadio(RadioFactory factory);
+/// Decides which radio a central manager created from now on opens, until its owner takes it back.
+void installRadio(RadioFactory factory, const void* owner = nullptr);
+
+/// Brings back the system's own radio, unless another owner has installed one meanwhile.
+void uninstallRadio(const void* owner = nullptr);
+
+using RadioWrapper = std::function<std::unique_ptr<Radio>(std::unique_ptr<Radio>)>;
+
+/// Puts something between each radio opened from now on and its central manager; an empty wrapper
+/// puts nothing there.
+void wrapRadios(RadioWrapper wrapper);
 
 /// The installed radio, or the system's own where none was.
 std::unique_ptr<Radio> openRadio();

@@ -7,14 +7,17 @@ _inkora() {
     COMPREPLY=()
 
     case $option in
-        --radio) words='system virtual' ;;
+        --radio) words='system virtual replay:' ;;
         --seed | --count | --for | --ask-every) return ;;
-        --palette) compopt -o default; return ;;
+        --palette | --record | :)  # a file, as in replay:FILE
+            compopt -o default
+            return
+            ;;
         *)
             case "${COMP_WORDS[*]:1:COMP_CWORD - 1} " in
                 ' ') words='watch info json palette --version' ;;
-                'watch '*) words='--radio --seed --count --for --ask-every --palette --json' ;;
-                'info '*) words='--radio --seed --json' ;;
+                'watch '*) words='--radio --seed --count --for --ask-every --palette --record --with-addresses --at-once --json' ;;
+                'info '*) words='--radio --seed --at-once --json' ;;
                 'json ') words='get set merge format' ;;
                 'json get '*) words='--raw' ;;
                 'json set '*) words='--string --in-place' ;;

@@ -22,14 +22,17 @@ complete -c inkora -n __inkora_at -a json -d 'Read, change and print JSON docume
 complete -c inkora -n __inkora_at -a palette -d 'Convert a palette'
 
 for command in watch info
-    complete -c inkora -n "__inkora_in $command" -l radio -x -a 'system virtual' -d 'Which Bluetooth'
+    complete -c inkora -n "__inkora_in $command" -l radio -x -a 'system virtual replay:' -d 'Which Bluetooth'
     complete -c inkora -n "__inkora_in $command" -l seed -x -d 'Which colours the virtual pen captures'
+    complete -c inkora -n "__inkora_in $command" -l at-once -d 'Play a trace without waiting'
     complete -c inkora -n "__inkora_in $command" -l json -d 'Print JSON, for programs'
 end
 complete -c inkora -n '__inkora_in watch' -l count -x -d 'End after so many colours'
 complete -c inkora -n '__inkora_in watch' -l for -x -d 'End after so many seconds'
 complete -c inkora -n '__inkora_in watch' -l ask-every -x -d 'Ask for battery and proximity every so many seconds'
 complete -c inkora -n '__inkora_in watch' -l palette -r --force-files -d 'Add the colours to a palette'
+complete -c inkora -n '__inkora_in watch' -l record -r -F -d 'Write a trace to be replayed'
+complete -c inkora -n '__inkora_in watch' -l with-addresses -d 'Leave device addresses in the trace'
 
 complete -c inkora -n '__inkora_in palette' --force-files
 

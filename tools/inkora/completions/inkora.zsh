@@ -6,7 +6,9 @@ _inkora() {
     local -a help=('(- *)'{-h,--help}'[print help and exit]')
     local -a radio=(
         '--radio=[which Bluetooth]:radio:((
-            system\:"this machine'"'"'s Bluetooth adapter" virtual\:"a pen simulated in this process"))'
+            system\:"this machine'"'"'s Bluetooth adapter" virtual\:"a pen simulated in this process"
+            replay\\\:\:"a trace, FILE behind the colon, played again"))'
+        '--at-once[play a trace without waiting]'
         '--seed=[which colours the virtual pen captures]:number')
 
     _arguments -C $help '(- *)--version[print the version and exit]' \
@@ -24,6 +26,8 @@ _inkora() {
                 '--for=[end after so much time]:seconds' \
                 '--ask-every=[ask for battery and proximity again and again]:seconds' \
                 '--palette=[add the colours to a palette]:file:_files' \
+                '--record=[write a trace to be replayed]:file:_files' \
+                '--with-addresses[leave device addresses in the trace]' \
                 '--json[print a JSON object a line]' ;;
         info)
             _arguments $help $radio '--json[print one JSON object]' ;;

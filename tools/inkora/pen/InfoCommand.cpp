@@ -3,6 +3,8 @@
 #include "pen/RadioOptions.h"
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace InkoraTool {
 namespace {
@@ -16,16 +18,18 @@ struct InfoCommandOptions {
 
 Command infoCommand() {
     const auto options = std::make_shared<InfoCommandOptions>();
+    std::vector<Flag> flags = options->radio.flags();
+    flags.push_back({"--json", "Prints one JSON object", &options->json});
     return {
         .name = "info",
         .help = "Asks a pen for its name, identifier, battery and proximity, and ends",
         .options = options->radio.options(),
-        .flags = {{"--json", "Prints one JSON object", &options->json}},
+        .flags = std::move(flags),
         .footer = "What is not answered within 5 seconds is shown as not available (JSON: null).\n",
         .run =
             [options] {
-                const auto radio = options->radio.install();
-                return std::make_shared<InfoSession>(makeFormat(options->json))->run();
+                return options->radio.run(
+                    *std::make_shared<InfoSession>(makeFormat(options->json)));
             },
     };
 }

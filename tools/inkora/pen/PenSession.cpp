@@ -37,6 +37,16 @@ void forgetPen() {
 
 PenSession::PenSession(std::unique_ptr<Format> format) : format_(std::move(format)) {}
 
+void PenSession::use(SessionRadio radio) {
+    radio_ = std::move(radio);
+    if (!radio_.replayed) return;
+    radio_.replayed->setWhenOver([this] { replayIsOver(); });
+    radio_.replayed->setWhenDeparted([this](const ReplayDeparture& departure) {
+        if (!isFinishing_)
+            printError("the replay parts from its trace: " + departure.description());
+    });
+}
+
 ExitStatus PenSession::run() {
     const SignalSource signals([this] { interrupted(); });
     const ReaderSource reader([this] { finish(ExitStatus::success); });
@@ -49,7 +59,10 @@ ExitStatus PenSession::run() {
     RunLoop::main().run();
     if (disconnecting_) disconnecting_->invalidate();
     InkoraManager::unRegisterInkoraManager();
-    return status_;
+    const auto fault = radio_.trace ? radio_.trace->error() : std::nullopt;
+    if (!fault) return status_;
+    printError(fault->localizedDescription());
+    return ExitStatus::failure;
 }
 
 // --- the kit's reports --------------------------------------------------------------------------
@@ -136,6 +149,8 @@ void PenSession::askForValues() {
 void PenSession::finish(ExitStatus status) {
     if (std::exchange(isFinishing_, true)) return;
     status_ = status;
+    // How the pen is let go of is not recorded: a replay would wait for somebody to end it so.
+    if (radio_.trace) radio_.trace->end();
     // From the loop: the kit may be in the middle of a step, of which this is a report.
     RunLoop::main().post([session = shared_from_this()] { session->stopPairing(); });
 }
@@ -158,6 +173,10 @@ void PenSession::linkEnded() {
 void PenSession::fail(const std::string& text, ExitStatus status) {
     printError(text);
     if (!wasConnected_) finish(status);
+}
+
+void PenSession::replayIsOver() {
+    finish(radio_.replayed->departures().empty() ? ExitStatus::success : ExitStatus::failure);
 }
 
 void PenSession::stopPairing() {

@@ -5,6 +5,7 @@
 
 #include "ExitStatus.h"
 #include "pen/Format.h"
+#include "pen/SessionRadio.h"
 #include "terminal/Output.h"
 
 #include <cstdint>
@@ -22,6 +23,10 @@ class PenSession : public InkoraKit::InkoraProtocols,
                    public std::enable_shared_from_this<PenSession> {
 public:
     explicit PenSession(std::unique_ptr<Format> format);
+
+    /// Keeps the radio until the session ends. A replay that is over ends the session, and where
+    /// the kit parts from it is told; a recording ends with the last thing that is shown.
+    void use(SessionRadio radio);
 
     /// Runs the main run loop until the session has ended.
     ExitStatus run();
@@ -68,7 +73,9 @@ private:
     void linkEnded();
     void fail(const std::string& text, ExitStatus status);
     void stopPairing();
+    void replayIsOver();
 
+    SessionRadio radio_;
     std::unique_ptr<Format> format_;
     Output output_;
     std::shared_ptr<InkoraKit::Timer> disconnecting_;

@@ -1,10 +1,14 @@
 #include "pen/RadioOptions.h"
 
+#include <InkoraKit/platform/RunLoop.h>
+#include <InkoraKit/virtual/VirtualClock.h>
 #include <InkoraKit/virtual/VirtualPen.h>
 
 #include "Values.h"
 
+#include <cstdio>
 #include <limits>
+#include <memory>
 
 using namespace InkoraKit;
 
@@ -12,6 +16,8 @@ namespace InkoraTool {
 namespace {
 
 constexpr double secondsBetweenColours = 0.5;
+
+const std::string replay = "replay:";
 
 std::shared_ptr<VirtualPen> makePen(std::uint32_t seed) {
     auto pen = std::make_shared<VirtualPen>();
@@ -29,11 +35,11 @@ std::vector<Option> RadioOptions::options() {
     return {
         {.name = "--radio",
          .placeholder = "RADIO",
-         .help =
-             "system: this machine's Bluetooth adapter; virtual: a pen simulated in this process",
+         .help = "system: this machine's Bluetooth adapter; virtual: a pen simulated in this "
+                 "process; replay:FILE: what --record has written, played again",
          .take = aText(radio_),
          .preset = radio_,
-         .choices = {"system", "virtual"}},
+         .choices = {"system", "virtual", replay}},
         {.name = "--seed",
          .placeholder = "NUMBER",
          .help = "Decides which colours the virtual pen captures",
@@ -43,10 +49,45 @@ std::vector<Option> RadioOptions::options() {
     };
 }
 
-std::shared_ptr<VirtualRadio> RadioOptions::install() const {
-    if (radio_ != "virtual") return nullptr;
-    auto radio = VirtualRadio::install();
-    radio->add(makePen(seed_));
+std::vector<Flag> RadioOptions::flags() {
+    return {
+        {"--at-once", "Plays replay:FILE without waiting, not at the recording's pace", &atOnce_}};
+}
+
+std::vector<Option> RadioOptions::recordingOptions() {
+    return {{.name = "--record",
+             .placeholder = "FILE",
+             .help = "Writes a trace of what the radio is asked and tells",
+             .take = aText(recording_)}};
+}
+
+std::vector<Flag> RadioOptions::recordingFlags() {
+    return {
+        {"--with-addresses", "Leaves device addresses in the trace of --record", &withAddresses_}};
+}
+
+ExitStatus RadioOptions::run(PenSession& session) const {
+    try {
+        session.use(install());
+    } catch (const NSError& error) {
+        std::fprintf(stderr, "inkora: %s\n", error.what());
+        return ExitStatus::unreadable;
+    }
+    return session.run();
+}
+
+SessionRadio RadioOptions::install() const {
+    SessionRadio radio;
+    if (radio_ == "virtual") {
+        radio.simulated = VirtualRadio::install();
+        radio.simulated->add(makePen(seed_));
+    } else if (radio_.starts_with(replay)) {
+        radio.replayed = ReplayRadio::install(radio_.substr(replay.size()));
+        if (atOnce_) RunLoop::main().setClock(std::make_shared<VirtualClock>());
+    }
+    using enum RadioTrace::Identifiers;
+    if (!recording_.empty())
+        radio.trace = RadioTrace::record(recording_, withAddresses_ ? full : shortened);
     return radio;
 }
 

@@ -42,18 +42,21 @@ Command watchCommand() {
                 {"--palette", "FILE",
                  "Adds the colours to a palette: .json, .gpl, .ase, .css, .svg or .html",
                  aText(watch.palette)}});
+    for (Option& option : options->radio.recordingOptions()) all.push_back(std::move(option));
+    std::vector<Flag> flags = options->radio.flags();
+    for (Flag& flag : options->radio.recordingFlags()) flags.push_back(std::move(flag));
+    flags.push_back({"--json", "Prints a JSON object a line", &options->json});
     return {
         .name = "watch",
         .help = "Pairs with a pen and shows its colours as they are captured",
         .options = std::move(all),
-        .flags = {{"--json", "Prints a JSON object a line", &options->json}},
+        .flags = std::move(flags),
         .footer = watchFooter,
         .run =
             [options] {
-                const auto radio = options->radio.install();
                 const auto session =
                     std::make_shared<WatchSession>(options->watch, makeFormat(options->json));
-                const ExitStatus status = session->run();
+                const ExitStatus status = options->radio.run(*session);
                 session->savePalette();
                 return status;
             },

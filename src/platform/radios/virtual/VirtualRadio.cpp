@@ -10,24 +10,15 @@
 #include <utility>
 
 namespace InkoraKit {
-namespace {
-
-const VirtualRadio* installed = nullptr;
-
-}  // namespace
-
 std::shared_ptr<VirtualRadio> VirtualRadio::install() {
     std::shared_ptr<VirtualRadio> radio(new VirtualRadio);
-    installRadio([air = radio.get()] { return std::make_unique<VirtualRadioPort>(*air); });
-    installed = radio.get();
+    installRadio([air = radio.get()] { return std::make_unique<VirtualRadioPort>(*air); },
+                 radio.get());
     return radio;
 }
 
 VirtualRadio::~VirtualRadio() {
-    if (installed == this) {
-        installRadio({});
-        installed = nullptr;
-    }
+    uninstallRadio(this);
     setState(CBManagerState::unsupported);
     for (const auto& peripheral : peripherals_) peripheral->state_->radio = nullptr;
     for (VirtualRadioPort* port : ports_) port->radioGone();
