@@ -268,9 +268,9 @@ private:
     }
 
     template <class Elements>
-    static Any arrayOf(const Elements& elements);
+    static inline Any arrayOf(const Elements& elements);
     template <class Members>
-    static Any dictionaryOf(const Members& members);
+    static inline Any dictionaryOf(const Members& members);
 
     void keepText(std::string_view text);
     void keepNumber(const NSNumber& number) {
