@@ -31,7 +31,8 @@ constexpr std::array<std::string_view, 6> advertisedProperties = {
 // BlueZ keeps a link whose client has left the bus, and a connected pen cannot be found again. A
 // process that ends may never destroy its manager, so the radios still alive are known here.
 std::vector<BluezRadio*>& liveRadios() {
-    static auto* const radios = new std::vector<BluezRadio*>;  // never destroyed: used at the very end
+    // Never destroyed: used at the very end.
+    static auto* const radios = new std::vector<BluezRadio*>;
     return *radios;
 }
 
