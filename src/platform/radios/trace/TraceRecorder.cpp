@@ -25,7 +25,7 @@ void endRecording() {
     if (recording) recording->end();
 }
 
-NSError writingError(const std::string& path) {
+NSError notWritable(const std::string& path) {
     return NSError(NSCocoaErrorDomain, fileWriteUnknownError,
                    {{NSLocalizedDescriptionKey, path + ": " + std::strerror(errno) + '.'}});
 }
@@ -50,7 +50,7 @@ TraceRecorder::TraceRecorder(const std::string& path, RadioTrace::Identifiers id
     : path_(path), identifiers_(identifiers) {
     endRecording();  // it may be of the same file
     file_ = std::fopen(path.c_str(), "wb");
-    if (!file_) throw writingError(path);
+    if (!file_) throw notWritable(path);
     begin();
     writeLine({{"inkoraTrace", traceVersion}});
     flush();
@@ -112,7 +112,7 @@ void TraceRecorder::writeLine(const Dictionary& members) {
 void TraceRecorder::flush() {
     flushed_ = RunLoop::main().now();
     std::fflush(file_);
-    if (std::ferror(file_) && !error_) error_ = writingError(path_);
+    if (std::ferror(file_) && !error_) error_ = notWritable(path_);
 }
 
 Any TraceRecorder::shown(const UUID& peripheral) {
