@@ -167,9 +167,9 @@ void addNames(Text& text, std::string_view key, std::uint64_t firstId, std::size
 
 void addEvents(Text& text, Random& random) {
     text.key("events").open('{');
-    for (std::uint64_t i = 0; i < 184; ++i) {
+    for (std::uint64_t event = 0; event < 184; ++event) {
         // The last of them are much newer, which the look-up of a late key counts on.
-        const std::uint64_t id = 4 * i + (i < 148 ? 138'586'341 : 339'420'209);
+        const std::uint64_t id = 4 * event + (event < 148 ? 138'586'341 : 339'420'209);
         text.key(std::to_string(id)).open('{').key("description").literal("null");
         text.member("id", id).key("logo").literal("null").member("name", "Orchestre du Köln");
         for (const auto* name : {"subTopicIds", "topicIds"}) {
