@@ -115,14 +115,14 @@ std::string restOf(std::FILE* stream, std::size_t expectedSize) {
     std::array<char, 65536> part;
     while (const std::size_t size = std::fread(part.data(), 1, part.size(), stream))
         text.append(part.data(), size);
-    if (std::ferror(stream) != 0) throw std::system_error(errno, std::generic_category());
+    require(std::ferror(stream) == 0);
     return text;
 }
 
 std::string contentsOf(const std::string& file) {
     if (file == standardInput) return restOf(stdin, 0);
     const std::unique_ptr<std::FILE, CloseFile> stream(std::fopen(file.c_str(), "rb"));
-    if (!stream) throw std::system_error(errno, std::generic_category());
+    require(stream != nullptr);
     std::error_code unknown;
     const std::uintmax_t size = std::filesystem::file_size(file, unknown);
     return restOf(stream.get(), unknown ? 0 : static_cast<std::size_t>(size));

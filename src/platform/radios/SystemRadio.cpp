@@ -3,7 +3,7 @@
 #if defined(INKORA_WITH_BLUEZ)
 #include "platform/radios/bluez/BluezRadio.h"
 #else
-#include "platform/radios/AbsentRadio.h"
+#include "platform/bluetooth/AbsentRadio.h"
 #endif
 
 namespace InkoraKit {
@@ -12,7 +12,7 @@ std::unique_ptr<Radio> openSystemRadio() {
 #if defined(INKORA_WITH_BLUEZ)
     return std::make_unique<BluezRadio>();
 #else
-    return std::make_unique<AbsentRadio>();
+    return std::make_unique<AbsentRadio>(CBManagerStateReason::noService);
 #endif
 }
 

@@ -3,50 +3,39 @@
 #include "Utf8.h"
 #include "palette/formats/Formats.h"
 
-namespace InkoraTool {
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
 
-std::string escapedMarkup(std::string_view text) {
+namespace InkoraTool {
+namespace {
+
+using Escapes = std::initializer_list<std::pair<char, std::string_view>>;
+
+std::string escapedText(std::string_view text, Escapes escapes) {
     std::string escaped;
-    for (const char c : printableText(text)) {
-        switch (c) {
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            case '"':
-                escaped += "&quot;";
-                break;
-            default:
-                escaped += c;
+    for (const char c : text) {
+        const auto* const found = std::ranges::find(escapes, c, &Escapes::value_type::first);
+        if (found == escapes.end()) {
+            escaped += c;
+        } else {
+            escaped += found->second;
         }
     }
     return escaped;
 }
 
+}  // namespace
+
+std::string escapedMarkup(std::string_view text) {
+    return escapedText(printableText(text),
+                       {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}});
+}
+
 // Only a JSON text, not what is around it, can hold these characters.
 std::string embeddedJson(const Palette& palette) {
-    std::string json;
-    for (const char c : writeJsonPalette(palette)) {
-        switch (c) {
-            case '&':
-                json += "\\u0026";
-                break;
-            case '<':
-                json += "\\u003c";
-                break;
-            case '>':
-                json += "\\u003e";
-                break;
-            default:
-                json += c;
-        }
-    }
-    return json;
+    return escapedText(writeJsonPalette(palette),
+                       {{'&', "\\u0026"}, {'<', "\\u003c"}, {'>', "\\u003e"}});
 }
 
 Palette paletteWithin(std::string_view text, std::string_view start, std::string_view end) {

@@ -7,26 +7,17 @@
 
 namespace InkoraKit {
 
-/// A central manager's way into a trace that is played. Without a player there is no adapter.
+/// A central manager's way into a trace that is played.
 class ReplayPort final : public Radio {
 public:
     explicit ReplayPort(std::shared_ptr<TracePlayer> player) : player_(std::move(player)) {}
-    ~ReplayPort() override {
-        if (player_) player_->stop();
-    }
+    ~ReplayPort() override { player_->stop(); }
     ReplayPort(const ReplayPort&) = delete;
     ReplayPort& operator=(const ReplayPort&) = delete;
 
-    RadioCapabilities capabilities() const override {
-        return player_ ? player_->answers().capabilities : RadioCapabilities{.canReadRSSI = false};
-    }
-    CBManagerStateReason stateReason() const override {
-        return player_ ? player_->answers().reason : CBManagerStateReason::noAdapter;
-    }
-    void start(RadioListener& listener) override {
-        if (player_) return player_->start(listener);
-        listener.adapterStateChanged(CBManagerState::unsupported);
-    }
+    RadioCapabilities capabilities() const override { return player_->answers().capabilities; }
+    CBManagerStateReason stateReason() const override { return player_->answers().reason; }
+    void start(RadioListener& listener) override { player_->start(listener); }
     void startScan() override { give({"scan"}); }
     void stopScan() override { give({"stopScan"}); }
     void connect(const UUID& peripheral) override { give({"connect", peripheral}); }
@@ -46,9 +37,7 @@ public:
     void readRSSI(const UUID& peripheral) override { give({"readRSSI", peripheral}); }
 
 private:
-    void give(const TraceCommand& command) {
-        if (player_) player_->given(command);
-    }
+    void give(const TraceCommand& command) { player_->given(command); }
 
     std::shared_ptr<TracePlayer> player_;
 };

@@ -1,5 +1,6 @@
 #include <InkoraKit/virtual/ReplayRadio.h>
 
+#include "platform/bluetooth/AbsentRadio.h"
 #include "platform/foundation/objects/CocoaErrorCodes.h"
 #include "platform/radios/trace/ReplayPort.h"
 #include "platform/radios/trace/TracePlayer.h"
@@ -51,9 +52,8 @@ std::shared_ptr<ReplayRadio> ReplayRadio::install(const std::string& path) {
     std::shared_ptr<ReplayRadio> radio(new ReplayRadio(player));
     installRadio(
         [player]() -> std::unique_ptr<Radio> {
-            if (player->isTaken()) return std::make_unique<ReplayPort>(nullptr);
-            player->take();
-            return std::make_unique<ReplayPort>(player);
+            if (player->take()) return std::make_unique<ReplayPort>(player);
+            return std::make_unique<AbsentRadio>(CBManagerStateReason::noAdapter);
         },
         radio.get());
     return radio;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace InkoraKit {
@@ -18,9 +19,8 @@ class TracePlayer : public std::enable_shared_from_this<TracePlayer> {
 public:
     explicit TracePlayer(Trace trace) : trace_(std::move(trace)) { toNextCommand(); }
 
-    /// Whether somebody has begun to listen already.
-    bool isTaken() const noexcept { return isTaken_; }
-    void take() noexcept { isTaken_ = true; }
+    /// Whether nobody has taken it before: it plays to one listener.
+    bool take() noexcept { return !std::exchange(isTaken_, true); }
 
     void start(RadioListener& listener);
     void stop();

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/objects/CocoaErrorCodes.h"
 #include "platform/foundation/process/ProcessEnd.h"
+#include "platform/foundation/text/Characters.h"
 #include "platform/radios/trace/Trace.h"
 
 #include <InkoraKit/platform/JSONSerialization.h>
@@ -30,16 +31,12 @@ NSError notWritable(const std::string& path) {
                    {{NSLocalizedDescriptionKey, path + ": " + std::strerror(errno) + '.'}});
 }
 
-bool isHexadecimal(char character) {
-    return std::string_view("0123456789ABCDEFabcdef").find(character) != std::string_view::npos;
-}
-
 /// Whether a text has a device address at the position, in any of the forms 01:23:45:67:89:AB,
 /// 01-23-45-67-89-AB and 01_23_45_67_89_AB.
 bool isAddress(std::string_view text) {
     for (std::size_t i = 0; i < 17; ++i) {
         const bool isBetween = i % 3 == 2;
-        if (isBetween ? text[i] != text[2] : !isHexadecimal(text[i])) return false;
+        if (isBetween ? text[i] != text[2] : !isHexDigit(text[i])) return false;
     }
     return std::string_view(":-_").find(text[2]) != std::string_view::npos;
 }
