@@ -3,7 +3,7 @@
 #include "File.h"
 #include "commandline/Completion.h"
 #include "commandline/ManPage.h"
-#include "commandline/Place.h"
+#include "commandline/CommandPlace.h"
 #include "commandline/Suggestion.h"
 
 #include <CLI/CLI.hpp>
