@@ -34,7 +34,8 @@ public:
             if (!line) break;
             printLine(*line);
         }
-        if (status_ == ExitStatus::success && !isAnythingPrinted_ && nothing_) throw *nothing_;
+        if (status_ == ExitStatus::success && !isAnythingPrinted_ && nothing_)
+            throw Failure(nothing_->status, nothing_->what());
         return status_;
     }
 
