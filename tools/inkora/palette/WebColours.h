@@ -12,8 +12,7 @@ struct WebColour {
     Colour colour;
 };
 
-/// The one at the least distance in OKLab, the difference that CSS Color Module Level 4 calls
-/// deltaE OK.
+/// The one that looks most like the colour.
 const WebColour& nearestWebColour(const Colour& colour);
 
 }  // namespace InkoraTool

@@ -2,6 +2,7 @@
 
 #include "Utf8.h"
 #include "pen/HexColour.h"
+#include "terminal/ColourPatch.h"
 
 #include <array>
 #include <charconv>
@@ -33,13 +34,6 @@ std::string componentText(double component) {
     return {digits.data(), end};
 }
 
-// A patch of the colour: ECMA-48's SGR 48 with the direct colour of ITU-T T.416.
-std::string swatch(const InkoraKit::UIColor& colour) {
-    std::string sequence = "\x1b[48;2";
-    for (const std::uint8_t byte : bytesOf(colour)) sequence += ';' + std::to_string(byte);
-    return sequence + "m      \x1b[0m ";
-}
-
 }  // namespace
 
 std::string TextFormat::searching() const {
@@ -59,8 +53,8 @@ std::string TextFormat::unavailable(InkoraKit::CBManagerStateReason reason) cons
 }
 
 std::string TextFormat::colour(const InkoraKit::UIColor& colour) const {
-    std::string value = withSwatches_ ? swatch(colour) : "";
-    value += hexText(colour);
+    const std::string patch = colourPatch(bytesOf(colour), colours_);
+    std::string value = patch + (patch.empty() ? "" : " ") + hexText(colour);
     for (const double component : {colour.red(), colour.green(), colour.blue()})
         value += "  " + componentText(component);
     return labelled("colour", value);
@@ -79,6 +73,10 @@ std::string TextFormat::info(const PenInfo& info) const {
            labelled("identifier", orNotAvailable(info.identifier)) + '\n' +
            labelled("battery", orNotAvailable(info.battery, "%")) + '\n' +
            signalStrength(info.signalStrength);
+}
+
+std::string TextFormat::progress(std::int64_t seconds) const {
+    return "searching for " + std::to_string(seconds) + " s";
 }
 
 }  // namespace InkoraTool

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "pen/Format.h"
+#include "terminal/Terminal.h"
 
 namespace InkoraTool {
 
-/// Lines for people: what it is, then its value. Colours come with a swatch where asked for.
+/// Lines for people: what it is, then its value. Colours come with a swatch where there are
+/// colours.
 class TextFormat final : public Format {
 public:
-    explicit TextFormat(bool withSwatches) : withSwatches_(withSwatches) {}
+    explicit TextFormat(TerminalColours colours = TerminalColours::none) : colours_(colours) {}
 
     std::string searching() const override;
     std::string connected(const std::string& name, const std::string& identifier) const override;
@@ -17,9 +19,10 @@ public:
     std::string battery(std::int64_t percent) const override;
     std::string signalStrength(std::optional<std::int64_t> dBm) const override;
     std::string info(const PenInfo& info) const override;
+    std::string progress(std::int64_t seconds) const override;
 
 private:
-    bool withSwatches_;
+    TerminalColours colours_;
 };
 
 }  // namespace InkoraTool
