@@ -3,7 +3,7 @@
 #include <InkoraKit/platform/RunLoop.h>
 
 #include "PrivateBus.h"
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
 #include <poll.h>

@@ -2,7 +2,7 @@
 
 #include <InkoraKit/platform/RunLoopSource.h>
 
-#include "platform/radios/bluez/Properties.h"
+#include "platform/bus/Properties.h"
 
 #include <functional>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/radios/bluez/Alarm.h"
-#include "platform/radios/bluez/Bus.h"
+#include "platform/bus/Bus.h"
+#include "platform/foundation/loop/Alarm.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
 #include <cstdint>

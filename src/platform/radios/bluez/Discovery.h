@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/radios/bluez/Alarm.h"
+#include "platform/foundation/loop/Alarm.h"
 #include "platform/radios/bluez/BluezDaemon.h"
 
 #include <functional>

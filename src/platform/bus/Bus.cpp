@@ -1,4 +1,4 @@
-#include "platform/radios/bluez/Bus.h"
+#include "platform/bus/Bus.h"
 
 #include <InkoraKit/platform/RunLoop.h>
 

@@ -1,4 +1,4 @@
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
 
 #include <InkoraKit/platform/NSObject.h>
 

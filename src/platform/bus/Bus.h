@@ -2,7 +2,7 @@
 
 #include <InkoraKit/platform/RunLoopSource.h>
 
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
 
 #include <functional>
 #include <map>
