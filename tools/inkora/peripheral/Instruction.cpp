@@ -2,9 +2,11 @@
 
 #include "Failure.h"
 #include "File.h"
+#include "Text.h"
 #include "Utf8.h"
 #include "palette/WebColours.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -30,17 +32,12 @@ std::string quoted(std::string_view text) {
     return '\'' + printableText(text) + '\'';
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const auto first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
+constexpr std::string_view blanks = " \t\r";
 
 // The first word; what is left has no blanks around it.
 std::string_view takeWord(std::string_view& rest) {
     const std::string_view word = rest.substr(0, rest.find_first_of(" \t"));
-    rest = trimmed(rest.substr(word.size()));
+    rest = trimmed(rest.substr(word.size()), blanks);
     return word;
 }
 
@@ -127,7 +124,7 @@ std::string faultOfPenName(const std::string& name) {
 }
 
 Instruction instructionOf(std::string_view line) {
-    std::string_view rest = trimmed(line);
+    std::string_view rest = trimmed(line, blanks);
     const std::string_view word = takeWord(rest);
     if (word.empty() || word == "#") return [](PenControls&) {};
     if (const Instruction* const plain = plainInstruction(word)) {
@@ -152,9 +149,7 @@ std::vector<TimedInstruction> readPenScript(const std::string& file) {
     std::vector<TimedInstruction> script;
     std::string_view lines = text;
     for (int number = 1; !lines.empty(); ++number) {
-        const std::string_view line = lines.substr(0, lines.find('\n'));
-        lines.remove_prefix(std::min(line.size() + 1, lines.size()));
-        std::string_view rest = trimmed(line);
+        std::string_view rest = trimmed(takeLine(lines), blanks);
         const std::string_view time = takeWord(rest);
         if (time.empty() || time == "#") continue;
         try {
