@@ -168,7 +168,8 @@ void BluezPen::goDown() {
     advertisedName_.reset();
     heldReads_.clear();
     objects_.reset();
-    while (!hosts_.empty()) hostLeft(*hosts_.begin());
+    for (const std::string& host : std::exchange(hosts_, {}))
+        listener_.disconnected(addressOf(host));
     valuesUnderWay_ = 0;
     listener_.hasRoom();
 }
