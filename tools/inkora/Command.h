@@ -70,6 +70,7 @@ struct Command {
 // word in main().
 Command watchCommand();
 Command infoCommand();
+Command penCommand();
 Command jsonCommand();
 Command paletteCommand();
 

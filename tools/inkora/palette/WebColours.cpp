@@ -1,7 +1,10 @@
 #include "palette/WebColours.h"
 
+#include "Text.h"
 #include "palette/NearestColour.h"
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace InkoraTool {
@@ -94,6 +97,11 @@ NearestColour nearestOfWebColours() {
 }
 
 }  // namespace
+
+const WebColour* webColourNamed(std::string_view name) {
+    const auto* const named = std::ranges::find(webColours, lowered(name), &WebColour::name);
+    return named == std::end(webColours) ? nullptr : named;
+}
 
 const WebColour& nearestWebColour(const Colour& colour) {
     static const NearestColour nearest = nearestOfWebColours();

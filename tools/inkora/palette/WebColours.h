@@ -12,6 +12,9 @@ struct WebColour {
     Colour colour;
 };
 
+/// The one of that name, in any case; null when there is none.
+const WebColour* webColourNamed(std::string_view name);
+
 /// The one that looks most like the colour.
 const WebColour& nearestWebColour(const Colour& colour);
 

@@ -3,7 +3,12 @@
 #include "pen/Format.h"
 #include "terminal/Terminal.h"
 
+#include <string_view>
+
 namespace InkoraTool {
+
+/// A line for people: `battery     87 %`.
+std::string labelled(std::string_view label, const std::string& value);
 
 /// Lines for people: what it is, then its value. Colours come with a swatch where there are
 /// colours.
