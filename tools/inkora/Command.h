@@ -58,5 +58,6 @@ Command watchCommand();
 Command infoCommand();
 Command jsonCommand();
 Command paletteCommand();
+Command doctorCommand();
 
 }  // namespace InkoraTool

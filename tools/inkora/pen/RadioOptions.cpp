@@ -5,6 +5,7 @@
 #include <InkoraKit/virtual/VirtualPen.h>
 
 #include "Values.h"
+#include "doctor/Examination.h"
 
 #include <cstdio>
 #include <limits>
@@ -18,6 +19,13 @@ namespace {
 constexpr double secondsBetweenColours = 0.5;
 
 const std::string replay = "replay:";
+
+void tellWhyNoBluetooth() {
+    const auto fault = findFaultOfBluetooth();
+    std::string why;
+    if (fault) why = fault->name + ": " + fault->text + "; ";
+    std::fprintf(stderr, "inkora: %sinkora doctor says what helps\n", why.c_str());
+}
 
 std::shared_ptr<VirtualPen> makePen(std::uint32_t seed) {
     auto pen = std::make_shared<VirtualPen>();
@@ -73,7 +81,9 @@ ExitStatus RadioOptions::run(PenSession& session) const {
         std::fprintf(stderr, "inkora: %s\n", error.what());
         return ExitStatus::unreadable;
     }
-    return session.run();
+    const ExitStatus status = session.run();
+    if (status == ExitStatus::noBluetooth && radio_ == "system") tellWhyNoBluetooth();
+    return status;
 }
 
 SessionRadio RadioOptions::install() const {

@@ -1,0 +1,88 @@
+#include "doctor/bluez/Checks.h"
+#include "doctor/bluez/Remedies.h"
+#include "platform/radios/bluez/RadioSwitch.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+using namespace InkoraKit;
+
+namespace InkoraTool {
+namespace {
+
+constexpr const char* name = "adapter";
+constexpr std::size_t mostShown = 3;
+
+template <class T>
+T propertyOf(const Machine& machine, const std::string& adapter, std::string_view property) {
+    const T* const value = machine.objects.property<T>(adapter, ObjectTree::adapter, property);
+    return value ? *value : T();
+}
+
+bool isPowered(const Machine& machine, const std::string& adapter) {
+    return propertyOf<bool>(machine, adapter, "Powered");
+}
+
+// As the kit takes it: an adapter that tells no roles may have them all.
+bool hasBluetoothLE(const Machine& machine, const std::string& adapter) {
+    const auto* const roles =
+        machine.objects.property<std::vector<std::string>>(adapter, ObjectTree::adapter, "Roles");
+    return !roles || std::ranges::find(*roles, "central") != roles->end();
+}
+
+Finding findingOf(const Machine& machine, const std::string& adapter) {
+    const std::string label = adapter.substr(adapter.rfind('/') + 1) + ' ' +
+                              propertyOf<std::string>(machine, adapter, "Address");
+    Finding finding{name, Finding::State::fault};
+    if (!hasBluetoothLE(machine, adapter)) {
+        finding.text = label + " has no Bluetooth LE, or no central role";
+        finding.advice = "See ControllerMode in /etc/bluetooth/main.conf.";
+    } else if (isPowered(machine, adapter)) {
+        return {name, Finding::State::ok, label + " is on"};
+    } else if (const RadioBlock block = radioBlockOf(adapter); block == RadioBlock::hard) {
+        finding.text = label + " is blocked by a switch or key of the machine";
+        finding.advice = "Flip that (rfkill list shows it).";
+    } else if (block == RadioBlock::soft) {
+        finding.text = label + " is blocked";
+        finding.remedy = "rfkill unblock bluetooth && bluetoothctl power on";
+    } else {
+        finding.text = label + " is off";
+        finding.remedy = "bluetoothctl power on";
+    }
+    return finding;
+}
+
+// What the kernel has and bluetoothd does not show.
+Finding noAdapter() {
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator("/sys/class/bluetooth", none))
+        return {name, Finding::State::fault,
+                "bluetoothd does not take the kernel's " + entry.path().filename().string(),
+                remedies::restartBluetoothd()};
+    return {name, Finding::State::fault, "the kernel has none",
+            remedies::asRoot("dmesg | grep -i -e bluetooth -e firmware"),
+            "Plug one in. For one that is in, the kernel's log says what it lacks:"};
+}
+
+}  // namespace
+
+Findings lookAtAdapters(Machine& machine) {
+    Findings findings;
+    bool isUsable = false;
+    for (const std::string& adapter : machine.objects.below("/org/bluez", ObjectTree::adapter)) {
+        findings.push_back(findingOf(machine, adapter));
+        if (findings.back().state != Finding::State::ok || isUsable) continue;
+        isUsable = true;
+        machine.adapter = adapter;
+        std::swap(findings.front(), findings.back());  // the one that is used
+    }
+    if (findings.empty()) return {noAdapter()};
+    // Beside one that can be used the others do not matter.
+    if (isUsable)
+        for (Finding& finding : findings) finding = {name, Finding::State::ok, finding.text};
+    if (findings.size() > mostShown) findings.resize(mostShown);
+    return findings;
+}
+
+}  // namespace InkoraTool

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "doctor/Finding.h"
+#include "doctor/bluez/Machine.h"
+
+namespace InkoraTool {
+
+// A further check is a function like these, in a file of its own, and a row of the table in
+// Examination.cpp. Each may rely on what those before it have found to be so.
+
+Findings lookAtBus(Machine& machine);
+Findings lookAtBluetoothd(Machine& machine);
+/// Whether this user may talk to bluetoothd, and whether it answers.
+Findings lookAtAnswer(Machine& machine);
+Findings lookAtAdapters(Machine& machine);
+Findings lookAtSignalStrength(Machine& machine);
+Findings lookAtOtherPrograms(Machine& machine);
+Findings listenForPens(Machine& machine);
+/// Whether a pen can be connected, and tells something.
+Findings tryAPen(Machine& machine);
+
+}  // namespace InkoraTool

@@ -1,0 +1,76 @@
+#include "doctor/Examination.h"
+
+#include "doctor/bluez/Checks.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace InkoraTool {
+namespace {
+
+struct Check {
+    std::array<std::string_view, 2> names;  // of its findings; the second may be empty
+    Findings (*look)(Machine& machine);
+    ExitStatus meaning;  // of a fault
+};
+
+constexpr std::array<Check, 8> checks = {{
+    {{"system bus"}, lookAtBus, ExitStatus::noBluetooth},
+    {{"bluetoothd"}, lookAtBluetoothd, ExitStatus::noBluetooth},
+    {{"permission", "answer"}, lookAtAnswer, ExitStatus::noBluetooth},
+    {{"adapter"}, lookAtAdapters, ExitStatus::noBluetooth},
+    // From here on it is no longer about Bluetooth alone.
+    {{"signal strength"}, lookAtSignalStrength, ExitStatus::success},
+    {{"other programs"}, lookAtOtherPrograms, ExitStatus::notConnected},
+    {{"pens"}, listenForPens, ExitStatus::noPen},
+    {{"connection", "first value"}, tryAPen, ExitStatus::notConnected},
+}};
+constexpr std::size_t checksOfBluetooth = 4;
+
+bool isFault(const Finding& finding) {
+    return finding.state == Finding::State::fault;
+}
+
+void tellNotLookedAt(const Check& check, const Findings& findings,
+                     const std::function<void(const Finding&)>& tell) {
+    for (const std::string_view name : check.names)
+        if (!name.empty() && std::ranges::find(findings, name, &Finding::name) == findings.end())
+            tell({std::string(name), Finding::State::notLookedAt});
+}
+
+}  // namespace
+
+ExitStatus examine(const Waiting& waiting, double listening,
+                   const std::function<void(const Finding&)>& tell) {
+    Machine machine{.waiting = waiting, .patience = 3, .listening = listening};
+    ExitStatus status = ExitStatus::success;
+    for (const Check& check : checks) {
+        Findings findings;
+        if (status == ExitStatus::success) {
+            try {
+                machine.meaning = check.meaning;
+                findings = check.look(machine);
+                if (std::ranges::any_of(findings, isFault)) status = machine.meaning;
+            } catch (const Interrupted&) {
+                status = ExitStatus::interrupted;
+            }
+        }
+        for (const Finding& finding : findings) tell(finding);
+        tellNotLookedAt(check, findings, tell);
+    }
+    return status;
+}
+
+std::optional<Finding> findFaultOfBluetooth() {
+    const Waiting waiting;
+    Machine machine{.waiting = waiting, .patience = 1, .listening = 0};
+    for (std::size_t i = 0; i < checksOfBluetooth; ++i) {
+        const Findings findings = checks[i].look(machine);
+        const auto fault = std::ranges::find_if(findings, isFault);
+        if (fault != findings.end()) return *fault;
+    }
+    return std::nullopt;
+}
+
+}  // namespace InkoraTool
