@@ -12,6 +12,7 @@ namespace InkoraTool {
 namespace {
 
 constexpr const char* name = "adapter";
+constexpr const char* everything = "/org/bluez";
 constexpr std::size_t mostShown = 3;
 
 template <class T>
@@ -53,24 +54,43 @@ Finding findingOf(const Machine& machine, const std::string& adapter) {
     return finding;
 }
 
-// What the kernel has and bluetoothd does not show.
-Finding noAdapter() {
+// "hci0"; empty where the kernel has none.
+std::string adapterOfKernel() {
     std::error_code none;
     for (const auto& entry : std::filesystem::directory_iterator("/sys/class/bluetooth", none))
-        return {name, Finding::State::fault,
-                "bluetoothd does not take the kernel's " + entry.path().filename().string(),
-                remedies::restartBluetoothd()};
+        return entry.path().filename().string();
+    return {};
+}
+
+Finding noAdapter() {
+    if (const std::string adapter = adapterOfKernel(); !adapter.empty())
+        return {name, Finding::State::fault, "bluetoothd does not take " + adapter,
+                remedies::restartBluetoothd(),
+                "Its log says why (journalctl -u bluetooth); if it does not, start it anew:"};
     return {name, Finding::State::fault, "the kernel has none",
             remedies::asRoot("dmesg | grep -i -e bluetooth -e firmware"),
             "Plug one in. For one that is in, the kernel's log says what it lacks:"};
 }
 
+// bluetoothd takes its name on the bus before it shows its adapters.
+void waitForAdapters(Machine& machine) {
+    constexpr int longestStart = 3;  // seconds; half a second was seen under load
+    for (int i = 0; i < longestStart; ++i) {
+        if (!machine.objects.below(everything, ObjectTree::adapter).empty()) return;
+        if (adapterOfKernel().empty()) return;
+        machine.waiting.until([] { return false; }, 1);
+        machine.ask("org.bluez", "/", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects",
+                    [&](MessageReader& body) { machine.objects.replace(body.readObjects()); });
+    }
+}
+
 }  // namespace
 
 Findings lookAtAdapters(Machine& machine) {
+    waitForAdapters(machine);
     Findings findings;
     bool isUsable = false;
-    for (const std::string& adapter : machine.objects.below("/org/bluez", ObjectTree::adapter)) {
+    for (const std::string& adapter : machine.objects.below(everything, ObjectTree::adapter)) {
         findings.push_back(findingOf(machine, adapter));
         if (findings.back().state != Finding::State::ok || isUsable) continue;
         isUsable = true;
@@ -78,10 +98,12 @@ Findings lookAtAdapters(Machine& machine) {
         std::swap(findings.front(), findings.back());  // the one that is used
     }
     if (findings.empty()) return {noAdapter()};
-    // Beside one that can be used the others do not matter.
-    if (isUsable)
-        for (Finding& finding : findings) finding = {name, Finding::State::ok, finding.text};
     if (findings.size() > mostShown) findings.resize(mostShown);
+    for (auto finding = findings.begin() + 1; finding != findings.end(); ++finding) {
+        // Beside one that can be used the others do not matter, and one remedy is for all.
+        if (isUsable) *finding = {name, Finding::State::ok, finding->text};
+        if (finding->remedy == findings.front().remedy) finding->remedy.clear();
+    }
     return findings;
 }
 

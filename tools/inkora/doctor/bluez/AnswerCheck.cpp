@@ -44,12 +44,12 @@ bool isMember(const std::string& group) {
 
 Finding denied() {
     Finding finding{permission, Finding::State::fault,
-                    "the bus lets this user not talk to bluetoothd"};
+                    "this user may not talk to bluetoothd"};
     const std::string group = groupOfPolicy();
     if (group.empty() || isMember(group)) {
         finding.advice = "See the policies for org.bluez in /etc/dbus-1/system.d.";
     } else {
-        finding.advice = "Then log in again.";
+        finding.advice = "A group may: join it, and log in again.";
         finding.remedy = remedies::joinGroup(group);
     }
     return finding;

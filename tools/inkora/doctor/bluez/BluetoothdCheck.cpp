@@ -47,7 +47,7 @@ bool kernelHasBluetooth() {
     return std::filesystem::is_directory("/sys/class/bluetooth", none);
 }
 
-bool canBeStartedByBus(Machine& machine) {
+bool doesBusOfferToStartIt(Machine& machine) {
     std::vector<std::string> names;
     machine.ask("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                 "ListActivatableNames", [&](MessageReader& body) { names = body.readTexts(); });
@@ -57,7 +57,7 @@ bool canBeStartedByBus(Machine& machine) {
 Finding notRunning(Machine& machine, const std::string& version) {
     Finding finding{name, Finding::State::fault};
     finding.text = version.empty() ? "does not run" : version + " is installed, but does not run";
-    if (canBeStartedByBus(machine)) finding.text += "; the bus has not been asked to start it";
+    if (doesBusOfferToStartIt(machine)) finding.text += "; the bus offers to start it";
     // BlueZ's unit for systemd has this as its condition.
     if (kernelHasBluetooth())
         finding.remedy = remedies::start("bluetooth");

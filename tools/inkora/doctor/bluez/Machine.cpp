@@ -23,7 +23,7 @@ std::optional<BusError> Machine::ask(const char* destination, const char* path,
     };
     const auto state = std::make_shared<State>();
     state->read = read;
-    bus->call({destination, path, interface, member, std::nullopt, patience},
+    bus->call({destination, path, interface, member, {}, patience},
               [state](Answer& answer) {
                   state->isAnswered = true;
                   state->error = answer.error;

@@ -8,7 +8,8 @@
 #include "pen/PenInfo.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <cstdio>
 #include <map>
 
 using namespace InkoraKit;
@@ -63,14 +64,24 @@ std::vector<Advertiser> pensAmong(const std::map<UUID, Advertiser>& heard) {
     return pens;
 }
 
+std::string numberText(double number) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%g", number);
+    return text.data();
+}
+
+std::string othersText(std::size_t count) {
+    if (count == 0) return "no other device";
+    return std::to_string(count) + (count == 1 ? " other device" : " other devices");
+}
+
 Finding findingOf(const std::map<UUID, Advertiser>& heard, double seconds) {
     constexpr std::size_t mostShown = 3;
     const std::vector<Advertiser> pens = pensAmong(heard);
-    const std::string others = std::to_string(heard.size() - pens.size()) + " other" +
-                               (heard.size() - pens.size() == 1 ? " device" : " devices");
+    const std::string others = othersText(heard.size() - pens.size());
     if (pens.empty())
         return {name, Finding::State::fault,
-                "none heard in " + std::to_string(std::lround(seconds)) + " s, but " + others, "",
+                "none heard in " + numberText(seconds) + " s; " + others, "",
                 "Switch the pen on and bring it near; one that is connected elsewhere, to a phone "
                 "perhaps, is not heard."};
     std::string text;
