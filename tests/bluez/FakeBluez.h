@@ -2,7 +2,7 @@
 
 #include <InkoraKit/platform/RunLoopSource.h>
 
-#include "platform/bus/Properties.h"
+#include "platform/bus/MessageWriter.h"
 
 #include <functional>
 #include <map>
@@ -83,9 +83,10 @@ private:
 
     int received(sd_bus_message* message);
     void sendObjects();
-    sd_bus_message* newSignal(const std::string& path, const char* interface, const char* member);
+    void emit(const std::string& path, const char* interface, const char* member,
+              const Arguments& arguments);
     Message takeHeld(const std::string& member);
-    void send(sd_bus_message* message);
+    void send(sd_bus_message* message, const Arguments& arguments);
 
     std::shared_ptr<sd_bus> bus_;
     Objects objects_;
