@@ -31,7 +31,7 @@ Exit status:
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected
   19  no pen was found within 6 seconds, or the time of --for
- 130  info was interrupted before it had an answer
+ 130  info or doctor was interrupted before it had an answer
 )";
 
 int failed(const char* message, ExitStatus status) {

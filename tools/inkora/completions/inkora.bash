@@ -15,9 +15,10 @@ _inkora() {
             ;;
         *)
             case "${COMP_WORDS[*]:1:COMP_CWORD - 1} " in
-                ' ') words='watch info json palette --version' ;;
+                ' ') words='watch info json palette doctor --version' ;;
                 'watch '*) words='--radio --seed --count --for --ask-every --palette --record --with-addresses --at-once --json' ;;
                 'info '*) words='--radio --seed --at-once --json' ;;
+                'doctor '*) words='--for --json' ;;
                 'json ') words='get set merge format' ;;
                 'json get '*) words='--raw' ;;
                 'json set '*) words='--string --in-place' ;;

@@ -20,6 +20,7 @@ complete -c inkora -n __inkora_at -a watch -d 'Show colours as they are captured
 complete -c inkora -n __inkora_at -a info -d 'Ask a pen for name, identifier, battery and proximity'
 complete -c inkora -n __inkora_at -a json -d 'Read, change and print JSON documents'
 complete -c inkora -n __inkora_at -a palette -d 'Convert a palette'
+complete -c inkora -n __inkora_at -a doctor -d 'Say what stands between this machine and a pen'
 
 for command in watch info
     complete -c inkora -n "__inkora_in $command" -l radio -x -a 'system virtual replay:' -d 'Which Bluetooth'
@@ -34,6 +35,8 @@ complete -c inkora -n '__inkora_in watch' -l palette -r --force-files -d 'Add th
 complete -c inkora -n '__inkora_in watch' -l record -r -F -d 'Write a trace to be replayed'
 complete -c inkora -n '__inkora_in watch' -l with-addresses -d 'Leave device addresses in the trace'
 
+complete -c inkora -n '__inkora_in doctor' -l for -x -d 'Listen for so many seconds'
+complete -c inkora -n '__inkora_in doctor' -l json -d 'Print one JSON object'
 complete -c inkora -n '__inkora_in palette' --force-files
 
 complete -c inkora -n '__inkora_at json' -a get -d 'Print the value at a path'

@@ -15,7 +15,8 @@ _inkora() {
         '1:command:((watch\:"show colours as they are captured"
             info\:"ask a pen for name, identifier, battery and proximity"
             json\:"read, change and print JSON documents"
-            palette\:"convert a palette"))' \
+            palette\:"convert a palette"
+            doctor\:"say what stands between this machine and a pen"))' \
         '*:: :->arguments' && return
 
     [[ $state == arguments ]] || return
@@ -31,6 +32,9 @@ _inkora() {
                 '--json[print a JSON object a line]' ;;
         info)
             _arguments $help $radio '--json[print one JSON object]' ;;
+        doctor)
+            _arguments $help '--for=[listen for so many seconds]:seconds' \
+                '--json[print one JSON object]' ;;
         palette) _arguments $help '1:from:_files' '2:to:_files' ;;
         json)
             _arguments -C $help \

@@ -93,7 +93,9 @@ std::string textOf(const Finding& finding) {
 std::string summaryOf(const Findings& findings) {
     if (!isUsable(findings)) {
         std::string text;
-        appendWrapped(text, 0, "No pen can be used yet." + notLookedAt(findings));
+        const bool isInterrupted = count(findings, Finding::State::fault) == 0;
+        const std::string verdict = isInterrupted ? "Interrupted." : "No pen can be used yet.";
+        appendWrapped(text, 0, verdict + notLookedAt(findings));
         return text;
     }
     const auto warnings = count(findings, Finding::State::warning);

@@ -43,8 +43,7 @@ bool isMember(const std::string& group) {
 }
 
 Finding denied() {
-    Finding finding{permission, Finding::State::fault,
-                    "this user may not talk to bluetoothd"};
+    Finding finding{permission, Finding::State::fault, "this user may not talk to bluetoothd"};
     const std::string group = groupOfPolicy();
     if (group.empty() || isMember(group)) {
         finding.advice = "See the policies for org.bluez in /etc/dbus-1/system.d.";

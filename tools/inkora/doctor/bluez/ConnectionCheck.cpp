@@ -44,15 +44,11 @@ struct Host final : InkoraProtocols {
     std::string failure;
 };
 
-bool hasLink() {
-    const auto pen = InkoraHandler::getInstance()->connectedPeripheral();
-    return pen && pen->state() != CBPeripheralState::disconnected;
-}
-
 void letGo() {
-    if (hasLink()) {
+    if (const auto pen = InkoraHandler::getInstance()->connectedPeripheral()) {
         InkoraManager::stopPairingDevice();
-        waitUntil([] { return !hasLink(); }, longestDisconnection);
+        waitUntil([&] { return pen->state() == CBPeripheralState::disconnected; },
+                  longestDisconnection);
     }
     InkoraManager::unRegisterInkoraManager();
 }
@@ -71,13 +67,14 @@ Finding fault(const char* name, const std::string& text) {
 Findings tryPen(const Waiting& waiting, Host& host) {
     const double began = RunLoop::main().now();
     waiting.until([&] { return host.isConnected || !host.failure.empty(); }, longestConnection);
-    if (!host.isConnected) return {fault(connection, host.failure.empty() ? "none" : host.failure)};
+    if (!host.isConnected)
+        return {fault(connection, host.failure.empty() ? "none within 30 s" : host.failure)};
     const Finding connected{connection, Finding::State::ok, "after " + secondsSince(began)};
     waiting.until([&] { return !host.value.empty() || !host.failure.empty(); }, longestAnswer);
     if (!host.value.empty())
         return {connected,
                 {firstValue, Finding::State::ok, host.value + ", after " + secondsSince(began)}};
-    return {connected, fault(firstValue, host.failure.empty() ? "none" : host.failure)};
+    return {connected, fault(firstValue, host.failure.empty() ? "none within 10 s" : host.failure)};
 }
 
 }  // namespace

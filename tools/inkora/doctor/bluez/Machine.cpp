@@ -23,12 +23,11 @@ std::optional<BusError> Machine::ask(const char* destination, const char* path,
     };
     const auto state = std::make_shared<State>();
     state->read = read;
-    bus->call({destination, path, interface, member, {}, patience},
-              [state](Answer& answer) {
-                  state->isAnswered = true;
-                  state->error = answer.error;
-                  if (!answer.error && state->read) state->read(answer.body);
-              });
+    bus->call({destination, path, interface, member, {}, patience}, [state](Answer& answer) {
+        state->isAnswered = true;
+        state->error = answer.error;
+        if (!answer.error && state->read) state->read(answer.body);
+    });
     // The bus ends the call itself; what is more than that is for the run loop.
     constexpr double grace = 0.5;
     waiting.until([&] { return state->isAnswered || !bus; }, patience + grace);

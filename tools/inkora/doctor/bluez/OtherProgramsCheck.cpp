@@ -48,8 +48,9 @@ Findings lookAtOtherPrograms(Machine& machine) {
     if (const std::string pen = heldPen(machine); !pen.empty()) {
         const auto address = propertyOf<std::string>(machine, pen, ObjectTree::device, "Address");
         return {{name, Finding::State::fault,
-                 "connected to " + shown(propertyOf<std::string>(machine, pen, ObjectTree::device, "Alias")) + ' ' + address +
-                     ", or left so by one that has ended",
+                 "connected to " +
+                     shown(propertyOf<std::string>(machine, pen, ObjectTree::device, "Alias")) +
+                     ' ' + address + ", or left so by one that has ended",
                  "bluetoothctl disconnect " + address, "End that program, or its link:"}};
     }
     if (propertyOf<bool>(machine, machine.adapter, ObjectTree::adapter, "Discovering"))
