@@ -11,9 +11,8 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* name = "adapter";
 constexpr const char* everything = "/org/bluez";
-constexpr std::size_t mostShown = 3;
+constexpr std::size_t mostAdapters = 3;
 
 template <class T>
 T propertyOf(const Machine& machine, const std::string& adapter, std::string_view property) {
@@ -35,12 +34,12 @@ bool hasBluetoothLE(const Machine& machine, const std::string& adapter) {
 Finding findingOf(const Machine& machine, const std::string& adapter) {
     const std::string label = adapter.substr(adapter.rfind('/') + 1) + ' ' +
                               propertyOf<std::string>(machine, adapter, "Address");
-    Finding finding{name, Finding::State::fault};
+    Finding finding{named::adapter, Finding::State::fault};
     if (!hasBluetoothLE(machine, adapter)) {
         finding.text = label + " has no Bluetooth LE, or no central role";
         finding.advice = "See ControllerMode in /etc/bluetooth/main.conf.";
     } else if (isPowered(machine, adapter)) {
-        return {name, Finding::State::ok, label + " is on"};
+        return {named::adapter, Finding::State::ok, label + " is on"};
     } else if (const RadioBlock block = radioBlockOf(adapter); block == RadioBlock::hard) {
         finding.text = label + " is blocked by a switch or key of the machine";
         finding.advice = "Flip that (rfkill list shows it).";
@@ -64,18 +63,17 @@ std::string adapterOfKernel() {
 
 Finding noAdapter() {
     if (const std::string adapter = adapterOfKernel(); !adapter.empty())
-        return {name, Finding::State::fault, "bluetoothd does not take " + adapter,
+        return {named::adapter, Finding::State::fault, "bluetoothd does not take " + adapter,
                 remedies::restartBluetoothd(),
                 "Its log says why (journalctl -u bluetooth); if it does not, start it anew:"};
-    return {name, Finding::State::fault, "the kernel has none",
+    return {named::adapter, Finding::State::fault, "the kernel has none",
             remedies::asRoot("dmesg | grep -i -e bluetooth -e firmware"),
             "Plug one in. For one that is in, the kernel's log says what it lacks:"};
 }
 
-// bluetoothd takes its name on the bus before it shows its adapters.
+// bluetoothd takes its name on the bus before it shows its adapters: half a second was seen.
 void waitForAdapters(Machine& machine) {
-    constexpr int longestStart = 3;  // seconds; half a second was seen under load
-    for (int i = 0; i < longestStart; ++i) {
+    for (double waited = 0; waited < machine.patience; ++waited) {
         if (!machine.objects.below(everything, ObjectTree::adapter).empty()) return;
         if (adapterOfKernel().empty()) return;
         machine.waiting.until([] { return false; }, 1);
@@ -98,10 +96,14 @@ Findings lookAtAdapters(Machine& machine) {
         std::swap(findings.front(), findings.back());  // the one that is used
     }
     if (findings.empty()) return {noAdapter()};
-    if (findings.size() > mostShown) findings.resize(mostShown);
+    if (findings.size() > mostAdapters) {
+        const std::size_t more = findings.size() - mostAdapters;
+        findings.resize(mostAdapters);
+        findings.back().text += "; " + std::to_string(more) + " more";
+    }
     for (auto finding = findings.begin() + 1; finding != findings.end(); ++finding) {
         // Beside one that can be used the others do not matter, and one remedy is for all.
-        if (isUsable) *finding = {name, Finding::State::ok, finding->text};
+        if (isUsable) *finding = {named::adapter, Finding::State::ok, finding->text};
         if (finding->remedy == findings.front().remedy) finding->remedy.clear();
     }
     return findings;

@@ -15,9 +15,6 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* permission = "permission";
-constexpr const char* answer = "answer";
-
 // The group that BlueZ's policy for the bus names, as a text of XML: where there is one, it is the
 // one that distributions mean to be joined. Debian calls it bluetooth, others lp or plugdev.
 std::string groupOfPolicy() {
@@ -34,18 +31,20 @@ std::string groupOfPolicy() {
     return {};
 }
 
-bool isMember(const std::string& group) {
+// Whether there is such a group, and this process is not in it.
+bool isThereToJoin(const std::string& group) {
     const struct group* const entry = ::getgrnam(group.c_str());
-    if (!entry) return false;
+    if (!entry || entry->gr_gid == ::getegid()) return false;
     std::vector<gid_t> groups(static_cast<std::size_t>(std::max(::getgroups(0, nullptr), 0)));
     ::getgroups(static_cast<int>(groups.size()), groups.data());
-    return entry->gr_gid == ::getegid() || std::ranges::find(groups, entry->gr_gid) != groups.end();
+    return std::ranges::find(groups, entry->gr_gid) == groups.end();
 }
 
 Finding denied() {
-    Finding finding{permission, Finding::State::fault, "this user may not talk to bluetoothd"};
+    Finding finding{named::permission, Finding::State::fault,
+                    "this user may not talk to bluetoothd"};
     const std::string group = groupOfPolicy();
-    if (group.empty() || isMember(group)) {
+    if (!isThereToJoin(group)) {
         finding.advice = "See the policies for org.bluez in /etc/dbus-1/system.d.";
     } else {
         finding.advice = "A group may: join it, and log in again.";
@@ -62,13 +61,13 @@ Findings lookAtAnswer(Machine& machine) {
         machine.ask("org.bluez", "/", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects",
                     [&](MessageReader& body) { machine.objects.replace(body.readObjects()); });
     if (error && bluezErrors::isAccessDenied(*error)) return {denied()};
-    const Finding mayAsk{permission, Finding::State::ok, "this user may talk to bluetoothd"};
+    const Finding mayAsk{named::permission, Finding::State::ok, "this user may talk to bluetoothd"};
     if (error)
         return {mayAsk,
-                {answer, Finding::State::fault, "none: " + bluezErrors::textOf(*error),
+                {named::answer, Finding::State::fault, "none: " + bluezErrors::textOf(*error),
                  remedies::restartBluetoothd()}};
     const auto took = static_cast<int>((RunLoop::main().now() - asked) * 1000);
-    return {mayAsk, {answer, Finding::State::ok, "after " + std::to_string(took) + " ms"}};
+    return {mayAsk, {named::answer, Finding::State::ok, "after " + std::to_string(took) + " ms"}};
 }
 
 }  // namespace InkoraTool

@@ -13,8 +13,6 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* name = "bluetoothd";
-
 // Where distributions install it.
 constexpr std::array<const char*, 4> places = {
     "/usr/libexec/bluetooth/bluetoothd",
@@ -55,7 +53,7 @@ bool doesBusOfferToStartIt(Machine& machine) {
 }
 
 Finding notRunning(Machine& machine, const std::string& version) {
-    Finding finding{name, Finding::State::fault};
+    Finding finding{named::bluetoothd, Finding::State::fault};
     finding.text = version.empty() ? "does not run" : version + " is installed, but does not run";
     if (doesBusOfferToStartIt(machine)) finding.text += "; the bus offers to start it";
     // BlueZ's unit for systemd has this as its condition.
@@ -73,11 +71,11 @@ Findings lookAtBluetoothd(Machine& machine) {
     const std::string version = versionOf(program);
     if (machine.isOnBus("org.bluez")) {
         const std::string installed = version.empty() ? "" : "; " + version + " is installed";
-        return {{name, Finding::State::ok, "runs" + installed}};
+        return {{named::bluetoothd, Finding::State::ok, "runs" + installed}};
     }
     if (!program.empty()) return {notRunning(machine, version)};
-    return {{name, Finding::State::fault, "is not installed", remedies::install("bluez"),
-             "The package is called bluez."}};
+    return {{named::bluetoothd, Finding::State::fault, "is not installed",
+             remedies::install("bluez"), "The package is called bluez."}};
 }
 
 }  // namespace InkoraTool

@@ -10,8 +10,6 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* name = "system bus";
-
 // Where the environment has put it, or nothing.
 std::string placeInEnvironment() {
     const char* const address = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
@@ -25,7 +23,7 @@ bool isInstalled() {
 }
 
 Finding noBus(int error) {
-    Finding finding{name, Finding::State::fault};
+    Finding finding{named::bus, Finding::State::fault};
     if (error == EACCES || error == EPERM) {
         finding.text = "this user may not connect to it" + placeInEnvironment();
         return finding;
@@ -53,8 +51,9 @@ Findings lookAtBus(Machine& machine) {
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListNames",
         [&](MessageReader& body) { machine.namesOnBus = body.readTexts(); });
     if (machine.busError != 0) return {noBus(machine.busError)};
-    if (error) return {{name, Finding::State::fault, "does not answer" + placeInEnvironment()}};
-    return {{name, Finding::State::ok, "answers" + placeInEnvironment()}};
+    if (error)
+        return {{named::bus, Finding::State::fault, "does not answer" + placeInEnvironment()}};
+    return {{named::bus, Finding::State::ok, "answers" + placeInEnvironment()}};
 }
 
 }  // namespace InkoraTool

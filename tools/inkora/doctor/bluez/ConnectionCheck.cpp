@@ -15,13 +15,10 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* connection = "connection";
-constexpr const char* firstValue = "first value";
-
 // Seconds
 constexpr double longestConnection = 30;
 constexpr double longestAnswer = 10;
-constexpr double longestDisconnection = 5;
+constexpr double longestLetGo = 5;
 
 /// A host like any other.
 struct Host final : InkoraProtocols {
@@ -48,7 +45,7 @@ void letGo() {
     if (const auto pen = InkoraHandler::getInstance()->connectedPeripheral()) {
         InkoraManager::stopPairingDevice();
         waitUntil([&] { return pen->state() == CBPeripheralState::disconnected; },
-                  longestDisconnection);
+                  longestLetGo);
     }
     InkoraManager::unRegisterInkoraManager();
 }
@@ -68,13 +65,15 @@ Findings tryPen(const Waiting& waiting, Host& host) {
     const double began = RunLoop::main().now();
     waiting.until([&] { return host.isConnected || !host.failure.empty(); }, longestConnection);
     if (!host.isConnected)
-        return {fault(connection, host.failure.empty() ? "none within 30 s" : host.failure)};
-    const Finding connected{connection, Finding::State::ok, "after " + secondsSince(began)};
+        return {fault(named::connection, host.failure.empty() ? "none within 30 s" : host.failure)};
+    const Finding connected{named::connection, Finding::State::ok, "after " + secondsSince(began)};
     waiting.until([&] { return !host.value.empty() || !host.failure.empty(); }, longestAnswer);
     if (!host.value.empty())
-        return {connected,
-                {firstValue, Finding::State::ok, host.value + ", after " + secondsSince(began)}};
-    return {connected, fault(firstValue, host.failure.empty() ? "none within 10 s" : host.failure)};
+        return {
+            connected,
+            {named::firstValue, Finding::State::ok, host.value + ", after " + secondsSince(began)}};
+    return {connected,
+            fault(named::firstValue, host.failure.empty() ? "none within 10 s" : host.failure)};
 }
 
 }  // namespace

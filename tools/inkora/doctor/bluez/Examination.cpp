@@ -16,15 +16,15 @@ struct Check {
 };
 
 constexpr std::array<Check, 8> checks = {{
-    {{"system bus"}, lookAtBus, ExitStatus::noBluetooth},
-    {{"bluetoothd"}, lookAtBluetoothd, ExitStatus::noBluetooth},
-    {{"permission", "answer"}, lookAtAnswer, ExitStatus::noBluetooth},
-    {{"adapter"}, lookAtAdapters, ExitStatus::noBluetooth},
+    {{named::bus}, lookAtBus, ExitStatus::noBluetooth},
+    {{named::bluetoothd}, lookAtBluetoothd, ExitStatus::noBluetooth},
+    {{named::permission, named::answer}, lookAtAnswer, ExitStatus::noBluetooth},
+    {{named::adapter}, lookAtAdapters, ExitStatus::noBluetooth},
     // From here on it is no longer about Bluetooth alone.
-    {{"signal strength"}, lookAtSignalStrength, ExitStatus::success},
-    {{"other programs"}, lookAtOtherPrograms, ExitStatus::notConnected},
-    {{"pens"}, listenForPens, ExitStatus::noPen},
-    {{"connection", "first value"}, tryAPen, ExitStatus::notConnected},
+    {{named::signalStrength}, lookAtSignalStrength, ExitStatus::success},
+    {{named::otherPrograms}, lookAtOtherPrograms, ExitStatus::notConnected},
+    {{named::pens}, listenForPens, ExitStatus::noPen},
+    {{named::connection, named::firstValue}, tryAPen, ExitStatus::notConnected},
 }};
 constexpr std::size_t checksOfBluetooth = 4;
 

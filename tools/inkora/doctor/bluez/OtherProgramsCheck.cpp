@@ -10,8 +10,6 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* name = "other programs";
-
 template <class T>
 T propertyOf(const Machine& machine, const std::string& path, const char* interface,
              const char* property) {
@@ -47,16 +45,16 @@ std::string heldPen(const Machine& machine) {
 Findings lookAtOtherPrograms(Machine& machine) {
     if (const std::string pen = heldPen(machine); !pen.empty()) {
         const auto address = propertyOf<std::string>(machine, pen, ObjectTree::device, "Address");
-        return {{name, Finding::State::fault,
+        return {{named::otherPrograms, Finding::State::fault,
                  "connected to " +
                      shown(propertyOf<std::string>(machine, pen, ObjectTree::device, "Alias")) +
                      ' ' + address + ", or left so by one that has ended",
                  "bluetoothctl disconnect " + address, "End that program, or its link:"}};
     }
     if (propertyOf<bool>(machine, machine.adapter, ObjectTree::adapter, "Discovering"))
-        return {{name, Finding::State::warning, "one scans, which slows connecting", "",
-                 "Close the settings of Bluetooth, or what else looks for devices."}};
-    return {{name, Finding::State::ok, "none scans, none is connected to a pen"}};
+        return {{named::otherPrograms, Finding::State::warning, "one scans, which slows connecting",
+                 "", "Close the settings of Bluetooth, or what else looks for devices."}};
+    return {{named::otherPrograms, Finding::State::ok, "none scans, none is connected to a pen"}};
 }
 
 }  // namespace InkoraTool

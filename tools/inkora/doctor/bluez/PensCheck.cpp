@@ -17,7 +17,6 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
-constexpr const char* name = "pens";
 constexpr double longestStart = 15;  // seconds until the kit knows how the adapter is
 constexpr std::int64_t unknown = 127;
 
@@ -76,19 +75,19 @@ std::string othersText(std::size_t count) {
 }
 
 Finding findingOf(const std::map<UUID, Advertiser>& heard, double seconds) {
-    constexpr std::size_t mostShown = 3;
+    constexpr std::size_t mostPens = 3;
     const std::vector<Advertiser> pens = pensAmong(heard);
     const std::string others = othersText(heard.size() - pens.size());
     if (pens.empty())
-        return {name, Finding::State::fault,
+        return {named::pens, Finding::State::fault,
                 "none heard in " + numberText(seconds) + " s; " + others, "",
                 "Switch the pen on and bring it near; one that is connected elsewhere, to a phone "
                 "perhaps, is not heard."};
     std::string text;
-    for (std::size_t i = 0; i < std::min(pens.size(), mostShown); ++i)
+    for (std::size_t i = 0; i < std::min(pens.size(), mostPens); ++i)
         text += (i == 0 ? "" : ", ") + textOf(pens[i]);
-    if (pens.size() > mostShown) text += ", " + std::to_string(pens.size() - mostShown) + " more";
-    return {name, Finding::State::ok, text + "; " + others};
+    if (pens.size() > mostPens) text += ", " + std::to_string(pens.size() - mostPens) + " more";
+    return {named::pens, Finding::State::ok, text + "; " + others};
 }
 
 }  // namespace
@@ -101,7 +100,7 @@ Findings listenForPens(Machine& machine) {
     const auto isOff = [&] { return central.state() != CBManagerState::poweredOn; };
     if (isOff() || machine.waiting.until(isOff, machine.listening)) {
         machine.meaning = ExitStatus::noBluetooth;
-        return {{name, Finding::State::fault,
+        return {{named::pens, Finding::State::fault,
                  "cannot be listened for: " + std::string(description(central.stateReason()))}};
     }
     return {findingOf(listener->heard, machine.listening)};

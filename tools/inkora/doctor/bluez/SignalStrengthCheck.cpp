@@ -7,11 +7,11 @@ using namespace InkoraKit;
 namespace InkoraTool {
 
 Findings lookAtSignalStrength(Machine&) {
-    constexpr const char* name = "signal strength";
     if (ManagementSocket::isPermitted())
-        return {{name, Finding::State::ok, "told of connected pens too"}};
-    return {{name, Finding::State::warning, "not told of a connected pen without CAP_NET_ADMIN",
-             remedies::allowSignalStrength(), "A host of your own needs it likewise."}};
+        return {{named::signalStrength, Finding::State::ok, "told of connected pens too"}};
+    return {{named::signalStrength, Finding::State::warning,
+             "not told of a connected pen without CAP_NET_ADMIN", remedies::allowSignalStrength(),
+             "A host of your own needs it likewise."}};
 }
 
 }  // namespace InkoraTool
