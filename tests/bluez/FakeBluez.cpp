@@ -3,78 +3,19 @@
 #include <InkoraKit/platform/RunLoop.h>
 
 #include "PrivateBus.h"
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
 #include <poll.h>
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
-#include <type_traits>
 #include <utility>
 
 namespace InkoraKit {
 namespace {
 
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
-
-template <class Fill>
-void within(sd_bus_message* message, char kind, const std::string& contents, Fill fill) {
-    sd_bus_message_open_container(message, kind, contents.c_str());
-    fill();
-    sd_bus_message_close_container(message);
-}
-
-void append(sd_bus_message* message, const Variant& value);
-void append(sd_bus_message* message, const Properties& properties);
-void append(sd_bus_message* message, const Interfaces& interfaces);
-
-template <class Map>
-void appendMap(sd_bus_message* message, const std::string& entry, const Map& map) {
-    within(message, 'a', "{" + entry + "}", [&] {
-        for (const auto& each : map)
-            within(message, 'e', entry, [&] {
-                if constexpr (std::is_same_v<typename Map::key_type, std::string>)
-                    sd_bus_message_append_basic(message, entry.front(), each.first.c_str());
-                else
-                    sd_bus_message_append_basic(message, entry.front(), &each.first);
-                append(message, each.second);
-            });
-    });
-}
-
-// An alternative that stands for no type of interest goes out as a number of another type.
-void append(sd_bus_message* message, const Variant& value) {
-    if (const auto* truth = std::get_if<bool>(&value)) {
-        sd_bus_message_append(message, "v", "b", static_cast<int>(*truth));
-    } else if (const auto* number = std::get_if<std::int16_t>(&value)) {
-        sd_bus_message_append(message, "v", "n", static_cast<int>(*number));
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-        sd_bus_message_append(message, "v", "s", text->c_str());
-    } else if (const auto* texts = std::get_if<std::vector<std::string>>(&value)) {
-        within(message, 'v', "as", [&] {
-            within(message, 'a', "s", [&] {
-                for (const std::string& each : *texts)
-                    sd_bus_message_append(message, "s", each.c_str());
-            });
-        });
-    } else if (const auto* data = std::get_if<Data>(&value)) {
-        within(message, 'v', "ay",
-               [&] { sd_bus_message_append_array(message, 'y', data->data(), data->size()); });
-    } else if (const auto* byCompany = std::get_if<std::map<std::uint16_t, Data>>(&value)) {
-        within(message, 'v', "a{qv}", [&] { appendMap(message, "qv", *byCompany); });
-    } else {
-        sd_bus_message_append(message, "v", "i", -60);
-    }
-}
-
-void append(sd_bus_message* message, const Properties& properties) {
-    appendMap(message, "sv", properties);
-}
-
-void append(sd_bus_message* message, const Interfaces& interfaces) {
-    appendMap(message, "sa{sv}", interfaces);
-}
 
 }  // namespace
 
@@ -85,6 +26,8 @@ FakeBluez::FakeBluez(const std::string& busAddress) : bus_(PrivateBus::connect(b
             return static_cast<FakeBluez*>(self)->received(message);
         },
         this);
+    sd_bus_add_match(bus_.get(), nullptr, "type='signal',path_namespace='/inkora'", nullptr,
+                     nullptr);
     sd_bus_request_name(bus_.get(), "org.bluez", 0);
     RunLoop::main().addSource(*this);
 }
@@ -103,18 +46,15 @@ void FakeBluez::addSilently(const std::string& path, const std::string& interfac
 void FakeBluez::add(const std::string& path, const std::string& interface,
                     const Properties& properties) {
     addSilently(path, interface, properties);
-    sd_bus_message* signal = newSignal("/", objectManager, "InterfacesAdded");
-    sd_bus_message_append(signal, "o", path.c_str());
-    append(signal, Interfaces{{interface, properties}});
-    send(signal);
+    emit("/", objectManager, "InterfacesAdded",
+         arguments(ObjectPath{path}, Interfaces{{interface, properties}}));
 }
 
 void FakeBluez::remove(const std::string& path, const std::string& interface) {
     objects_[path].erase(interface);
     if (objects_[path].empty()) objects_.erase(path);
-    sd_bus_message* signal = newSignal("/", objectManager, "InterfacesRemoved");
-    sd_bus_message_append(signal, "oas", path.c_str(), 1, interface.c_str());
-    send(signal);
+    emit("/", objectManager, "InterfacesRemoved",
+         arguments(ObjectPath{path}, std::vector{interface}));
 }
 
 void FakeBluez::change(const std::string& path, const std::string& interface,
@@ -122,15 +62,8 @@ void FakeBluez::change(const std::string& path, const std::string& interface,
     Properties& properties = objects_[path][interface];
     for (const auto& [name, value] : changed) properties.insert_or_assign(name, value);
     for (const std::string& name : invalidated) properties.erase(name);
-    sd_bus_message* signal =
-        newSignal(path, "org.freedesktop.DBus.Properties", "PropertiesChanged");
-    sd_bus_message_append(signal, "s", interface.c_str());
-    append(signal, changed);
-    within(signal, 'a', "s", [&] {
-        for (const std::string& name : invalidated)
-            sd_bus_message_append(signal, "s", name.c_str());
-    });
-    send(signal);
+    emit(path, "org.freedesktop.DBus.Properties", "PropertiesChanged",
+         arguments(interface, changed, invalidated));
 }
 
 void FakeBluez::addAdapter(const std::string& path, const std::string& address, bool isPowered) {
@@ -171,16 +104,17 @@ void FakeBluez::endLink() {
     changePen({{"ServicesResolved", false}, {"Connected", false}});
 }
 
-sd_bus_message* FakeBluez::newSignal(const std::string& path, const char* interface,
-                                     const char* member) {
+void FakeBluez::emit(const std::string& path, const char* interface, const char* member,
+                     const Arguments& arguments) {
     sd_bus_message* signal = nullptr;
     sd_bus_message_new_signal(bus_.get(), &signal, path.c_str(), interface, member);
-    return signal;
+    send(signal, arguments);
 }
 
 // --- calls --------------------------------------------------------------------------------------
 
 int FakeBluez::received(sd_bus_message* message) {
+    if (sd_bus_message_is_signal(message, nullptr, "PropertiesChanged") > 0) recordValue(message);
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
     caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
@@ -191,6 +125,7 @@ int FakeBluez::received(sd_bus_message* message) {
     }
     if (sd_bus_message_has_signature(message, "a{sv}") > 0)
         lastOptions = MessageReader(message).readProperties();
+    if (member == "Set") setProperty(message);
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
     if (const Method method = methods_[member]) {
         method(sd_bus_message_get_path(message));
@@ -202,11 +137,44 @@ int FakeBluez::received(sd_bus_message* message) {
     return 1;
 }
 
+void FakeBluez::setProperty(sd_bus_message* message) {
+    const char *interface = nullptr, *property = nullptr, *text = nullptr;
+    sd_bus_message_read(message, "ssv", &interface, &property, "s", &text);
+    change(sd_bus_message_get_path(message), interface, {{property, std::string(text)}});
+}
+
+void FakeBluez::recordValue(sd_bus_message* message) {
+    MessageReader reader(message);
+    reader.readText();
+    const Properties changed = reader.readProperties();
+    if (const Data* value = find<Data>(changed, "Value"))
+        told.push_back(reader.path() + ' ' + value->hexEncodedString());
+}
+
+void FakeBluez::ask(const std::string& path, const char* interface, const char* member,
+                    const Arguments& arguments) {
+    sd_bus_message* call = nullptr;
+    sd_bus_message_new_method_call(bus_.get(), &call, caller.c_str(), path.c_str(), interface,
+                                   member);
+    MessageWriter writer(call);
+    if (arguments) arguments(writer);
+    const auto answered = [](sd_bus_message* answer, void* self, sd_bus_error*) {
+        const sd_bus_error* error = sd_bus_message_get_error(answer);
+        const bool hasBytes = sd_bus_message_has_signature(answer, "ay") > 0;
+        static_cast<FakeBluez*>(self)->answers.push_back(
+            error      ? error->name
+            : hasBytes ? MessageReader(answer).readBytes().hexEncodedString()
+                       : sd_bus_message_get_signature(answer, true));
+        return 0;
+    };
+    sd_bus_call_async(bus_.get(), nullptr, call, answered, this, 0);
+    sd_bus_message_unref(call);
+}
+
 void FakeBluez::sendObjects() {
     sd_bus_message* answer = nullptr;
     sd_bus_message_new_method_return(takeHeld("GetManagedObjects").get(), &answer);
-    appendMap(answer, "oa{sa{sv}}", objects_);
-    send(answer);
+    send(answer, arguments(objects_));
 }
 
 void FakeBluez::hold(const std::string& member) {
@@ -234,8 +202,7 @@ void FakeBluez::replyBytes(const std::string& member, const Data& value) {
     if (!call) return;
     sd_bus_message* answer = nullptr;
     sd_bus_message_new_method_return(call.get(), &answer);
-    sd_bus_message_append_array(answer, 'y', value.data(), value.size());
-    send(answer);
+    send(answer, arguments(value));
 }
 
 void FakeBluez::replyError(const std::string& member, const char* name, const char* text) {
@@ -251,7 +218,9 @@ void FakeBluez::answerSomebodyElse() {
     sd_bus_emit_signal(bus_.get(), "/elsewhere", "org.example.Other", "Answer", nullptr);
 }
 
-void FakeBluez::send(sd_bus_message* message) {
+void FakeBluez::send(sd_bus_message* message, const Arguments& arguments) {
+    MessageWriter writer(message);
+    arguments(writer);
     if (!addressee.empty()) sd_bus_message_set_destination(message, addressee.c_str());
     sd_bus_send(bus_.get(), message, nullptr);
     sd_bus_message_unref(message);
@@ -260,10 +229,8 @@ void FakeBluez::send(sd_bus_message* message) {
 // --- what any user of the bus may do ------------------------------------------------------------
 
 void FakeBluez::claimThatOwnerChanged(const std::string& oldOwner, const std::string& newOwner) {
-    sd_bus_message* signal =
-        newSignal("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged");
-    sd_bus_message_append(signal, "sss", "org.bluez", oldOwner.c_str(), newOwner.c_str());
-    send(signal);
+    emit("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+         arguments(std::string("org.bluez"), oldOwner, newOwner));
 }
 
 // --- the run loop -------------------------------------------------------------------------------

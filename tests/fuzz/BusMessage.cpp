@@ -1,7 +1,7 @@
 #include "BusMessage.h"
 
 #include "PlainJSON.h"
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
 
 #include <sys/socket.h>
 #include <systemd/sd-bus.h>

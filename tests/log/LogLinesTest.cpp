@@ -1,4 +1,4 @@
-#include "platform/radios/bluez/Properties.h"
+#include "platform/bus/Properties.h"
 #include "support/PenScript.h"
 
 #include <gtest/gtest.h>

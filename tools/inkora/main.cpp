@@ -48,7 +48,8 @@ int main(int argc, char** argv) {
             .name = "inkora",
             .help = "Talks to a colour-capturing pen over Bluetooth LE.",
             .footer = footer,
-            .commands = {watchCommand(), infoCommand(), jsonCommand(), paletteCommand()},
+            .commands = {watchCommand(), infoCommand(), penCommand(), jsonCommand(),
+                         paletteCommand()},
         };
         return static_cast<int>(runCommandLine(program, "inkora " INKORA_VERSION, argc, argv));
     } catch (const Failure& failure) {

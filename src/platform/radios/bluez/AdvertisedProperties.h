@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/bluetooth/radio.h"
-#include "platform/radios/bluez/Properties.h"
+#include "platform/bus/Properties.h"
 
 #include <map>
 #include <optional>

@@ -193,9 +193,9 @@ void BluezDaemon::forgetSignalStrengths() {
 }
 
 void BluezDaemon::call(const std::string& path, const char* interface, const char* member,
-                       Completion completion, std::optional<Options> options, double timeout) {
+                       Completion completion, Arguments arguments, double timeout) {
     if (!bus_) return;
-    bus_->call({bluez, path, interface, member, std::move(options), timeout},
+    bus_->call({bluez, path, interface, member, std::move(arguments), timeout},
                [this, completion = std::move(completion)](Answer& answer) {
                    heard(answer.body);
                    completion(answer);
@@ -203,7 +203,7 @@ void BluezDaemon::call(const std::string& path, const char* interface, const cha
 }
 
 void BluezDaemon::ping(Completion completion) {
-    call("/", "org.freedesktop.DBus.Peer", "Ping", std::move(completion), std::nullopt, 1);
+    call("/", "org.freedesktop.DBus.Peer", "Ping", std::move(completion), {}, 1);
 }
 
 // Errors of the bus itself, and of time-outs, are not bluetoothd's.
@@ -211,8 +211,9 @@ void BluezDaemon::heard(const MessageReader& message) {
     if (message.sender().starts_with(':')) observer_.messageHeard(message.serial());
 }
 
-void BluezDaemon::send(const std::string& path, const char* interface, const char* member) {
-    if (bus_) bus_->send({bluez, path, interface, member});
+void BluezDaemon::send(const std::string& path, const char* interface, const char* member,
+                       Arguments arguments) {
+    if (bus_) bus_->send({bluez, path, interface, member, std::move(arguments)});
 }
 
 void BluezDaemon::flush() {

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "platform/radios/bluez/Alarm.h"
-#include "platform/radios/bluez/Bus.h"
+#include "platform/bus/Bus.h"
+#include "platform/foundation/loop/Alarm.h"
 #include "platform/radios/bluez/ObjectTree.h"
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace InkoraKit {
@@ -48,7 +46,6 @@ public:
     };
 
     using Completion = Bus::Completion;
-    using Options = std::map<std::string, std::string>;
 
     explicit BluezDaemon(Observer& observer) : observer_(observer) {}
 
@@ -63,6 +60,10 @@ public:
 
     const ObjectTree& objects() const { return objects_; }
 
+    /// Where bluetoothd is present: the bus that it is on, and the unique name that it has there.
+    Bus& bus() { return *bus_; }
+    const std::string& owner() const { return owner_; }
+
     /// Asks for all objects anew; `done` runs when the tree is what BlueZ exports now.
     void refresh(std::function<void()> done);
 
@@ -71,12 +72,12 @@ public:
 
     /// The completion runs once, later, or never if bluetoothd is lost before.
     void call(const std::string& path, const char* interface, const char* member,
-              Completion completion, std::optional<Options> options = std::nullopt,
-              double timeout = 25);
+              Completion completion, Arguments arguments = {}, double timeout = 25);
     /// Asks for nothing but a sign of life, at the latest after a second.
     void ping(Completion completion);
     /// Sends without waiting for an answer; `flush` sees to it that it has left this process.
-    void send(const std::string& path, const char* interface, const char* member);
+    void send(const std::string& path, const char* interface, const char* member,
+              Arguments arguments = {});
     void flush();
 
 private:

@@ -2,7 +2,7 @@
 
 #include <InkoraKit/platform/NSError.h>
 
-#include "platform/radios/bluez/Bus.h"
+#include "platform/bus/Bus.h"
 
 #include <string>
 

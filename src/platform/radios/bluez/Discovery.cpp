@@ -42,18 +42,18 @@ void Discovery::step() {
     // rests between scans.
     if (stage_ == Stage::idle && isWanted_)
         return ask(Stage::filtering, "SetDiscoveryFilter",
-                   BluezDaemon::Options{{"Transport", "le"}});
+                   arguments(Properties{{"Transport", std::string("le")}}));
     if (stage_ == Stage::running && !isWanted_) ask(Stage::stopping, "StopDiscovery");
 }
 
-void Discovery::ask(Stage stage, const char* method, std::optional<BluezDaemon::Options> options) {
+void Discovery::ask(Stage stage, const char* method, Arguments arguments) {
     move(stage);
     daemon_.call(
         adapter_, ObjectTree::adapter, method,
         [this, use = use_](Answer& answer) {
             if (use == use_) answered(answer.error);
         },
-        std::move(options));
+        std::move(arguments));
 }
 
 void Discovery::answered(const std::optional<BusError>& error) {

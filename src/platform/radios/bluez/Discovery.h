@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/radios/bluez/Alarm.h"
+#include "platform/foundation/loop/Alarm.h"
 #include "platform/radios/bluez/BluezDaemon.h"
 
 #include <functional>
@@ -35,8 +35,7 @@ private:
     enum class Stage { idle, filtering, starting, running, stopping };
 
     void step();
-    void ask(Stage stage, const char* method,
-             std::optional<BluezDaemon::Options> options = std::nullopt);
+    void ask(Stage stage, const char* method, Arguments arguments = {});
     void answered(const std::optional<BusError>& error);
     void refused(const BusError& error);
     void move(Stage stage);

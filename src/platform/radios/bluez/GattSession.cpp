@@ -179,7 +179,7 @@ void GattSession::sendRead(AttributeHandle handle) {
         [weak = weak_from_this(), handle](Answer& answer) {
             if (const auto self = weak.lock()) self->readAnswered(handle, answer);
         },
-        BluezDaemon::Options{}, attributeTime);
+        arguments(Properties{}), attributeTime);
 }
 
 void GattSession::readAnswered(AttributeHandle handle, Answer& answer) {
@@ -238,7 +238,7 @@ void GattSession::sendSubscription(AttributeHandle handle, bool on, bool isAsked
             if (self && (isAskedFor || answer.error))
                 self->subscriptionAnswered(handle, on, answer.error);
         },
-        std::nullopt, attributeTime);
+        {}, attributeTime);
 }
 
 void GattSession::subscriptionAnswered(AttributeHandle handle, bool on,

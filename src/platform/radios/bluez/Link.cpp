@@ -91,7 +91,7 @@ void Link::proceed() {
             const auto self = weak.lock();
             if (self && self->request_ == request) self->connectAnswered(answer.error);
         },
-        std::nullopt, attemptTime);
+        {}, attemptTime);
     move(Stage::connecting);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/bluetooth/radio.h"
-#include "platform/radios/bluez/Alarm.h"
+#include "platform/foundation/loop/Alarm.h"
 #include "platform/radios/bluez/BluezDaemon.h"
 #include "platform/radios/bluez/GattSession.h"
 

@@ -2,7 +2,7 @@
 
 #include <InkoraKit/platform/RunLoopSource.h>
 
-#include "platform/radios/bluez/Alarm.h"
+#include "platform/foundation/loop/Alarm.h"
 #include "platform/radios/bluez/DeviceAddress.h"
 
 #include <cstdint>

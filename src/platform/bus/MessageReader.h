@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/radios/bluez/Properties.h"
+#include "platform/bus/Properties.h"
 
 #include <cstdint>
 #include <string>

@@ -13,11 +13,18 @@
 
 namespace InkoraKit {
 
-/// A property's value in one of the types that BlueZ gives to those the radio looks at; the first
-/// alternative stands for every other type.
-using Variant =
-    std::variant<std::monostate, bool, std::int16_t, std::string, std::vector<std::string>, Data,
-                 std::map<std::uint16_t, Data>, std::map<std::string, Data>>;
+/// The path of an object on the bus, which a message marks as such.
+struct ObjectPath {
+    std::string text;
+
+    friend bool operator==(const ObjectPath&, const ObjectPath&) = default;
+};
+
+/// A value in one of the types that BlueZ uses where anybody here looks; the first alternative
+/// stands for every other type.
+using Variant = std::variant<std::monostate, bool, std::int16_t, std::uint16_t, std::string,
+                             ObjectPath, std::vector<std::string>, Data,
+                             std::map<std::uint16_t, Data>, std::map<std::string, Data>>;
 
 using Properties = std::map<std::string, Variant, std::less<>>;
 using Interfaces = std::map<std::string, Properties, std::less<>>;

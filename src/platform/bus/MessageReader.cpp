@@ -1,4 +1,4 @@
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
 
 #include <InkoraKit/platform/NSObject.h>
 
@@ -121,8 +121,14 @@ Variant MessageReader::readVariant() {
         std::int16_t number = 0;
         sd_bus_message_read_basic(message_, SD_BUS_TYPE_INT16, &number);
         value = number;
-    } else if (contents == "s" || contents == "o") {
+    } else if (contents == "q") {
+        std::uint16_t number = 0;
+        sd_bus_message_read_basic(message_, SD_BUS_TYPE_UINT16, &number);
+        value = number;
+    } else if (contents == "s") {
         value = readText();
+    } else if (contents == "o") {
+        value = ObjectPath{readText()};
     } else if (contents == "as" || contents == "ao") {
         value = readTexts();
     } else if (contents == "ay") {

@@ -2,10 +2,10 @@
 
 #include <InkoraKit/platform/RunLoopSource.h>
 
-#include "platform/radios/bluez/MessageReader.h"
+#include "platform/bus/MessageReader.h"
+#include "platform/bus/MessageWriter.h"
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,10 +32,16 @@ struct MethodCall {
     std::string path;
     std::string interface;
     std::string member;
-    /// The method's only argument, a{sv}; a method without arguments has none.
-    std::optional<std::map<std::string, std::string>> options = std::nullopt;
+    Arguments arguments = {};
     double timeout = 25;  // seconds
     bool startsService = false;
+};
+
+struct Signal {
+    std::string path;  // of the object that tells
+    std::string interface;
+    std::string member;
+    Arguments arguments = {};
 };
 
 /// A connection to the D-Bus system bus, served by the main run loop. Nothing here ever waits: what
@@ -62,6 +68,9 @@ public:
     /// Calls a method whose answer nobody waits for.
     void send(const MethodCall& call);
 
+    /// Tells whoever listens.
+    void emit(const Signal& signal);
+
     /// Calls the handler for each signal that matches the rule, from now on. The bus takes the rule
     /// in the order of the calls, so that a call made afterwards sees the rule in force.
     void match(const std::string& rule, SignalHandler handler);
@@ -76,10 +85,13 @@ public:
     void service() override;
 
 private:
+    friend class ExportedObjects;
+
     struct Closer {
         void operator()(sd_bus* bus) const;
     };
 
+    void send(sd_bus_message* message, int madeWith);
     void fail(int error);
     template <class Handler>
     void keepForBus(sd_bus_slot* slot);

@@ -1,6 +1,8 @@
-#include "platform/radios/bluez/Bus.h"
+#include "platform/bus/Bus.h"
 
 #include <InkoraKit/platform/RunLoop.h>
+
+#include "platform/bus/Guarded.h"
 
 #include <poll.h>
 #include <systemd/sd-bus.h>
@@ -9,7 +11,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
-#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -26,17 +27,6 @@ struct MessageRelease {
     void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
 };
 using Message = std::unique_ptr<sd_bus_message, MessageRelease>;
-
-// An exception must not unwind through the C library's frames.
-template <class Function>
-void guarded(Function function) noexcept {
-    try {
-        function();
-    } catch (...) {
-        RunLoop::main().post(
-            [thrown = std::current_exception()] { std::rethrow_exception(thrown); });
-    }
-}
 
 int onAnswer(sd_bus_message* message, void* completion, sd_bus_error*) noexcept {
     guarded([&] {
@@ -62,6 +52,12 @@ double monotonicNow() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
+int fill(sd_bus_message* message, const Arguments& arguments) {
+    MessageWriter writer(message);
+    if (arguments) arguments(writer);
+    return writer.result();
+}
+
 int newMessage(sd_bus* bus, const MethodCall& call, Message& message) {
     sd_bus_message* made = nullptr;
     int result =
@@ -69,13 +65,7 @@ int newMessage(sd_bus* bus, const MethodCall& call, Message& message) {
                                        call.interface.c_str(), call.member.c_str());
     message.reset(made);
     if (result >= 0) result = sd_bus_message_set_auto_start(made, call.startsService);
-    if (result < 0 || !call.options) return result;
-    result = sd_bus_message_open_container(made, SD_BUS_TYPE_ARRAY, "{sv}");
-    for (const auto& [name, value] : *call.options)
-        if (result >= 0)
-            result = sd_bus_message_append(made, "{sv}", name.c_str(), "s", value.c_str());
-    if (result >= 0) result = sd_bus_message_close_container(made);
-    return result;
+    return result < 0 ? result : fill(made, call.arguments);
 }
 
 }  // namespace
@@ -133,7 +123,20 @@ void Bus::send(const MethodCall& call) {
     Message message;
     int result = newMessage(bus_.get(), call, message);
     if (result >= 0) result = sd_bus_message_set_expect_reply(message.get(), false);
-    if (result >= 0) result = sd_bus_send(bus_.get(), message.get(), nullptr);
+    send(message.get(), result);
+}
+
+void Bus::emit(const Signal& signal) {
+    sd_bus_message* made = nullptr;
+    int result = sd_bus_message_new_signal(bus_.get(), &made, signal.path.c_str(),
+                                           signal.interface.c_str(), signal.member.c_str());
+    const Message message(made);
+    if (result >= 0) result = fill(made, signal.arguments);
+    send(made, result);
+}
+
+void Bus::send(sd_bus_message* message, int madeWith) {
+    const int result = madeWith < 0 ? madeWith : sd_bus_send(bus_.get(), message, nullptr);
     if (result < 0) return fail(-result);
     RunLoop::main().sourcesChanged();
 }
