@@ -26,6 +26,8 @@ FakeBluez::FakeBluez(const std::string& busAddress) : bus_(PrivateBus::connect(b
             return static_cast<FakeBluez*>(self)->received(message);
         },
         this);
+    sd_bus_add_match(bus_.get(), nullptr, "type='signal',path_namespace='/inkora'", nullptr,
+                     nullptr);
     sd_bus_request_name(bus_.get(), "org.bluez", 0);
     RunLoop::main().addSource(*this);
 }
@@ -112,6 +114,7 @@ void FakeBluez::emit(const std::string& path, const char* interface, const char*
 // --- calls --------------------------------------------------------------------------------------
 
 int FakeBluez::received(sd_bus_message* message) {
+    if (sd_bus_message_is_signal(message, nullptr, "PropertiesChanged") > 0) recordValue(message);
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
     caller = sd_bus_message_get_sender(message);
     const std::string member = sd_bus_message_get_member(message);
@@ -122,6 +125,7 @@ int FakeBluez::received(sd_bus_message* message) {
     }
     if (sd_bus_message_has_signature(message, "a{sv}") > 0)
         lastOptions = MessageReader(message).readProperties();
+    if (member == "Set") setProperty(message);
     held_[member].emplace_back(sd_bus_message_ref(message), sd_bus_message_unref);
     if (const Method method = methods_[member]) {
         method(sd_bus_message_get_path(message));
@@ -131,6 +135,40 @@ int FakeBluez::received(sd_bus_message* message) {
         reply(member);
     }
     return 1;
+}
+
+void FakeBluez::setProperty(sd_bus_message* message) {
+    const char *interface = nullptr, *property = nullptr, *text = nullptr;
+    sd_bus_message_read(message, "ssv", &interface, &property, "s", &text);
+    change(sd_bus_message_get_path(message), interface, {{property, std::string(text)}});
+}
+
+void FakeBluez::recordValue(sd_bus_message* message) {
+    MessageReader reader(message);
+    reader.readText();
+    const Properties changed = reader.readProperties();
+    if (const Data* value = find<Data>(changed, "Value"))
+        told.push_back(reader.path() + ' ' + value->hexEncodedString());
+}
+
+void FakeBluez::ask(const std::string& path, const char* interface, const char* member,
+                    const Arguments& arguments) {
+    sd_bus_message* call = nullptr;
+    sd_bus_message_new_method_call(bus_.get(), &call, caller.c_str(), path.c_str(), interface,
+                                   member);
+    MessageWriter writer(call);
+    if (arguments) arguments(writer);
+    const auto answered = [](sd_bus_message* answer, void* self, sd_bus_error*) {
+        const sd_bus_error* error = sd_bus_message_get_error(answer);
+        const bool hasBytes = sd_bus_message_has_signature(answer, "ay") > 0;
+        static_cast<FakeBluez*>(self)->answers.push_back(
+            error      ? error->name
+            : hasBytes ? MessageReader(answer).readBytes().hexEncodedString()
+                       : sd_bus_message_get_signature(answer, true));
+        return 0;
+    };
+    sd_bus_call_async(bus_.get(), nullptr, call, answered, this, 0);
+    sd_bus_message_unref(call);
 }
 
 void FakeBluez::sendObjects() {

@@ -67,6 +67,15 @@ public:
     /// Sends what does not reach the radio, such as the answer to another client's call.
     void answerSomebodyElse();
 
+    // As bluetoothd does with what a caller exports
+    /// Calls a method of who has called last; what comes of it is among the answers: bytes in
+    /// hexadecimal, nothing, or the error's name.
+    void ask(const std::string& path, const char* interface, const char* member,
+             const Arguments& arguments);
+    std::vector<std::string> answers;
+    std::vector<std::string> told;  // values, as "/inkora/pen/service/colour 01ff8000"
+    const Objects& objects() const { return objects_; }
+
     // What any user of the bus may do
     std::string caller;     // who has called last, by unique name
     std::string addressee;  // whom signals go to, and nobody else; empty for all
@@ -82,6 +91,8 @@ private:
     using Message = std::shared_ptr<sd_bus_message>;
 
     int received(sd_bus_message* message);
+    void recordValue(sd_bus_message* message);
+    void setProperty(sd_bus_message* message);
     void sendObjects();
     void emit(const std::string& path, const char* interface, const char* member,
               const Arguments& arguments);

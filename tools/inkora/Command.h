@@ -56,6 +56,7 @@ struct Command {
 // word in main().
 Command watchCommand();
 Command infoCommand();
+Command penCommand();
 Command jsonCommand();
 Command paletteCommand();
 Command doctorCommand();

@@ -49,8 +49,8 @@ int main(int argc, char** argv) {
             .name = "inkora",
             .help = "Talks to a colour-capturing pen over Bluetooth LE.",
             .footer = footer,
-            .commands = {watchCommand(), infoCommand(), jsonCommand(), paletteCommand(),
-                         doctorCommand()},
+            .commands = {watchCommand(), infoCommand(), penCommand(), jsonCommand(),
+                         paletteCommand(), doctorCommand()},
         };
         return static_cast<int>(runCommandLine(program, "inkora " INKORA_VERSION, argc, argv));
     } catch (const Failure& failure) {

@@ -112,7 +112,20 @@ std::vector<Lab> labsOfWebColours() {
     return labs;
 }
 
+constexpr char lowerCase(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A')
+                                                : character;
+}
+
 }  // namespace
+
+const WebColour* webColourNamed(std::string_view name) {
+    const auto isNamed = [name](const WebColour& each) {
+        return std::ranges::equal(name, each.name, {}, lowerCase);
+    };
+    const auto* const named = std::ranges::find_if(webColours, isNamed);
+    return named == std::end(webColours) ? nullptr : named;
+}
 
 const WebColour& nearestWebColour(const Colour& colour) {
     static const std::vector<Lab> labs = labsOfWebColours();

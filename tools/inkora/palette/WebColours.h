@@ -12,6 +12,9 @@ struct WebColour {
     Colour colour;
 };
 
+/// The one of that name, in any case; null when there is none.
+const WebColour* webColourNamed(std::string_view name);
+
 /// The one at the least distance in OKLab, the difference that CSS Color Module Level 4 calls
 /// deltaE OK.
 const WebColour& nearestWebColour(const Colour& colour);

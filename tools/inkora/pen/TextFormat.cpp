@@ -3,19 +3,13 @@
 #include "Utf8.h"
 #include "pen/HexColour.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <string_view>
 
 namespace InkoraTool {
 namespace {
-
-std::string labelled(std::string_view label, const std::string& value) {
-    constexpr std::size_t width = 12;
-    std::string line(label);
-    line.resize(width, ' ');
-    return line + value;
-}
 
 std::string orNotAvailable(const std::optional<std::string>& text) {
     return text ? printableText(*text) : "not available";
@@ -41,6 +35,13 @@ std::string swatch(const InkoraKit::UIColor& colour) {
 }
 
 }  // namespace
+
+std::string labelled(std::string_view label, const std::string& value) {
+    constexpr std::size_t width = 12;
+    std::string line(label);
+    line.resize(std::max(width, line.size() + 1), ' ');
+    return line + value;
+}
 
 std::string TextFormat::searching() const {
     return "looking for a pen";

@@ -2,7 +2,12 @@
 
 #include "pen/Format.h"
 
+#include <string_view>
+
 namespace InkoraTool {
+
+/// A line for people: `battery     87 %`.
+std::string labelled(std::string_view label, const std::string& value);
 
 /// Lines for people: what it is, then its value. Colours come with a swatch where asked for.
 class TextFormat final : public Format {

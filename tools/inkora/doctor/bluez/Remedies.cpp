@@ -66,7 +66,7 @@ std::string start(const std::string& service) {
 // systemd wakes up what it ends, and kills what does not end (systemd.kill(5)). Others wait.
 std::string restartBluetoothd() {
     if (isThere("/run/systemd/system")) return asRoot("systemctl restart bluetooth");
-    return asRoot("killall -KILL bluetoothd") + "; " + start("bluetooth");
+    return asRoot("kill -KILL $(pidof bluetoothd)") + "; " + start("bluetooth");
 }
 
 std::string joinGroup(const std::string& group) {

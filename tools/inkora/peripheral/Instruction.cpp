@@ -1,0 +1,170 @@
+#include "peripheral/Instruction.h"
+
+#include "Failure.h"
+#include "File.h"
+#include "Utf8.h"
+#include "palette/WebColours.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+using InkoraKit::Data;
+
+namespace InkoraTool {
+namespace {
+
+constexpr std::int64_t mostColours = 1'000'000'000;
+// The most that an attribute's value may have (Bluetooth Core Specification, Vol 3, Part F, 3.2.9).
+constexpr std::size_t mostBytes = 512;
+
+[[noreturn]] void refuse(const std::string& fault) {
+    throw Failure(ExitStatus::malformed, fault);
+}
+
+std::string quoted(std::string_view text) {
+    return '\'' + printableText(text) + '\'';
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r";
+    const auto first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+// The first word; what is left has no blanks around it.
+std::string_view takeWord(std::string_view& rest) {
+    const std::string_view word = rest.substr(0, rest.find_first_of(" \t"));
+    rest = trimmed(rest.substr(word.size()));
+    return word;
+}
+
+template <class Number>
+std::optional<Number> numberOf(std::string_view text, int base) {
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, base);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return number;
+}
+
+std::int64_t wholeNumber(std::string_view text, std::int64_t least, std::int64_t most) {
+    const auto number = numberOf<std::int64_t>(text, 10);
+    if (!number || *number < least || *number > most)
+        refuse(quoted(text) + " is not a whole number from " + std::to_string(least) + " to " +
+               std::to_string(most));
+    return *number;
+}
+
+double seconds(std::string_view text) {
+    double time = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, time);
+    if (error != std::errc() || stop != end || !std::isfinite(time) || time < 0)
+        refuse(quoted(text) + " is not a number of seconds");
+    return time;
+}
+
+Data bytesOfHex(std::string_view digits) {
+    std::vector<std::uint8_t> bytes;
+    for (; !digits.empty(); digits.remove_prefix(std::min<std::size_t>(2, digits.size()))) {
+        const auto byte = numberOf<std::uint8_t>(digits.substr(0, 2), 16);
+        if (!byte || digits.size() == 1) refuse("'raw' takes two hexadecimal digits a byte");
+        bytes.push_back(*byte);
+    }
+    if (bytes.size() > mostBytes)
+        refuse("'raw' takes no more than " + std::to_string(mostBytes) + " bytes");
+    return Data(bytes);
+}
+
+// Nothing for a random one.
+std::optional<Colour> colourOf(std::string_view word) {
+    if (word == "random") return std::nullopt;
+    if (const auto colour = colourOfHex(word)) return colour;
+    if (const WebColour* const named = webColourNamed(word)) return named->colour;
+    refuse(quoted(word) + " is neither a colour nor anything else that a pen can do");
+}
+
+Instruction capturing(std::string_view word, std::string_view rest) {
+    const auto colour = colourOf(word);
+    const std::string_view count = takeWord(rest);
+    const std::string_view interval = takeWord(rest);
+    if (!rest.empty()) refuse(quoted(rest) + " is too much: a colour takes COUNT and SECONDS");
+    return [colour, count = count.empty() ? 1 : wholeNumber(count, 1, mostColours),
+            interval = interval.empty() ? 0 : seconds(interval)](PenControls& pen) {
+        pen.capture(colour, count, interval);
+    };
+}
+
+// What a word stands for that has nothing behind it.
+const Instruction* plainInstruction(std::string_view word) {
+    static const std::map<std::string_view, Instruction> instructions = {
+        {"drop", [](PenControls& pen) { pen.drop(); }},
+        {"silent", [](PenControls& pen) { pen.setAnswering(false); }},
+        {"answer", [](PenControls& pen) { pen.setAnswering(true); }},
+        {"hide", [](PenControls& pen) { pen.setVisible(false); }},
+        {"show", [](PenControls& pen) { pen.setVisible(true); }},
+        {"quit", [](PenControls& pen) { pen.quit(); }},
+    };
+    const auto found = instructions.find(word);
+    return found == instructions.end() ? nullptr : &found->second;
+}
+
+}  // namespace
+
+std::string faultOfPenName(const std::string& name) {
+    if (name.empty()) return "a pen needs a name";
+    if (printableText(name) != name) return quoted(name) + " is no name: it is not plain UTF-8";
+    if (name.size() > longestPenName)
+        return quoted(name) + " is too long for an advertisement, which has room for " +
+               std::to_string(longestPenName) + " bytes";
+    return {};
+}
+
+Instruction instructionOf(std::string_view line) {
+    std::string_view rest = trimmed(line);
+    const std::string_view word = takeWord(rest);
+    if (word.empty() || word == "#") return [](PenControls&) {};
+    if (const Instruction* const plain = plainInstruction(word)) {
+        if (!rest.empty()) refuse("'" + std::string(word) + "' takes nothing behind it");
+        return *plain;
+    }
+    if (word == "battery")
+        return [percent = static_cast<std::uint8_t>(wholeNumber(rest, 0, 100))](PenControls& pen) {
+            pen.setBattery(percent);
+        };
+    if (word == "name") {
+        const std::string name(rest);
+        if (const std::string fault = faultOfPenName(name); !fault.empty()) refuse(fault);
+        return [name](PenControls& pen) { pen.setName(name); };
+    }
+    if (word == "raw") return [value = bytesOfHex(rest)](PenControls& pen) { pen.tell(value); };
+    return capturing(word, rest);
+}
+
+std::vector<TimedInstruction> readPenScript(const std::string& file) {
+    const std::string text = readFile(file);
+    std::vector<TimedInstruction> script;
+    std::string_view lines = text;
+    for (int number = 1; !lines.empty(); ++number) {
+        const std::string_view line = lines.substr(0, lines.find('\n'));
+        lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+        std::string_view rest = trimmed(line);
+        const std::string_view time = takeWord(rest);
+        if (time.empty() || time == "#") continue;
+        try {
+            script.push_back({seconds(time), instructionOf(rest)});
+        } catch (const Failure& failure) {
+            throw Failure(failure.status, shownName(file) + ": line " + std::to_string(number) +
+                                              ": " + failure.what());
+        }
+    }
+    return script;
+}
+
+}  // namespace InkoraTool
