@@ -45,7 +45,7 @@ Finding findingOf(const Machine& machine, const std::string& adapter) {
         finding.advice = "Flip that (rfkill list shows it).";
     } else if (block == RadioBlock::soft) {
         finding.text = label + " is blocked";
-        finding.remedy = "rfkill unblock bluetooth && bluetoothctl power on";
+        finding.remedy = remedies::unblock();
     } else {
         finding.text = label + " is off";
         finding.remedy = "bluetoothctl power on";

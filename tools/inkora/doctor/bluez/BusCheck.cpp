@@ -16,7 +16,7 @@ std::string placeInEnvironment() {
     return address && *address ? std::string(" (DBUS_SYSTEM_BUS_ADDRESS=") + address + ')' : "";
 }
 
-bool isInstalled() {
+bool hasDaemonOfBus() {
     std::error_code none;
     return std::filesystem::exists("/usr/bin/dbus-daemon", none) ||
            std::filesystem::exists("/usr/bin/dbus-broker-launch", none);
@@ -32,7 +32,7 @@ Finding noBus(int error) {
         "there is none" + placeInEnvironment() + ": " + std::generic_category().message(error);
     if (!placeInEnvironment().empty()) return finding;
     finding.advice = "A container needs its host's /run/dbus.";
-    finding.remedy = isInstalled() ? remedies::start("dbus") : remedies::install("dbus");
+    finding.remedy = hasDaemonOfBus() ? remedies::start("dbus") : remedies::install("dbus");
     return finding;
 }
 

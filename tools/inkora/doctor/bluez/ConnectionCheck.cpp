@@ -44,8 +44,7 @@ struct Host final : InkoraProtocols {
 void letGo() {
     if (const auto pen = InkoraHandler::getInstance()->connectedPeripheral()) {
         InkoraManager::stopPairingDevice();
-        waitUntil([&] { return pen->state() == CBPeripheralState::disconnected; },
-                  longestLetGo);
+        waitUntil([&] { return pen->state() == CBPeripheralState::disconnected; }, longestLetGo);
     }
     InkoraManager::unRegisterInkoraManager();
 }

@@ -47,11 +47,11 @@ bool isPenName(std::string_view name) {
 
 std::string shown(std::string_view name) {
     constexpr std::size_t longest = 24;
-    const std::string printable = printableText(name);
-    std::string_view rest = printable;
+    std::string text = printableText(name);
+    std::string_view rest = text;
     for (std::size_t i = 0; i < longest && !rest.empty(); ++i) takeCodePoint(rest);
-    if (rest.empty()) return printable;
-    return printable.substr(0, printable.size() - rest.size()) + "…";
+    if (!rest.empty()) text.replace(text.size() - rest.size(), rest.size(), "…");
+    return text;
 }
 
 }  // namespace InkoraTool

@@ -69,6 +69,13 @@ std::string restartBluetoothd() {
     return asRoot("kill -KILL $(pidof bluetoothd)") + "; " + start("bluetooth");
 }
 
+std::string unblock() {
+    const std::string unblock = asRoot("rfkill unblock bluetooth") + " && bluetoothctl power on";
+    const bool isInstalled = isThere("/usr/sbin/rfkill") || isThere("/usr/bin/rfkill") ||
+                             isThere("/sbin/rfkill") || isThere("/bin/rfkill");
+    return isInstalled ? unblock : install("rfkill") + " && " + unblock;
+}
+
 std::string joinGroup(const std::string& group) {
     const passwd* const user = ::getpwuid(::getuid());
     return asRoot("usermod -aG " + group + ' ' + (user ? user->pw_name : "USER"));

@@ -17,6 +17,9 @@ std::string start(const std::string& service);
 /// Ends bluetoothd, which may not react any more, and starts it again.
 std::string restartBluetoothd();
 
+/// Lets the radios of Bluetooth be switched on again (rfkill), and does so.
+std::string unblock();
+
 /// The user joins a group of the system, for logins from then on.
 std::string joinGroup(const std::string& group);
 
