@@ -83,7 +83,7 @@ std::string textOf(const Finding& finding) {
     line += finding.name;
     line.resize(textColumn, ' ');
     std::string words = finding.text;
-    if (!finding.advice.empty()) words += ". " + finding.advice;
+    if (!finding.advice.empty()) words += (words.ends_with('.') ? " " : ". ") + finding.advice;
     appendWrapped(line, textColumn, words);
     if (!finding.remedy.empty())
         line += '\n' + std::string(stateWidth, ' ') + "$ " + finding.remedy;

@@ -74,7 +74,7 @@ Findings lookAtBluetoothd(Machine& machine) {
         return {{named::bluetoothd, Finding::State::ok, "runs" + installed}};
     }
     if (!program.empty()) return {notRunning(machine, version)};
-    return {{named::bluetoothd, Finding::State::fault, "is not installed",
+    return {{named::bluetoothd, Finding::State::fault, "neither runs nor is installed",
              remedies::install("bluez"), "The package is called bluez."}};
 }
 

@@ -20,13 +20,11 @@ constexpr std::array<Check, 8> checks = {{
     {{named::bluetoothd}, lookAtBluetoothd, ExitStatus::noBluetooth},
     {{named::permission, named::answer}, lookAtAnswer, ExitStatus::noBluetooth},
     {{named::adapter}, lookAtAdapters, ExitStatus::noBluetooth},
-    // From here on it is no longer about Bluetooth alone.
     {{named::signalStrength}, lookAtSignalStrength, ExitStatus::success},
     {{named::otherPrograms}, lookAtOtherPrograms, ExitStatus::notConnected},
     {{named::pens}, listenForPens, ExitStatus::noPen},
     {{named::connection, named::firstValue}, tryAPen, ExitStatus::notConnected},
 }};
-constexpr std::size_t checksOfBluetooth = 4;
 
 bool isFault(const Finding& finding) {
     return finding.state == Finding::State::fault;
@@ -65,8 +63,9 @@ ExitStatus examine(const Waiting& waiting, double listening,
 std::optional<Finding> findFaultOfBluetooth() {
     const Waiting waiting;
     Machine machine{.waiting = waiting, .patience = 1, .listening = 0};
-    for (std::size_t i = 0; i < checksOfBluetooth; ++i) {
-        const Findings findings = checks[i].look(machine);
+    for (const Check& check : checks) {
+        if (check.meaning != ExitStatus::noBluetooth) break;
+        const Findings findings = check.look(machine);
         const auto fault = std::ranges::find_if(findings, isFault);
         if (fault != findings.end()) return *fault;
     }
