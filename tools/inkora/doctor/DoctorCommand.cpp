@@ -48,8 +48,8 @@ Command doctorCommand() {
     return {
         .name = "doctor",
         .help = "Says what stands between this machine and a pen, and what to do about it",
-        .options = {{"--for", "SECONDS", "Listens so long for what is in the air, 6 by default",
-                     aTime(options->listening)}},
+        .options = {{"--for", "SECONDS", "Listens so long for what is in the air",
+                     aTime(options->listening), "6"}},
         .flags = {{"--json", "Prints one JSON object", &options->json}},
         .footer =
             R"(Nothing on the machine is changed, and root is not needed. Where all is well a pen is
@@ -58,7 +58,7 @@ connected, asked for a value, and let go of.
 Exit status:
    0  a pen was connected and has told a value
   17  Bluetooth is off, missing or not permitted
-  18  a pen is there, but could not be connected, or has told nothing
+  18  a pen is there, but could not be connected, has told nothing, or another program has it
   19  no pen was heard
  130  it was interrupted
 )",

@@ -5,7 +5,7 @@
 #include <InkoraKit/virtual/VirtualPen.h>
 
 #include "Values.h"
-#include "doctor/Examination.h"
+#include "doctor/Cause.h"
 
 #include <cstdio>
 #include <limits>
@@ -19,13 +19,6 @@ namespace {
 constexpr double secondsBetweenColours = 0.5;
 
 const std::string replay = "replay:";
-
-void tellWhyNoBluetooth() {
-    const auto fault = findFaultOfBluetooth();
-    std::string why;
-    if (fault) why = fault->name + ": " + fault->text + "; ";
-    std::fprintf(stderr, "inkora: %sinkora doctor says what helps\n", why.c_str());
-}
 
 std::shared_ptr<VirtualPen> makePen(std::uint32_t seed) {
     auto pen = std::make_shared<VirtualPen>();
@@ -43,11 +36,12 @@ std::vector<Option> RadioOptions::options() {
     return {
         {.name = "--radio",
          .placeholder = "RADIO",
-         .help = "system: this machine's Bluetooth adapter; virtual: a pen simulated in this "
-                 "process; replay:FILE: what --record has written, played again",
+         .help = "Which Bluetooth is used",
          .take = aText(radio_),
          .preset = radio_,
-         .choices = {"system", "virtual", replay}},
+         .choices = {{"system", "this machine's adapter"},
+                     {"virtual", "a pen simulated in this process"},
+                     {replay + "FILE", "what --record has written, played again"}}},
         {.name = "--seed",
          .placeholder = "NUMBER",
          .help = "Decides which colours the virtual pen captures",
@@ -66,7 +60,8 @@ std::vector<Option> RadioOptions::recordingOptions() {
     return {{.name = "--record",
              .placeholder = "FILE",
              .help = "Writes a trace of what the radio is asked and tells",
-             .take = aText(recording_)}};
+             .take = aText(recording_),
+             .isFile = true}};
 }
 
 std::vector<Flag> RadioOptions::recordingFlags() {
@@ -82,7 +77,7 @@ ExitStatus RadioOptions::run(PenSession& session) const {
         return ExitStatus::unreadable;
     }
     const ExitStatus status = session.run();
-    if (status == ExitStatus::noBluetooth && radio_ == "system") tellWhyNoBluetooth();
+    if (status == ExitStatus::noBluetooth && radio_ == "system") tellCauseOfNoBluetooth();
     return status;
 }
 

@@ -2,6 +2,7 @@
 #include "Failure.h"
 #include "File.h"
 #include "Values.h"
+#include "doctor/Cause.h"
 #include "peripheral/PeripheralOptions.h"
 #ifdef INKORA_WITH_BLUEZ
 #include "peripheral/bluez/PeripheralSession.h"
@@ -49,7 +50,9 @@ ExitStatus runPen(PeripheralCommandOptions& options) {
     if (!options.script.empty()) options.pen.script = readPenScript(options.script);
     options.pen.readsInput = options.script != standardInput;
 #ifdef INKORA_WITH_BLUEZ
-    return std::make_shared<PeripheralSession>(options.pen)->run();
+    const ExitStatus status = std::make_shared<PeripheralSession>(options.pen)->run();
+    if (status == ExitStatus::noBluetooth) tellCauseOfNoBluetooth();
+    return status;
 #else
     throw Failure(ExitStatus::noBluetooth, "this build has nothing of the system's Bluetooth");
 #endif
@@ -72,7 +75,11 @@ Command penCommand() {
                      std::to_string(pen.battery)},
                     {"--adapter", "ADAPTER", "As hci1; otherwise the first that can be a pen",
                      aText(pen.adapter)},
-                    {"--script", "FILE", "What the pen does, and when", aText(options->script)},
+                    {.name = "--script",
+                     .placeholder = "FILE",
+                     .help = "What the pen does, and when",
+                     .take = aText(options->script),
+                     .isFile = true},
                     {"--seed", "NUMBER", "Decides which colours are captured at random",
                      aNumber(0, std::numeric_limits<std::uint32_t>::max(),
                              [&pen](std::int64_t seed) {
