@@ -60,7 +60,7 @@ Finding notRunning(Machine& machine, const std::string& version) {
     if (kernelHasBluetooth())
         finding.remedy = remedies::start("bluetooth");
     else
-        finding.advice = "The kernel has no Bluetooth: plug an adapter in, and it will be started.";
+        finding.advice = "The kernel has no Bluetooth: plug an adapter in first.";
     return finding;
 }
 
