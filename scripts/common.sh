@@ -3,9 +3,9 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Debian's names. The kit itself needs a compiler only; libsystemd is for the BlueZ radio and CLI11
-# for the command-line host.
-build_packages=(cmake g++ libcli11-dev libsystemd-dev ninja-build pkgconf)
+# Debian's names. The kit itself needs a compiler only; libsystemd is for the BlueZ radio, and CLI11
+# and terminfo, of ncurses, for the command-line host.
+build_packages=(cmake g++ libcli11-dev libncurses-dev libsystemd-dev ninja-build pkgconf)
 test_packages=(dbus libgtest-dev nlohmann-json3-dev python3 python3-tinycss2)
 export build_packages test_packages
 

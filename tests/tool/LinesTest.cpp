@@ -41,20 +41,20 @@ TEST(JsonLine, HoldsNumbersThatReadBack) {
 }
 
 TEST(TextFormat, DoesNotLetANameMoveTheCursor) {
-    EXPECT_EQ(TextFormat(false).connected("Inkora\x1b[2JPen\r\n", "ID"),
+    EXPECT_EQ(TextFormat().connected("Inkora\x1b[2JPen\r\n", "ID"),
               "connected   Inkora" + replaced + "[2JPen" + replaced + replaced + " ID");
 }
 
 TEST(TextFormat, ShowsTheNearestColourThatHasAHexadecimalForm) {
-    const TextFormat format(false);
+    const TextFormat format;
     EXPECT_EQ(format.colour({1, 0.5, 0, 1}), "colour      #FF8000  1.000  0.500  0.000");
     EXPECT_EQ(format.colour({1.25, -0.5, 0.001, 1}), "colour      #FF0000  1.250  -0.500  0.001");
-    EXPECT_EQ(TextFormat(true).colour({0, 0, 1, 1}),
+    EXPECT_EQ(TextFormat(TerminalColours::direct).colour({0, 0, 1, 1}),
               "colour      \x1b[48;2;0;0;255m      \x1b[0m #0000FF  0.000  0.000  1.000");
 }
 
 TEST(Formats, SayWhenThereIsNoAnswer) {
-    EXPECT_EQ(TextFormat(false).info({}),
+    EXPECT_EQ(TextFormat().info({}),
               "name        not available\nidentifier  not available\n"
               "battery     not available\nproximity   not available");
     EXPECT_EQ(JsonFormat().info({}),

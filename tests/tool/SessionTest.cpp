@@ -63,7 +63,7 @@ protected:
     }
 
     static auto watching(const WatchOptions& options) {
-        return std::make_shared<WatchSession>(options, std::make_unique<TextFormat>(false));
+        return std::make_shared<WatchSession>(options, std::make_unique<TextFormat>());
     }
 
     ExitStatus watch(const WatchOptions& options) { return run(*watching(options)); }

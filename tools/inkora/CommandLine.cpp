@@ -1,5 +1,11 @@
 #include "CommandLine.h"
 
+#include "File.h"
+#include "commandline/Completion.h"
+#include "commandline/ManPage.h"
+#include "commandline/Place.h"
+#include "commandline/Suggestion.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -15,15 +21,25 @@ void add(CLI::App& app, const Flag& flag) {
     app.add_flag(flag.name, *flag.isGiven, flag.help);
 }
 
-CLI::Validator isChoice(const std::vector<std::string>& choices) {
-    const CLI::IsMember member(choices);
+CLI::Validator isChoice(const std::vector<Choice>& choices) {
+    std::vector<std::string> names;
+    for (const Choice& choice : choices) names.push_back(choice.name);
+    const CLI::IsMember member(names);
     const auto check = [member, choices](std::string& text) {
-        const bool hasTextBehind = std::ranges::any_of(choices, [&](const std::string& choice) {
-            return choice.ends_with(':') && text.starts_with(choice);
+        const bool hasFileBehind = std::ranges::any_of(choices, [&](const Choice& choice) {
+            return choice.endsWithFile() && text.starts_with(choice.fixedPart());
         });
-        return hasTextBehind ? std::string() : member(text);
+        return hasFileBehind ? std::string() : member(text);
     };
     return {check, member.get_description()};
+}
+
+std::string helpOf(const Option& option) {
+    std::string help = option.help;
+    for (const Choice& choice : option.choices)
+        help +=
+            (&choice == &option.choices.front() ? ". " : "; ") + choice.name + ": " + choice.help;
+    return help;
 }
 
 void add(CLI::App& app, const Option& option) {
@@ -31,9 +47,10 @@ void add(CLI::App& app, const Option& option) {
         const std::string fault = option.take(text);
         if (!fault.empty()) throw CLI::ValidationError(option.name, fault);
     };
-    CLI::Option* const added = app.add_option_function<std::string>(option.name, take, option.help)
-                                   ->type_name(option.placeholder)
-                                   ->default_str(option.preset);
+    CLI::Option* const added =
+        app.add_option_function<std::string>(option.name, take, helpOf(option))
+            ->type_name(option.placeholder)
+            ->default_str(option.preset);
     if (!option.choices.empty()) added->check(isChoice(option.choices));
 }
 
@@ -95,16 +112,46 @@ const Command& commandNamed(const CLI::App& app, const Command& command) {
     return command;
 }
 
+/// What is not in the help: how completions and the man page come from the same commands.
+/// @return whether that was asked for
+bool isAnsweredBesides(const Command& program, const std::string& version,
+                       std::vector<std::string> words) {
+    if (words.empty()) return false;
+    const std::string asked = words.front();
+    words.erase(words.begin());
+    std::string text;
+    if (asked == "--complete") {
+        text = completions(program, std::move(words));
+    } else if (asked == "--man-page" && words.size() == 1) {
+        text = manPage(program, version, readFile(words.front()));
+    } else {
+        return false;
+    }
+    std::fputs(text.c_str(), stdout);
+    return true;
+}
+
+std::string complaint(const Command& program, const std::vector<std::string>& words,
+                      const CLI::Error& error) {
+    const auto near = suggestion(program, words);
+    return "inkora: " +
+           (near ? near->typed + " is not known; did you mean " + near->meant + '?'
+                 : std::string(error.what())) +
+           "\nSee inkora --help.\n";
+}
+
 }  // namespace
 
 ExitStatus runCommandLine(const Command& program, const std::string& version, int argc,
                           const char* const* argv) {
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    if (isAnsweredBesides(program, version, words)) return ExitStatus::success;
     CLI::App app(program.help, program.name);
-    app.set_version_flag("--version", version);
+    app.set_help_flag("-h,--help", helpHelp);
+    app.set_version_flag("--version", version, versionHelp);
     app.require_subcommand(0, 1);
-    app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return std::string("inkora: ") + error.what() + "\nSee inkora --help.\n";
-    });
+    app.failure_message(
+        [&](const CLI::App*, const CLI::Error& error) { return complaint(program, words, error); });
     describe(app, program);
     try {
         app.parse(argc, argv);

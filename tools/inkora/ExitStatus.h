@@ -11,7 +11,7 @@ enum class ExitStatus : int {
                   ///< foresaw
     usage = 2,
     unreadable = 3,    ///< a file
-    malformed = 4,     ///< a text that is no JSON document, or no palette
+    malformed = 4,     ///< a text that is no JSON document, palette or script
     noSuchPlace = 5,   ///< in a JSON document
     notMergeable = 6,  ///< two JSON documents
     noBluetooth = InkoraKit::InkoraErrorCodes::inSufficientResources,

@@ -20,20 +20,22 @@ void MessageWriter::writeBasic(char type, const void* value) {
     if (result_ >= 0) result_ = sd_bus_message_append_basic(message_, type, value);
 }
 
+template <class Entry>
+void MessageWriter::writeEntry(char keyType, const Entry& entry) {
+    if constexpr (std::is_same_v<typename Entry::first_type, const std::string>)
+        writeBasic(keyType, entry.first.c_str());
+    else
+        writeBasic(keyType, &entry.first);
+    if constexpr (std::is_same_v<typename Entry::second_type, Data>)
+        write(Variant(entry.second));
+    else
+        write(entry.second);
+}
+
 template <class Map>
 void MessageWriter::writeMap(const std::string& entry, const Map& map) {
     within('a', "{" + entry + "}", [&] {
-        for (const auto& [key, value] : map)
-            within('e', entry, [&] {
-                if constexpr (std::is_same_v<std::decay_t<decltype(key)>, std::string>)
-                    writeBasic(entry.front(), key.c_str());
-                else
-                    writeBasic(entry.front(), &key);
-                if constexpr (std::is_same_v<std::decay_t<decltype(value)>, Data>)
-                    write(Variant(value));
-                else
-                    write(value);
-            });
+        for (const auto& each : map) within('e', entry, [&] { writeEntry(entry.front(), each); });
     });
 }
 

@@ -33,6 +33,8 @@ public:
 private:
     template <class Fill>
     void within(char kind, const std::string& contents, Fill fill);
+    template <class Entry>
+    void writeEntry(char keyType, const Entry& entry);
     template <class Map>
     void writeMap(const std::string& entry, const Map& map);
     void writeBasic(char type, const void* value);

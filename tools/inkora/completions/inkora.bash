@@ -1,37 +1,31 @@
 # shellcheck shell=bash
-# Completes inkora in bash. A test compares the words with `inkora --help`.
+# Completes inkora in bash, with the words that inkora itself tells.
 
 _inkora() {
-    local IFS=$' \t\n' option=$3 words=
-    [[ $option == '=' ]] && option=${COMP_WORDS[COMP_CWORD - 2]}  # of --radio=virtual
-    COMPREPLY=()
+    local words=() word='' part last=${COMP_WORDS[COMP_CWORD]} is_joined=yes line
+    [[ $last == [=:]* ]] || last=$2  # up to the cursor
 
-    case $option in
-        --radio) words='system virtual replay:' ;;
-        --seed | --count | --for | --ask-every) return ;;
-        --palette | --record | :)  # a file, as in replay:FILE
-            compopt -o default
-            return
-            ;;
-        *)
-            case "${COMP_WORDS[*]:1:COMP_CWORD - 1} " in
-                ' ') words='watch info json palette --version' ;;
-                'watch '*) words='--radio --seed --count --for --ask-every --palette --record --with-addresses --at-once --json' ;;
-                'info '*) words='--radio --seed --at-once --json' ;;
-                'json ') words='get set merge format' ;;
-                'json get '*) words='--raw' ;;
-                'json set '*) words='--string --in-place' ;;
-                'json format '*) words='--compact --sorted' ;;
-            esac
-            words+=' --help'
-            ;;
-    esac
-    if [[ $2 != -* && ${COMP_WORDS[1]} == palette ]] && ((COMP_CWORD > 1)) ||
-        [[ $2 != -* && ${COMP_WORDS[1]} == json ]] && ((COMP_CWORD > 2)); then
-        compopt -o default  # files, which readline knows to quote
-    else
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$2")
-    fi
+    # Readline takes words apart at = and :, as in --radio=replay:FILE.
+    for part in "${COMP_WORDS[@]:1:COMP_CWORD-1}" "$last"; do
+        if [[ ! $is_joined && $part != [=:]* ]]; then
+            words+=("$word")
+            word=
+        fi
+        word+=$part
+        is_joined=
+        [[ $part != [=:]* ]] || is_joined=yes
+    done
+
+    COMPREPLY=()
+    while IFS= read -r line; do
+        if [[ $line == $'\t'* ]]; then
+            compopt -o default  # files, which readline knows to quote
+        elif [[ $line == "$word"* ]]; then
+            line=${line%%$'\t'*}
+            COMPREPLY+=("${line#"${word%"$2"}"}")
+        fi
+    done < <("${1/#\~/$HOME}" --complete "${words[@]}" "$word" 2>/dev/null)
+    [[ ${COMPREPLY[*]} != *: ]] || compopt -o nospace
 }
 
 complete -F _inkora inkora

@@ -18,6 +18,11 @@ Exit status:
 
 }  // namespace
 
+Operand jsonFile(std::string& file) {
+    return {
+        .name = "FILE", .help = "The document; - is standard input", .into = &file, .isFile = true};
+}
+
 Command jsonCommand() {
     return {
         .name = "json",

@@ -2,6 +2,8 @@
 
 #include "Command.h"
 
+#include <string>
+
 namespace InkoraTool {
 
 // What `inkora json` consists of. Each throws a `Failure` where it cannot do what it was asked.
@@ -10,5 +12,8 @@ Command jsonGetCommand();
 Command jsonSetCommand();
 Command jsonMergeCommand();
 Command jsonFormatCommand();
+
+/// The document that each of them reads first.
+Operand jsonFile(std::string& file);
 
 }  // namespace InkoraTool

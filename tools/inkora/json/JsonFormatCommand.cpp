@@ -29,7 +29,7 @@ Command jsonFormatCommand() {
     return {
         .name = "format",
         .help = "Prints a document in another layout",
-        .operands = {{"FILE", "The document; - is standard input", &options->file}},
+        .operands = {jsonFile(options->file)},
         .flags = {{"--compact", "Without blanks and line breaks", &options->isCompact},
                   {"--sorted", "Members by key instead of as they come", &options->isSorted}},
         .run = [options] { return format(*options); },

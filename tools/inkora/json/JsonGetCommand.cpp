@@ -37,7 +37,7 @@ Command jsonGetCommand() {
     return {
         .name = "get",
         .help = "Prints the value at a path",
-        .operands = {{"FILE", "The document; - is standard input", &options->file},
+        .operands = {jsonFile(options->file),
                      {"PATH", "A key or a position for each step", &options->steps, false}},
         .flags = {{"--raw", "Prints a text as it is, without quotes and escapes", &options->isRaw}},
         .footer = getFooter,

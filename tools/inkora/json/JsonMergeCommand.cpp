@@ -36,8 +36,11 @@ Command jsonMergeCommand() {
     return {
         .name = "merge",
         .help = "Prints a document merged with another",
-        .operands = {{"FILE", "The document; - is standard input", &options->file},
-                     {"OTHER", "What it is merged with; - is standard input", &options->other}},
+        .operands = {jsonFile(options->file),
+                     {.name = "OTHER",
+                      .help = "What it is merged with; - is standard input",
+                      .into = &options->other,
+                      .isFile = true}},
         .footer =
             "Members of dictionaries are merged deeply, arrays are joined, and anything else is "
             "replaced.\n",

@@ -65,7 +65,7 @@ Command jsonSetCommand() {
     return {
         .name = "set",
         .help = "Prints a document with one value changed",
-        .operands = {{"FILE", "The document; - is standard input", &options->file},
+        .operands = {jsonFile(options->file),
                      {"PATH", "A key or a position for each step", &options->steps},
                      {"VALUE", "JSON text; what is none is taken as a text", &options->value}},
         .flags = {{"--string", "Takes VALUE as a text even if it is JSON", &options->isText},

@@ -39,8 +39,14 @@ Command paletteCommand() {
     return {
         .name = "palette",
         .help = "Converts a palette, such as watch --palette keeps",
-        .operands = {{"FROM", "The palette; - is JSON from standard input", &options->from},
-                     {"TO", "What becomes of it: another palette is replaced", &options->to}},
+        .operands = {{.name = "FROM",
+                      .help = "The palette; - is JSON from standard input",
+                      .into = &options->from,
+                      .isFile = true},
+                     {.name = "TO",
+                      .help = "What becomes of it: another palette is replaced",
+                      .into = &options->to,
+                      .isFile = true}},
         .footer = paletteFooter,
         .run = [options] { return convert(*options); },
     };

@@ -1,5 +1,6 @@
 #include "palette/PaletteFormat.h"
 
+#include "Text.h"
 #include "palette/formats/Formats.h"
 
 #include <algorithm>
@@ -13,10 +14,6 @@ constexpr PaletteFormat formats[] = {
     {".svg", writeSvgPalette, readSvgPalette},    {".html", writeHtmlPalette, readHtmlPalette},
 };
 
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 }  // namespace
 
 std::span<const PaletteFormat> paletteFormats() {
@@ -24,8 +21,7 @@ std::span<const PaletteFormat> paletteFormats() {
 }
 
 const PaletteFormat* paletteFormatOf(std::string_view file) {
-    std::string name(file);
-    std::ranges::transform(name, name.begin(), lowered);
+    const std::string name = lowered(file);
     const auto* const found = std::ranges::find_if(
         formats, [&](const PaletteFormat& format) { return name.ends_with(format.ending); });
     return found == std::end(formats) ? nullptr : found;

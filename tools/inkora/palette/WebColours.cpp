@@ -1,7 +1,9 @@
 #include "palette/WebColours.h"
 
+#include "Text.h"
+#include "palette/NearestColour.h"
+
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <vector>
 
@@ -88,52 +90,22 @@ constexpr WebColour webColours[] = {
 };
 // clang-format on
 
-/// OKLab: Euclidean distances in it are about as large as they look.
-struct Lab {
-    double lightness;
-    double a;
-    double b;
-};
-
-// From linear sRGB, as CSS Color Module Level 4 has it.
-Lab labOf(const Colour& colour) {
-    const double red = linear(colour[0]), green = linear(colour[1]), blue = linear(colour[2]);
-    const double l = std::cbrt(0.4122214708 * red + 0.5363325363 * green + 0.0514459929 * blue);
-    const double m = std::cbrt(0.2119034982 * red + 0.6806995451 * green + 0.1073969566 * blue);
-    const double s = std::cbrt(0.0883024619 * red + 0.2817188376 * green + 0.6299787005 * blue);
-    return {0.2104542553 * l + 0.7936177850 * m - 0.0040720468 * s,
-            1.9779984951 * l - 2.4285922050 * m + 0.4505937099 * s,
-            0.0259040371 * l + 0.7827717662 * m - 0.8086757660 * s};
-}
-
-std::vector<Lab> labsOfWebColours() {
-    std::vector<Lab> labs;
-    for (const WebColour& named : webColours) labs.push_back(labOf(named.colour));
-    return labs;
-}
-
-constexpr char lowerCase(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A')
-                                                : character;
+NearestColour nearestOfWebColours() {
+    std::vector<Colour> colours;
+    for (const WebColour& named : webColours) colours.push_back(named.colour);
+    return NearestColour(colours);
 }
 
 }  // namespace
 
 const WebColour* webColourNamed(std::string_view name) {
-    const auto isNamed = [name](const WebColour& each) {
-        return std::ranges::equal(name, each.name, {}, lowerCase);
-    };
-    const auto* const named = std::ranges::find_if(webColours, isNamed);
+    const auto* const named = std::ranges::find(webColours, lowered(name), &WebColour::name);
     return named == std::end(webColours) ? nullptr : named;
 }
 
 const WebColour& nearestWebColour(const Colour& colour) {
-    static const std::vector<Lab> labs = labsOfWebColours();
-    const auto distance = [wanted = labOf(colour)](const Lab& lab) {
-        return std::hypot(lab.lightness - wanted.lightness, lab.a - wanted.a, lab.b - wanted.b);
-    };
-    const auto nearest = std::ranges::min_element(labs, {}, distance);
-    return webColours[std::distance(labs.begin(), nearest)];
+    static const NearestColour nearest = nearestOfWebColours();
+    return webColours[nearest(colour)];
 }
 
 }  // namespace InkoraTool

@@ -15,8 +15,7 @@ struct WebColour {
 /// The one of that name, in any case; null when there is none.
 const WebColour* webColourNamed(std::string_view name);
 
-/// The one at the least distance in OKLab, the difference that CSS Color Module Level 4 calls
-/// deltaE OK.
+/// The one that looks most like the colour.
 const WebColour& nearestWebColour(const Colour& colour);
 
 }  // namespace InkoraTool

@@ -8,7 +8,7 @@ namespace InkoraTool {
 
 std::unique_ptr<Format> makeFormat(bool json) {
     if (json) return std::make_unique<JsonFormat>();
-    return std::make_unique<TextFormat>(outputShowsTrueColour());
+    return std::make_unique<TextFormat>(coloursOfOutput());
 }
 
 }  // namespace InkoraTool

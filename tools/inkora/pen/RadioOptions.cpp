@@ -35,11 +35,12 @@ std::vector<Option> RadioOptions::options() {
     return {
         {.name = "--radio",
          .placeholder = "RADIO",
-         .help = "system: this machine's Bluetooth adapter; virtual: a pen simulated in this "
-                 "process; replay:FILE: what --record has written, played again",
+         .help = "Which Bluetooth is used",
          .take = aText(radio_),
          .preset = radio_,
-         .choices = {"system", "virtual", replay}},
+         .choices = {{"system", "this machine's adapter"},
+                     {"virtual", "a pen simulated in this process"},
+                     {replay + "FILE", "what --record has written, played again"}}},
         {.name = "--seed",
          .placeholder = "NUMBER",
          .help = "Decides which colours the virtual pen captures",
@@ -58,7 +59,8 @@ std::vector<Option> RadioOptions::recordingOptions() {
     return {{.name = "--record",
              .placeholder = "FILE",
              .help = "Writes a trace of what the radio is asked and tells",
-             .take = aText(recording_)}};
+             .take = aText(recording_),
+             .isFile = true}};
 }
 
 std::vector<Flag> RadioOptions::recordingFlags() {

@@ -2,6 +2,7 @@
 
 #include "Utf8.h"
 #include "pen/HexColour.h"
+#include "terminal/ColourPatch.h"
 
 #include <algorithm>
 #include <array>
@@ -25,13 +26,6 @@ std::string componentText(double component) {
                                    std::chars_format::fixed, 3)
                          .ptr;
     return {digits.data(), end};
-}
-
-// A patch of the colour: ECMA-48's SGR 48 with the direct colour of ITU-T T.416.
-std::string swatch(const InkoraKit::UIColor& colour) {
-    std::string sequence = "\x1b[48;2";
-    for (const std::uint8_t byte : bytesOf(colour)) sequence += ';' + std::to_string(byte);
-    return sequence + "m      \x1b[0m ";
 }
 
 }  // namespace
@@ -60,8 +54,8 @@ std::string TextFormat::unavailable(InkoraKit::CBManagerStateReason reason) cons
 }
 
 std::string TextFormat::colour(const InkoraKit::UIColor& colour) const {
-    std::string value = withSwatches_ ? swatch(colour) : "";
-    value += hexText(colour);
+    const std::string patch = colourPatch(bytesOf(colour), colours_);
+    std::string value = patch + (patch.empty() ? "" : " ") + hexText(colour);
     for (const double component : {colour.red(), colour.green(), colour.blue()})
         value += "  " + componentText(component);
     return labelled("colour", value);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pen/Format.h"
+#include "terminal/Terminal.h"
 
 #include <string_view>
 
@@ -9,10 +10,11 @@ namespace InkoraTool {
 /// A line for people: `battery     87 %`.
 std::string labelled(std::string_view label, const std::string& value);
 
-/// Lines for people: what it is, then its value. Colours come with a swatch where asked for.
+/// Lines for people: what it is, then its value. Colours come with a swatch where there are
+/// colours.
 class TextFormat final : public Format {
 public:
-    explicit TextFormat(bool withSwatches) : withSwatches_(withSwatches) {}
+    explicit TextFormat(TerminalColours colours = TerminalColours::none) : colours_(colours) {}
 
     std::string searching() const override;
     std::string connected(const std::string& name, const std::string& identifier) const override;
@@ -24,7 +26,7 @@ public:
     std::string info(const PenInfo& info) const override;
 
 private:
-    bool withSwatches_;
+    TerminalColours colours_;
 };
 
 }  // namespace InkoraTool

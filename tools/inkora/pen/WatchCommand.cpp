@@ -39,9 +39,11 @@ Command watchCommand() {
                 {"--ask-every", "SECONDS",
                  "Asks for battery and proximity again and again, not on connection only",
                  aTime(watch.askEvery)},
-                {"--palette", "FILE",
-                 "Adds the colours to a palette: .json, .gpl, .ase, .css, .svg or .html",
-                 aText(watch.palette)}});
+                {.name = "--palette",
+                 .placeholder = "FILE",
+                 .help = "Adds the colours to a palette: .json, .gpl, .ase, .css, .svg or .html",
+                 .take = aText(watch.palette),
+                 .isFile = true}});
     for (Option& option : options->radio.recordingOptions()) all.push_back(std::move(option));
     std::vector<Flag> flags = options->radio.flags();
     for (Flag& flag : options->radio.recordingFlags()) flags.push_back(std::move(flag));

@@ -2,9 +2,11 @@
 
 #include "Failure.h"
 #include "File.h"
+#include "Text.h"
 #include "Utf8.h"
 #include "palette/WebColours.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -26,21 +28,16 @@ constexpr std::size_t mostBytes = 512;
     throw Failure(ExitStatus::malformed, fault);
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     return '\'' + printableText(text) + '\'';
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const auto first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
+constexpr std::string_view blanks = " \t\r";
 
 // The first word; what is left has no blanks around it.
 std::string_view takeWord(std::string_view& rest) {
     const std::string_view word = rest.substr(0, rest.find_first_of(" \t"));
-    rest = trimmed(rest.substr(word.size()));
+    rest = trimmed(rest.substr(word.size()), blanks);
     return word;
 }
 
@@ -56,7 +53,7 @@ std::optional<Number> numberOf(std::string_view text, int base) {
 std::int64_t wholeNumber(std::string_view text, std::int64_t least, std::int64_t most) {
     const auto number = numberOf<std::int64_t>(text, 10);
     if (!number || *number < least || *number > most)
-        refuse(quoted(text) + " is not a whole number from " + std::to_string(least) + " to " +
+        refuse(inQuotes(text) + " is not a whole number from " + std::to_string(least) + " to " +
                std::to_string(most));
     return *number;
 }
@@ -66,7 +63,7 @@ double seconds(std::string_view text) {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, time);
     if (error != std::errc() || stop != end || !std::isfinite(time) || time < 0)
-        refuse(quoted(text) + " is not a number of seconds");
+        refuse(inQuotes(text) + " is not a number of seconds");
     return time;
 }
 
@@ -87,14 +84,14 @@ std::optional<Colour> colourOf(std::string_view word) {
     if (word == "random") return std::nullopt;
     if (const auto colour = colourOfHex(word)) return colour;
     if (const WebColour* const named = webColourNamed(word)) return named->colour;
-    refuse(quoted(word) + " is neither a colour nor anything else that a pen can do");
+    refuse(inQuotes(word) + " is neither a colour nor anything else that a pen can do");
 }
 
 Instruction capturing(std::string_view word, std::string_view rest) {
     const auto colour = colourOf(word);
     const std::string_view count = takeWord(rest);
     const std::string_view interval = takeWord(rest);
-    if (!rest.empty()) refuse(quoted(rest) + " is too much: a colour takes COUNT and SECONDS");
+    if (!rest.empty()) refuse(inQuotes(rest) + " is too much: a colour takes COUNT and SECONDS");
     return [colour, count = count.empty() ? 1 : wholeNumber(count, 1, mostColours),
             interval = interval.empty() ? 0 : seconds(interval)](PenControls& pen) {
         pen.capture(colour, count, interval);
@@ -119,15 +116,15 @@ const Instruction* plainInstruction(std::string_view word) {
 
 std::string faultOfPenName(const std::string& name) {
     if (name.empty()) return "a pen needs a name";
-    if (printableText(name) != name) return quoted(name) + " is no name: it is not plain UTF-8";
+    if (printableText(name) != name) return inQuotes(name) + " is no name: it is not plain UTF-8";
     if (name.size() > longestPenName)
-        return quoted(name) + " is too long for an advertisement, which has room for " +
+        return inQuotes(name) + " is too long for an advertisement, which has room for " +
                std::to_string(longestPenName) + " bytes";
     return {};
 }
 
 Instruction instructionOf(std::string_view line) {
-    std::string_view rest = trimmed(line);
+    std::string_view rest = trimmed(line, blanks);
     const std::string_view word = takeWord(rest);
     if (word.empty() || word == "#") return [](PenControls&) {};
     if (const Instruction* const plain = plainInstruction(word)) {
@@ -152,9 +149,7 @@ std::vector<TimedInstruction> readPenScript(const std::string& file) {
     std::vector<TimedInstruction> script;
     std::string_view lines = text;
     for (int number = 1; !lines.empty(); ++number) {
-        const std::string_view line = lines.substr(0, lines.find('\n'));
-        lines.remove_prefix(std::min(line.size() + 1, lines.size()));
-        std::string_view rest = trimmed(line);
+        std::string_view rest = trimmed(takeLine(lines), blanks);
         const std::string_view time = takeWord(rest);
         if (time.empty() || time == "#") continue;
         try {

@@ -72,7 +72,11 @@ Command penCommand() {
                      std::to_string(pen.battery)},
                     {"--adapter", "ADAPTER", "As hci1; otherwise the first that can be a pen",
                      aText(pen.adapter)},
-                    {"--script", "FILE", "What the pen does, and when", aText(options->script)},
+                    {.name = "--script",
+                     .placeholder = "FILE",
+                     .help = "What the pen does, and when",
+                     .take = aText(options->script),
+                     .isFile = true},
                     {"--seed", "NUMBER", "Decides which colours are captured at random",
                      aNumber(0, std::numeric_limits<std::uint32_t>::max(),
                              [&pen](std::int64_t seed) {

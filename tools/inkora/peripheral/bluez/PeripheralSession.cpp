@@ -149,6 +149,10 @@ void PeripheralSession::advertising(const std::string& name, const std::string& 
                                     const std::string& address) {
     show("advertising", {{"name", name}, {"adapter", adapter}, {"address", address}});
     if (std::exchange(isAdvertised_, true)) return;
+    if (input_ && !options_.json && ::isatty(STDIN_FILENO) != 0)
+        std::fputs(
+            "Type orange, #FF8000 or random, and quit to end; inkora pen --help has the rest.\n",
+            stderr);
     for (const TimedInstruction& each : options_.script)
         after(each.time, [this, instruction = each.instruction] { follow(instruction); });
 }

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace InkoraTool {
+
+/// The text without such characters at its ends.
+constexpr std::string_view trimmed(std::string_view text, std::string_view characters) {
+    const std::size_t start = text.find_first_not_of(characters);
+    if (start == std::string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(characters) - start + 1);
+}
+
+/// Takes the text up to the next line feed, and that.
+constexpr std::string_view takeLine(std::string_view& rest) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(line.size() < rest.size() ? line.size() + 1 : line.size());
+    return line;
+}
+
+/// The text with small letters instead of ASCII's capitals.
+inline std::string lowered(std::string_view text) {
+    std::string small(text);
+    std::ranges::transform(small, small.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return small;
+}
+
+}  // namespace InkoraTool
