@@ -16,12 +16,11 @@ class Failure(Exception):
     pass
 
 
-def until(what, condition, meanwhile=lambda: None, patience=PATIENCE):
+def until(what, condition, patience=PATIENCE):
     end = time.monotonic() + patience
     while not (value := condition()):
         if time.monotonic() > end:
             raise Failure("waited %d s for %s" % (patience, what))
-        meanwhile()
         time.sleep(0.02)
     return value
 
@@ -50,8 +49,8 @@ class Events:
                 return at
         return None
 
-    def wait(self, mark, name, meanwhile=lambda: None, /, **fields):
-        return until("%s %s" % (name, fields or ""), lambda: self.find(mark, name, **fields), meanwhile)
+    def wait(self, mark, name, /, **fields):
+        return until("%s %s" % (name, fields or ""), lambda: self.find(mark, name, **fields))
 
     def all(self, mark, name):
         return [event for _, event in self.events[mark:] if event["event"] == name]
@@ -167,10 +166,10 @@ class Adapter:
 
     def ask(self, method, *arguments):
         """What `dbus-send` prints of the answer."""
-        return subprocess.run(["dbus-send", "--system", "--print-reply=literal", "--dest=org.bluez", self.path,
-                               "org.freedesktop.DBus.Properties." + method, "string:org.bluez.Adapter1",
-                               *arguments], check=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                              text=True).stdout
+        command = ["dbus-send", "--system", "--print-reply=literal", "--dest=org.bluez", self.path,
+                   "org.freedesktop.DBus.Properties." + method, "string:org.bluez.Adapter1", *arguments]
+        return subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE).stdout
 
     def power(self, on):
         self.ask("Set", "string:Powered", "variant:boolean:" + str(on).lower())
