@@ -5,6 +5,7 @@ import json
 import os
 import signal
 import subprocess
+import sys
 import threading
 import time
 
@@ -15,12 +16,11 @@ class Failure(Exception):
     pass
 
 
-def until(what, condition, meanwhile=lambda: None, patience=PATIENCE):
+def until(what, condition, patience=PATIENCE):
     end = time.monotonic() + patience
     while not (value := condition()):
         if time.monotonic() > end:
             raise Failure("waited %d s for %s" % (patience, what))
-        meanwhile()
         time.sleep(0.02)
     return value
 
@@ -49,29 +49,35 @@ class Events:
                 return at
         return None
 
-    def wait(self, mark, name, meanwhile=lambda: None, /, **fields):
-        return until("%s %s" % (name, fields or ""), lambda: self.find(mark, name, **fields), meanwhile)
+    def wait(self, mark, name, /, **fields):
+        return until("%s %s" % (name, fields or ""), lambda: self.find(mark, name, **fields))
 
-    def last(self, *names):
-        """The latest event of one of these names."""
-        return next((event for _, event in reversed(self.events) if event["event"] in names), {})
+    def all(self, mark, name):
+        return [event for _, event in self.events[mark:] if event["event"] == name]
 
     def shown(self, mark=0):
         return "".join("%.3f %s\n" % (at, json.dumps(event)) for at, event in self.events[mark:])
 
 
+def give_up(failure, **told):
+    """Ends the round, with the latest of what was told."""
+    for name, events in told.items():
+        print("--- the %s:\n%s" % (name, events.shown(max(0, events.mark() - 50))), end="")
+    sys.exit("FAILED at %.3f: %s" % (time.monotonic(), failure))
+
+
 class Program(Events):
     """A process that tells events, and takes commands, a line each."""
 
-    def __init__(self, *command):
+    def __init__(self, *command, event=json.loads):
         super().__init__()
-        self.command = command
+        self.command, self.event = command, event
         self.start()
 
     def start(self):
         self.process = subprocess.Popen(self.command, stdin=subprocess.PIPE, text=True, bufsize=1,
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.follow(self.process.stdout)
+        self.follow(self.process.stdout, self.event)
         self.follow(self.process.stderr, lambda line: {"event": "said", "text": line.strip()})
 
     def find(self, mark, name, /, **fields):
@@ -107,13 +113,12 @@ class Pen(Program):
         self.tell(colour)
         self.wait(mark, "captured", hex=colour)
 
-    def colours(self, mark):
-        return [event["hex"] for _, event in self.events[mark:] if event["event"] == "captured"]
-
     def is_subscribed(self):
-        changes = [event for _, event in self.events if event["event"] in ("connected", "disconnected") or
-                   event.get("characteristic") == "colour"]
-        return changes and changes[-1]["event"] == "subscribed"
+        """Whether the host of the link has asked for colours."""
+        states = [event["event"] for _, event in self.events
+                  if event["event"] in ("connected", "disconnected") or
+                  event["event"] in ("subscribed", "unsubscribed") and event["characteristic"] == "colour"]
+        return states[-1:] == ["subscribed"]
 
 
 class Air(Events):
@@ -142,14 +147,13 @@ class Air(Events):
             fifo.write(command + "\n")
 
     def shows(self, event, state):
-        return self.last(event).get("is") == state
+        return [found["is"] for found in self.all(0, event)][-1:] == [state]
 
     def wait_closed(self, mark, reason=None):
         """The time at which a link closed."""
         def closed():
-            return next((at for at, event in self.events[mark:]
-                         if event["event"] == "link" and event["is"] != "open" and
-                         reason in (None, event["is"])), None)
+            return next((at for at, event in self.events[mark:] if event["event"] == "link" and
+                         event["is"] != "open" and reason in (None, event["is"])), None)
 
         return until("the end of the link", closed)
 
@@ -158,19 +162,26 @@ class Adapter:
     """A controller, as bluetoothd has it."""
 
     def __init__(self, name):
-        self.properties = ["dbus-send", "--system", "--print-reply", "--dest=org.bluez",
-                           "/org/bluez/" + name]
+        self.path = "/org/bluez/" + name
+
+    def ask(self, method, *arguments):
+        """What `dbus-send` prints of the answer."""
+        command = ["dbus-send", "--system", "--print-reply=literal", "--dest=org.bluez", self.path,
+                   "org.freedesktop.DBus.Properties." + method, "string:org.bluez.Adapter1", *arguments]
+        return subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE).stdout
 
     def power(self, on):
-        subprocess.run(self.properties + ["org.freedesktop.DBus.Properties.Set",
-                                          "string:org.bluez.Adapter1", "string:Powered",
-                                          "variant:boolean:" + str(on).lower()],
-                       check=True, stdout=subprocess.DEVNULL)
+        self.ask("Set", "string:Powered", "variant:boolean:" + str(on).lower())
+
+    def address(self):
+        return self.ask("Get", "string:Address").split()[-1]
 
     def is_known(self):
-        return not subprocess.run(self.properties + ["org.freedesktop.DBus.Properties.GetAll",
-                                                     "string:org.bluez.Adapter1"],
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode
+        try:
+            return self.ask("GetAll") != ""
+        except subprocess.CalledProcessError:
+            return False
 
 
 class Daemon:
