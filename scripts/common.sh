@@ -37,7 +37,7 @@ require_packages() {
     fi
     "${as_root[@]}" apt-get -o DPkg::Lock::Timeout=300 -qq update
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 \
-        -qq install --yes --no-install-recommends "${missing[@]}" >/dev/null
+        -q install --yes --no-install-recommends "${missing[@]}" | sed -n '/^Need to get/p'
 }
 
 # Passes on what a build prints, but of its steps only a line for each tenth of them.
@@ -65,27 +65,4 @@ build() {
     cmake --preset "$preset" --log-level=NOTICE
     local command=(cmake --build --preset "$preset" --parallel "$(nproc)" "${targets[@]}")
     if [[ -t 1 ]]; then "${command[@]}"; else "${command[@]}" | show_tenths; fi
-}
-
-# find_lab: sets $lab to the virtual hardware lab's folder: $INKORA_LAB, else ../shared/lab beside the
-# checkout. Where there is none there is nothing to be done, and the script ends.
-lab=
-find_lab() {
-    lab=${INKORA_LAB:-$PWD/../shared/lab}
-    if [[ ! -x $lab/lab ]]; then
-        [[ -z ${INKORA_LAB:-} ]] || fail "there is no lab in INKORA_LAB=$INKORA_LAB"
-        echo "Skipped: there is no hardware lab in ../shared/lab, and INKORA_LAB is not set."
-        exit 0
-    fi
-    [[ -x $lab/air ]] && return
-    # The lab's `air` is a link to its `pen`. Where copying has made a plain file of it no guest
-    # comes up, and a copy with the link is used.
-    local copy
-    copy=$(mktemp -d)
-    # shellcheck disable=SC2064 # the folder's name as it is now
-    trap "rm -rf '$copy'" EXIT
-    cp -a "$lab/." "$copy"
-    chmod -R u+w "$copy"
-    ln -sf pen "$copy/air"
-    lab=$copy
 }

@@ -66,7 +66,8 @@ std::vector<Document> loadDocuments(const std::filesystem::path& folder) {
 
     std::vector<Document> documents;
     for (const Description& description : descriptions) {
-        std::optional<std::string> text = textOfFile(folder / (description.name + ".json"));
+        std::optional<std::string> text;
+        if (!folder.empty()) text = textOfFile(folder / (description.name + ".json"));
         const bool isGenerated = !text.has_value();
         if (isGenerated) text = description.generate();
         documents.push_back({description.name, std::move(*text), description.place,
