@@ -22,8 +22,8 @@ void add(CLI::App& app, const Flag& flag) {
 }
 
 CLI::Validator isChoice(const std::vector<Choice>& choices) {
-    std::vector<std::string> names;
-    for (const Choice& choice : choices) names.push_back(choice.name);
+    std::vector<std::string> names(choices.size());
+    std::ranges::transform(choices, names.begin(), &Choice::name);
     const CLI::IsMember member(names);
     const auto check = [member, choices](std::string& text) {
         const bool hasFileBehind = std::ranges::any_of(choices, [&](const Choice& choice) {
