@@ -16,7 +16,7 @@ static void show(void* context, const inkora_colour* colour) {
 }
 
 static void give_up(void* context, int64_t code, const char* text) {
-    (void)context;
+    *(int*)context = 1;
     fprintf(stderr, "%s (%d) %s\n", text, (int)code, inkora_bluetooth_reason());
     inkora_loop_stop();
 }
@@ -27,13 +27,14 @@ int main(int count, char** arguments) {
                                         .connected = tell_connected,
                                         .failed = give_up,
                                         .colour_captured = show};
+    int status = 0;
     if (count > 1 && strcmp(arguments[1], "virtual") == 0) {
         inkora_virtual_pen_add(1);
         inkora_virtual_pen_start_capturing(1, 0.5, 0);
     }
-    if (inkora_register(&callbacks, NULL) || inkora_start() || inkora_loop_run()) {
+    if (inkora_register(&callbacks, &status) || inkora_start() || inkora_loop_run()) {
         fprintf(stderr, "%s\n", inkora_last_error());
         return 1;
     }
-    return 0;
+    return status;
 }

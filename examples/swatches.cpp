@@ -16,8 +16,11 @@ struct Swatches : InkoraProtocols {
 
     void giveUp(const NSError& error) {
         std::fprintf(stderr, "%s\n", error.domain().c_str());
+        status = 1;
         RunLoop::main().stop();
     }
+
+    int status = 0;
 };
 
 int main() {
@@ -25,4 +28,5 @@ int main() {
     InkoraManager::registerInkoraManager(swatches);
     InkoraManager::startDevicePairing();
     RunLoop::main().run();
+    return swatches->status;
 }

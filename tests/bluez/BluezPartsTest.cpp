@@ -45,16 +45,18 @@ TEST(DeviceAddress, TextIsNoAddress) {
     EXPECT_FALSE(DeviceAddress::fromIdentifier(UUID()));
 }
 
-TEST(RadioSwitch, EitherKindBlocks) {
+TEST(RadioSwitch, HardBlockIsToldBeforeASoftOne) {
     const auto folder = std::filesystem::temp_directory_path() / "bluez-radio-switch";
     std::filesystem::create_directories(folder / "hci1" / "rfkill3");
-    const auto isBlocked = [&](int soft, int hard) {
+    const auto block = [&](int soft, int hard) {
         std::ofstream(folder / "hci1" / "rfkill3" / "soft") << soft << '\n';
         std::ofstream(folder / "hci1" / "rfkill3" / "hard") << hard << '\n';
-        return isRadioBlocked(1, folder);
+        return radioBlockOf("/org/bluez/hci1", folder);
     };
-    EXPECT_TRUE(isBlocked(1, 0) && isBlocked(0, 1) && !isBlocked(0, 0));
-    EXPECT_FALSE(isRadioBlocked(2, folder));
+    EXPECT_EQ(block(0, 0), RadioBlock::none);
+    EXPECT_EQ(block(1, 0), RadioBlock::soft);
+    EXPECT_EQ(block(1, 1), RadioBlock::hard);
+    EXPECT_EQ(radioBlockOf("/org/bluez/hci2", folder), RadioBlock::none);
     std::filesystem::remove_all(folder);
 }
 

@@ -1,10 +1,13 @@
 #include "JsonLine.h"
+#include "doctor/Report.h"
 #include "pen/JsonFormat.h"
 #include "pen/TextFormat.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -27,6 +30,22 @@ TEST(JsonString, OfANameFromTheAir) {
         {"\xF4\x90\x80\x80", replaced + replaced + replaced + replaced}};
     // clang-format on
     for (const auto& [name, json] : cases) EXPECT_EQ(jsonString(name), '"' + json + '"');
+}
+
+TEST(DoctorReport, WrapsWordsAndLeavesCommandsWhole) {
+    std::string words;
+    for (int i = 0; i < 30; ++i) words += "wörter ";
+    const std::string command = "mend " + std::string(90, 'x');
+    const std::string text =
+        textOf({"name", Finding::State::warning, words + words, command, "Advice at the end"});
+    EXPECT_EQ(text.find("warning  name             wörter wörter"), 0U);
+    EXPECT_EQ(text.find("\n         $ " + command), text.size() - command.size() - 12);
+    EXPECT_NE(text.find("wörter . Advice"), std::string::npos);
+    std::istringstream lines(text.substr(0, text.find('$')));
+    for (std::string line; std::getline(lines, line);) {
+        const auto bytesBeyond = std::ranges::count(line, '\xB6');  // ö has two
+        EXPECT_LE(static_cast<std::ptrdiff_t>(line.size()) - bytesBeyond, 80) << line;
+    }
 }
 
 TEST(JsonLine, HoldsNumbersThatReadBack) {

@@ -73,5 +73,6 @@ Command infoCommand();
 Command penCommand();
 Command jsonCommand();
 Command paletteCommand();
+Command doctorCommand();
 
 }  // namespace InkoraTool

@@ -1,9 +1,9 @@
 #include "CommandLine.h"
 
 #include "File.h"
+#include "commandline/CommandPlace.h"
 #include "commandline/Completion.h"
 #include "commandline/ManPage.h"
-#include "commandline/Place.h"
 #include "commandline/Suggestion.h"
 
 #include <CLI/CLI.hpp>

@@ -105,41 +105,50 @@ void orElseUnchanged(const std::string& file, Step step) {
     }
 }
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-std::string restOf(std::FILE* stream, std::size_t expectedSize) {
-    std::string text;
-    text.reserve(expectedSize);
-    std::array<char, 65536> part;
-    while (const std::size_t size = std::fread(part.data(), 1, part.size(), stream))
-        text.append(part.data(), size);
-    require(std::ferror(stream) == 0);
-    return text;
-}
-
-std::string contentsOf(const std::string& file) {
-    if (file == standardInput) return restOf(stdin, 0);
-    const std::unique_ptr<std::FILE, CloseFile> stream(std::fopen(file.c_str(), "rb"));
-    require(stream != nullptr);
-    std::error_code unknown;
-    const std::uintmax_t size = std::filesystem::file_size(file, unknown);
-    return restOf(stream.get(), unknown ? 0 : static_cast<std::size_t>(size));
-}
-
 }  // namespace
 
 std::string shownName(const std::string& file) {
     return file == standardInput ? "standard input" : printableText(file);
 }
 
+InputFile::InputFile(const std::string& file)
+    : file_(file), stream_(file == standardInput ? stdin : std::fopen(file.c_str(), "rb")) {
+    if (!stream_) fail();
+}
+
+std::optional<std::string> InputFile::line() {
+    char* start = nullptr;
+    std::size_t capacity = 0;
+    const ssize_t size = ::getline(&start, &capacity, stream_.get());
+    const std::unique_ptr<char, decltype(&std::free)> owner(start, std::free);
+    if (size >= 0) return std::string(start, static_cast<std::size_t>(size));
+    if (std::ferror(stream_.get()) != 0) fail();
+    return std::nullopt;
+}
+
+void InputFile::appendRest(std::string& text) {
+    struct stat state {};
+    if (::fstat(::fileno(stream_.get()), &state) == 0 && S_ISREG(state.st_mode))
+        text.reserve(text.size() + static_cast<std::size_t>(state.st_size));
+    std::array<char, 65536> part;
+    while (const std::size_t size = std::fread(part.data(), 1, part.size(), stream_.get()))
+        text.append(part.data(), size);
+    if (std::ferror(stream_.get()) != 0) fail();
+}
+
+void InputFile::Close::operator()(std::FILE* stream) const {
+    if (stream != stdin) std::fclose(stream);
+}
+
+void InputFile::fail() const {
+    throw Failure(ExitStatus::unreadable,
+                  shownName(file_) + ": " + std::generic_category().message(errno));
+}
+
 std::string readFile(const std::string& file) {
-    try {
-        return contentsOf(file);
-    } catch (const std::system_error& error) {
-        throw Failure(ExitStatus::unreadable, shownName(file) + ": " + error.code().message());
-    }
+    std::string text;
+    InputFile(file).appendRest(text);
+    return text;
 }
 
 void replaceFile(const std::string& file, std::string_view contents) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdio>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +13,29 @@ inline constexpr const char* standardInput = "-";
 
 /// A file's name for people.
 std::string shownName(const std::string& file);
+
+/// A file, or standard input, that is read as far as it is asked for.
+class InputFile {
+public:
+    /// @throws Failure when it cannot be read, as the other members do
+    explicit InputFile(const std::string& file);
+
+    /// The next line as soon as it is there, with its line feed; nothing at the end.
+    std::optional<std::string> line();
+
+    /// Adds all that is left.
+    void appendRest(std::string& text);
+
+private:
+    struct Close {
+        void operator()(std::FILE* stream) const;
+    };
+
+    [[noreturn]] void fail() const;
+
+    std::string file_;
+    std::unique_ptr<std::FILE, Close> stream_;
+};
 
 /// What is in a file, or in standard input.
 /// @throws Failure when it cannot be read

@@ -14,6 +14,7 @@ constexpr const char* footer = R"(Examples:
   inkora watch                           colours of the first pen found, until Ctrl-C
   inkora watch --count 5 --json          five colours, for a program to read
   inkora watch --for 60 --ask-every 10   a minute, with battery and proximity every 10 s
+  inkora doctor                          what is amiss where no pen is found
   inkora info                            name, identifier, battery, proximity
   inkora watch --radio virtual           no Bluetooth and no pen needed
   inkora watch --palette desk.html       keeps the colours in a page, .json, .gpl, .ase, .css, .svg
@@ -30,7 +31,7 @@ Exit status:
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected
   19  no pen was found within 6 seconds, or the time of --for
- 130  info was interrupted before it had an answer
+ 130  info or doctor was interrupted before it had an answer
 )";
 
 int failed(const char* message, ExitStatus status) {
@@ -49,7 +50,7 @@ int main(int argc, char** argv) {
             .help = "Talks to a colour-capturing pen over Bluetooth LE.",
             .footer = footer,
             .commands = {watchCommand(), infoCommand(), penCommand(), jsonCommand(),
-                         paletteCommand()},
+                         paletteCommand(), doctorCommand()},
         };
         return static_cast<int>(runCommandLine(program, "inkora " INKORA_VERSION, argc, argv));
     } catch (const Failure& failure) {

@@ -1,13 +1,13 @@
 #include "commandline/Completion.h"
 
-#include "commandline/Place.h"
+#include "commandline/CommandPlace.h"
 
 namespace InkoraTool {
 
 std::string completions(const Command& program, std::vector<std::string> words) {
     const std::string last = words.empty() ? "" : words.back();
     if (!words.empty()) words.pop_back();
-    Place place(program);
+    CommandPlace place(program);
     for (const std::string& word : words) place.pass(word);
     const Next next = place.next(last);
     std::string lines;

@@ -135,7 +135,7 @@ std::string synopsis(const NamedCommand& named) {
     for (const Flag& flag : named.command->flags) roff += ".OP " + escaped(flag.name) + '\n';
     for (const Operand& operand : named.command->operands) {
         const bool isMany = !std::holds_alternative<std::string*>(operand.into);
-        const std::string text = italic(operand.name) + (isMany ? "\\~.\\|.\\|.\\&" : "");
+        const std::string text = italic(operand.name) + (isMany ? R"(\~.\|.\|.\&)" : "");
         roff += (operand.isRequired ? text : '[' + text + ']') + '\n';
     }
     return roff + ".YS\n";

@@ -1,7 +1,7 @@
 #include "commandline/Suggestion.h"
 
 #include "Text.h"
-#include "commandline/Place.h"
+#include "commandline/CommandPlace.h"
 
 #include <algorithm>
 #include <numeric>
@@ -53,7 +53,7 @@ std::string knownPart(const std::string& word, const Next& next) {
 
 std::optional<Suggestion> suggestion(const Command& program,
                                      const std::vector<std::string>& words) {
-    Place place(program);
+    CommandPlace place(program);
     for (const std::string& word : words) {
         const Next next = place.next(word);
         const std::string typed = knownPart(word, next);

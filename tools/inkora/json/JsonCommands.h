@@ -16,4 +16,7 @@ Command jsonFormatCommand();
 /// The document that each of them reads first.
 Operand jsonFile(std::string& file);
 
+/// Of those that take JSON Lines.
+Flag jsonLines(bool& areLines);
+
 }  // namespace InkoraTool

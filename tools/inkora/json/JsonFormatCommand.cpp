@@ -1,5 +1,5 @@
 #include "json/JsonCommands.h"
-#include "json/JsonInput.h"
+#include "json/JsonDocuments.h"
 #include "json/JsonOutput.h"
 
 #include <memory>
@@ -12,14 +12,18 @@ namespace {
 
 struct FormatOptions {
     std::string file;
+    bool areLines = false;
     bool isCompact = false;
     bool isSorted = false;
 };
 
 ExitStatus format(const FormatOptions& options) {
     using enum JSONSerialization::WritingOptions;
-    return printText(jsonText(readJson(options.file), (options.isCompact ? none : prettyPrinted) |
-                                                          (options.isSorted ? sortedKeys : none)));
+    const auto layout =
+        (options.isCompact ? none : prettyPrinted) | (options.isSorted ? sortedKeys : none);
+    return printDocuments(options.file, options.areLines, [layout](const JSON& document, bool) {
+        return jsonText(document, layout);
+    });
 }
 
 }  // namespace
@@ -30,7 +34,8 @@ Command jsonFormatCommand() {
         .name = "format",
         .help = "Prints a document in another layout",
         .operands = {jsonFile(options->file)},
-        .flags = {{"--compact", "Without blanks and line breaks", &options->isCompact},
+        .flags = {jsonLines(options->areLines),
+                  {"--compact", "Without blanks and line breaks", &options->isCompact},
                   {"--sorted", "Members by key instead of as they come", &options->isSorted}},
         .run = [options] { return format(*options); },
     };

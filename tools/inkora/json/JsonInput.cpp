@@ -2,20 +2,22 @@
 
 #include "Failure.h"
 #include "File.h"
-#include "json/JsonTextFault.h"
 
 using namespace InkoraKit;
 
 namespace InkoraTool {
 
-JSON readJson(const std::string& file) {
-    const std::string text = readFile(file);
+JSON jsonIn(std::string_view text, const std::string& file, const TextStart& start) {
     try {
         return JSONSerialization::jsonObject(text,
                                              JSONSerialization::ReadingOptions::allowFragments);
     } catch (const NSError& error) {
-        throw Failure(ExitStatus::malformed, jsonTextFault(shownName(file), text, error));
+        throw Failure(ExitStatus::malformed, jsonTextFault(shownName(file), text, error, start));
     }
+}
+
+JSON readJson(const std::string& file) {
+    return jsonIn(readFile(file), file);
 }
 
 }  // namespace InkoraTool

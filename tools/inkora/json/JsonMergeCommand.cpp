@@ -26,7 +26,8 @@ ExitStatus merge(const MergeOptions& options) {
     } catch (const NSError& error) {
         throw Failure(ExitStatus::notMergeable, error.localizedDescription());
     }
-    return printText(jsonText(document));
+    printText(jsonText(document));
+    return ExitStatus::success;
 }
 
 }  // namespace

@@ -18,11 +18,12 @@ std::string jsonText(const JSON& value, JSONSerialization::WritingOptions option
     }
 }
 
-ExitStatus printText(const std::string& text) {
+bool printText(const std::string& text) {
     Output output;
-    if (output.line(text) == Output::Outcome::failed)
+    const Output::Outcome outcome = output.line(text);
+    if (outcome == Output::Outcome::failed)
         throw Failure(ExitStatus::failure, "standard output: " + output.failure());
-    return ExitStatus::success;
+    return outcome == Output::Outcome::written;
 }
 
 }  // namespace InkoraTool

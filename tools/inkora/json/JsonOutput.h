@@ -15,7 +15,8 @@ std::string jsonText(const InkoraKit::JSON& value,
                          InkoraKit::JSONSerialization::WritingOptions::prettyPrinted);
 
 /// Writes a text and a line break to standard output.
-/// @throws Failure when that cannot be; that nobody reads any more is no failure
-ExitStatus printText(const std::string& text);
+/// @return whether somebody still reads
+/// @throws Failure when that cannot be
+bool printText(const std::string& text);
 
 }  // namespace InkoraTool

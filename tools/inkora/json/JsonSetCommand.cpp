@@ -17,7 +17,8 @@ namespace {
 
 constexpr const char* setFooter =
     R"(A key that is not there is added. All steps before the last one have to be there, and so have
-positions in arrays. What starts with - goes behind --, but for numbers.
+positions in arrays, which can be counted from the end, from -1. What starts with - goes behind --,
+but for numbers.
 )";
 
 struct SetOptions {
@@ -51,10 +52,12 @@ ExitStatus set(const SetOptions& options) {
     requireUtf8(options.value);
     JSON document = readJson(options.file);
     document[pathIn(document, options.steps, LastStep::mayBeAdded)] = valueFrom(options);
-    std::string text = jsonText(document);
-    if (!options.isInPlace) return printText(text);
-    text += '\n';
-    replaceFile(options.file, text);
+    const std::string text = jsonText(document);
+    if (options.isInPlace) {
+        replaceFile(options.file, text + '\n');
+    } else {
+        printText(text);
+    }
     return ExitStatus::success;
 }
 

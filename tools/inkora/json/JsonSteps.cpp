@@ -5,6 +5,7 @@
 #include "Utf8.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -15,21 +16,50 @@ using namespace InkoraKit;
 namespace InkoraTool {
 namespace {
 
+/// As a shell takes it.
+std::string shellWord(std::string_view text) {
+    const bool isPlain = std::ranges::all_of(
+        text, [](unsigned char c) { return std::isalnum(c) != 0 || c == '_' || c == '-'; });
+    if (isPlain) return std::string(text);
+    std::string quoted = "'";
+    for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
+    return quoted + "'";
+}
+
 bool isPosition(std::string_view step) {
     if (step.starts_with('-')) step.remove_prefix(1);
     return !step.empty() && step.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// What is beyond all integers is beyond all arrays as well.
-std::int64_t positionFrom(const std::string& step) {
+/// What is beyond all integers is beyond all arrays as well, and so is what is before the first
+/// element.
+std::int64_t positionFrom(const std::string& step, std::size_t count) {
     std::int64_t position = 0;
     const auto read = std::from_chars(step.data(), step.data() + step.size(), position);
-    return read.ec == std::errc() ? position : std::numeric_limits<std::int64_t>::max();
+    if (read.ec != std::errc()) return std::numeric_limits<std::int64_t>::max();
+    const std::int64_t fromStart = position + static_cast<std::int64_t>(count);
+    return position < 0 && fromStart >= 0 ? fromStart : position;
 }
 
 JSONKey keyFrom(const std::string& step, const JSON& container) {
-    if (container.type() == Type::array && isPosition(step)) return positionFrom(step);
+    if (container.type() == Type::array && isPosition(step))
+        return positionFrom(step, container.count());
     return step;
+}
+
+/// For those who are used to paths like `.a.b[0]`: how such a one is written here.
+std::string hintFor(const std::string& step) {
+    constexpr std::string_view separators = ".[]\"";
+    if (step.find_first_of(".[") == std::string::npos) return "";
+    std::string words;
+    for (std::string_view rest = step; !rest.empty();) {
+        rest.remove_prefix(std::min(rest.find_first_not_of(separators), rest.size()));
+        const std::string_view word = rest.substr(0, rest.find_first_of(separators));
+        rest.remove_prefix(word.size());
+        if (!word.empty()) words += ' ' + shellWord(word);
+    }
+    return words.empty() ? "; the whole document has no path"
+                         : "; each step of a path is a word:" + words;
 }
 
 std::string shown(const JSONPath& path) {
@@ -55,7 +85,8 @@ JSONPath pathIn(const JSON& document, const std::vector<std::string>& steps, Las
         const auto error = value.error();
         if (error && !mayBeMissing)
             throw Failure(ExitStatus::noSuchPlace,
-                          printableText(error->localizedDescription()) + ", at " + shown(path));
+                          printableText(error->localizedDescription() + ", at " + shown(path) +
+                                        hintFor(step)));
     }
     return path;
 }

@@ -12,8 +12,8 @@ enum class LastStep {
     mayBeAdded,  ///< if it is a key of a dictionary
 };
 
-/// The path that arguments mean in a document: digits, with or without a minus, are a position
-/// where an array is, and all else is a key.
+/// The path that arguments mean in a document: digits are a position where an array is, with a
+/// minus from its end, and all else is a key.
 /// @throws Failure at the first step that cannot be taken
 InkoraKit::JSONPath pathIn(const InkoraKit::JSON& document, const std::vector<std::string>& steps,
                            LastStep last);

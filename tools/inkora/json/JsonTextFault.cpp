@@ -113,19 +113,21 @@ std::string reasonOf(const NSError& error) {
         .value_or(error.localizedDescription());
 }
 
-std::string jsonTextFault(std::string_view name, std::string_view text, const NSError& error) {
+std::string jsonTextFault(std::string_view name, std::string_view text, const NSError& error,
+                          const TextStart& start) {
     const std::string reason = reasonOf(error);
     const auto offset = offsetIn(error);
     if (!offset) return std::string(name) + ": " + withoutEnd(reason, ".");
-    const std::string atByte = "byte " + std::to_string(*offset) + " from 0";
+    const std::string atByte = "byte " + std::to_string(start.byte + *offset) + " from 0";
     const Place place = placeAt(text, *offset);
     if (!reason.ends_with(readersWords(place)))
         return std::string(name) + ": " + withoutEnd(reason, ".") + " (column from 0; " + atByte +
                "; not shown, since the text is in UTF-16 or UTF-32)";
     const std::string_view before = text.substr(place.lineStart, place.offset - place.lineStart);
-    return std::string(name) + ", line " + std::to_string(place.line) + ", column " +
-           std::to_string(characterCount(before) + 1) + " (characters from 1; " + atByte +
-           "): " + withoutEnd(withoutEnd(reason, readersWords(place)), ".") + excerpt(text, place);
+    return std::string(name) + ", line " + std::to_string(start.line + place.line - 1) +
+           ", column " + std::to_string(characterCount(before) + 1) + " (characters from 1; " +
+           atByte + "): " + withoutEnd(withoutEnd(reason, readersWords(place)), ".") +
+           excerpt(text, place);
 }
 
 }  // namespace InkoraTool

@@ -25,6 +25,9 @@ public:
     virtual std::string battery(std::int64_t percent) const = 0;
     virtual std::string signalStrength(std::optional<std::int64_t> dBm) const = 0;
     virtual std::string info(const PenInfo& info) const = 0;
+
+    /// What is shown for a moment, beside the lines, while a pen is looked for; empty for nothing.
+    virtual std::string progress(std::int64_t seconds) const = 0;
 };
 
 /// JSON, a line an object, or text that suits standard output.

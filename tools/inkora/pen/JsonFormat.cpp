@@ -55,4 +55,8 @@ std::string JsonFormat::info(const PenInfo& info) const {
         .text();
 }
 
+std::string JsonFormat::progress(std::int64_t) const {
+    return "";
+}
+
 }  // namespace InkoraTool

@@ -35,7 +35,9 @@ void forgetPen() {
 
 }  // namespace
 
-PenSession::PenSession(std::unique_ptr<Format> format) : format_(std::move(format)) {}
+PenSession::PenSession(std::unique_ptr<Format> format)
+    : format_(std::move(format)),
+      progress_([this](std::int64_t seconds) { return format_->progress(seconds); }) {}
 
 void PenSession::use(SessionRadio radio) {
     radio_ = std::move(radio);
@@ -54,6 +56,7 @@ ExitStatus PenSession::run() {
     RunLoop::main().post([session = shared_from_this()] {
         session->searching();
         session->askForValues();
+        session->progress_.start();
         InkoraManager::startDevicePairing();
     });
     RunLoop::main().run();
@@ -75,6 +78,7 @@ void PenSession::didFailToConnectWithBlueTooth(const NSError& error) {
     unavailable(reason);
     forgetPen();
     if (isConnected_) linkEnded();
+    progress_.stop();
 }
 
 void PenSession::didFailedToInterrogate(const NSError& error) {
@@ -82,12 +86,14 @@ void PenSession::didFailedToInterrogate(const NSError& error) {
     if (!wasConnected_)
         return fail(error.domain(), isScanOver ? ExitStatus::noPen : ExitStatus::notConnected);
     if (!isScanOver) printError(error.domain());
+    if (!isFinishing_) progress_.start();
     after(isScanOver ? 0 : pauseAfterFailedConnection, [] { InkoraManager::startDevicePairing(); });
 }
 
 void PenSession::didConnectedToPeripheral() {
     wasConnected_ = true;
     isConnected_ = true;
+    progress_.stop();
     InkoraManager::requestInkoraDeviceGeneralInfo();
 }
 
@@ -118,6 +124,7 @@ void PenSession::didPeripheralProvided(const std::string& deviceName,
 // --- for the subclasses -------------------------------------------------------------------------
 
 void PenSession::print(const std::string& line) {
+    progress_.hide();
     switch (output_.line(line)) {
         case Output::Outcome::written:
             break;
@@ -131,7 +138,8 @@ void PenSession::print(const std::string& line) {
     }
 }
 
-void PenSession::printError(const std::string& text) const {
+void PenSession::printError(const std::string& text) {
+    progress_.hide();
     std::fprintf(stderr, "inkora: %s\n", text.c_str());
 }
 
@@ -148,6 +156,7 @@ void PenSession::askForValues() {
 
 void PenSession::finish(ExitStatus status) {
     if (std::exchange(isFinishing_, true)) return;
+    progress_.stop();
     status_ = status;
     // How the pen is let go of is not recorded: a replay would wait for somebody to end it so.
     if (radio_.trace) radio_.trace->end();
@@ -167,6 +176,7 @@ void PenSession::after(double seconds, std::function<void()> action) {
 void PenSession::linkEnded() {
     isConnected_ = false;
     lost();
+    progress_.start();
     askForValues();
 }
 

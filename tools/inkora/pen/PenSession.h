@@ -7,6 +7,7 @@
 #include "pen/Format.h"
 #include "pen/SessionRadio.h"
 #include "terminal/Output.h"
+#include "terminal/SearchProgress.h"
 
 #include <cstdint>
 #include <functional>
@@ -56,7 +57,7 @@ protected:
 
     const Format& format() const { return *format_; }
     void print(const std::string& line);
-    void printError(const std::string& text) const;
+    void printError(const std::string& text);
 
     /// Asks for the battery level and the proximity, unless the answer is still to come or the pen
     /// is being connected.
@@ -77,6 +78,7 @@ private:
 
     SessionRadio radio_;
     std::unique_ptr<Format> format_;
+    SearchProgress progress_;
     Output output_;
     std::shared_ptr<InkoraKit::Timer> disconnecting_;
     ExitStatus status_ = ExitStatus::success;

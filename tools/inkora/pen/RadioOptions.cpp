@@ -5,6 +5,7 @@
 #include <InkoraKit/virtual/VirtualPen.h>
 
 #include "Values.h"
+#include "doctor/Cause.h"
 
 #include <cstdio>
 #include <limits>
@@ -75,7 +76,9 @@ ExitStatus RadioOptions::run(PenSession& session) const {
         std::fprintf(stderr, "inkora: %s\n", error.what());
         return ExitStatus::unreadable;
     }
-    return session.run();
+    const ExitStatus status = session.run();
+    if (status == ExitStatus::noBluetooth && radio_ == "system") tellCauseOfNoBluetooth();
+    return status;
 }
 
 SessionRadio RadioOptions::install() const {

@@ -76,4 +76,8 @@ std::string TextFormat::info(const PenInfo& info) const {
            signalStrength(info.signalStrength);
 }
 
+std::string TextFormat::progress(std::int64_t seconds) const {
+    return "searching for " + std::to_string(seconds) + " s";
+}
+
 }  // namespace InkoraTool

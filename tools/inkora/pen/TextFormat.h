@@ -24,6 +24,7 @@ public:
     std::string battery(std::int64_t percent) const override;
     std::string signalStrength(std::optional<std::int64_t> dBm) const override;
     std::string info(const PenInfo& info) const override;
+    std::string progress(std::int64_t seconds) const override;
 
 private:
     TerminalColours colours_;

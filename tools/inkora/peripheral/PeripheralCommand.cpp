@@ -2,6 +2,7 @@
 #include "Failure.h"
 #include "File.h"
 #include "Values.h"
+#include "doctor/Cause.h"
 #include "peripheral/PeripheralOptions.h"
 #ifdef INKORA_WITH_BLUEZ
 #include "peripheral/bluez/PeripheralSession.h"
@@ -49,7 +50,9 @@ ExitStatus runPen(PeripheralCommandOptions& options) {
     if (!options.script.empty()) options.pen.script = readPenScript(options.script);
     options.pen.readsInput = options.script != standardInput;
 #ifdef INKORA_WITH_BLUEZ
-    return std::make_shared<PeripheralSession>(options.pen)->run();
+    const ExitStatus status = std::make_shared<PeripheralSession>(options.pen)->run();
+    if (status == ExitStatus::noBluetooth) tellCauseOfNoBluetooth();
+    return status;
 #else
     throw Failure(ExitStatus::noBluetooth, "this build has nothing of the system's Bluetooth");
 #endif

@@ -2,12 +2,18 @@
 
 #include "terminal/TerminalEntry.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
 namespace InkoraTool {
 namespace {
+
+std::string valueOfVariable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
 
 /// Whether it is GNU screen that draws the terminal. It shows no direct colours, and leaves a
 /// COLORTERM that was meant for the terminal around it. So does tmux, which shows them as well as
@@ -48,10 +54,14 @@ TerminalColours terminalColours(const Environment& environment) {
 
 TerminalColours coloursOfOutput() {
     if (::isatty(STDOUT_FILENO) == 0) return TerminalColours::none;
-    return terminalColours([](const char* name) {
-        const char* const value = std::getenv(name);
-        return std::string(value ? value : "");
-    });
+    return terminalColours(valueOfVariable);
+}
+
+bool canTakeLinesBack() {
+    const std::string term = valueOfVariable("TERM");
+    struct stat output {};
+    const bool isPiped = ::fstat(STDOUT_FILENO, &output) != 0 || S_ISFIFO(output.st_mode);
+    return !term.empty() && term != "dumb" && !isPiped && ::tcgetpgrp(STDERR_FILENO) == ::getpgrp();
 }
 
 }  // namespace InkoraTool

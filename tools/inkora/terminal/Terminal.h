@@ -25,4 +25,9 @@ TerminalColours terminalColours(const Environment& environment);
 /// Those of standard output; none where it is no terminal.
 TerminalColours coloursOfOutput();
 
+/// Whether a line can be shown on standard error and taken back: that is a terminal, which knows
+/// how to (TERM) and is not somebody else's just now, be it another job or what standard output is
+/// piped into.
+bool canTakeLinesBack();
+
 }  // namespace InkoraTool

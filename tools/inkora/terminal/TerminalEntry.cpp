@@ -7,6 +7,7 @@
 #include <term.h>
 #endif
 
+#include <cstdint>
 #include <string_view>
 
 namespace InkoraTool {
@@ -18,18 +19,22 @@ char* nameOf(const char* capability) {
     return const_cast<char*>(capability);
 }
 
+/// Null where there is none; -1 stands for what is no text.
+const char* textOf(const char* capability) {
+    const char* const text = tigetstr(nameOf(capability));
+    return reinterpret_cast<std::intptr_t>(text) == -1 ? nullptr : text;
+}
+
 /// An extension, which entries have as a flag, a number or a text.
 bool has(const char* capability) {
-    const char* const text = tigetstr(nameOf(capability));
     return tigetflag(nameOf(capability)) > 0 || tigetnum(nameOf(capability)) > 0 ||
-           (text && text != reinterpret_cast<const char*>(-1));
+           textOf(capability);
 }
 
 /// Whether a background is set as ECMA-48 says.
 bool setsBackgroundsByEcma48() {
-    const char* const text = tigetstr(nameOf("setab"));
-    return text && text != reinterpret_cast<const char*>(-1) &&
-           std::string_view(text).starts_with("\x1b[");
+    const char* const text = textOf("setab");
+    return text && std::string_view(text).starts_with("\x1b[");
 }
 
 }  // namespace

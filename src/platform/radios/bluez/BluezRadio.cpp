@@ -143,7 +143,7 @@ bool BluezRadio::isPowered(const std::string& adapter) const {
 bool BluezRadio::isBlocked(const std::string& adapter) const {
     const auto* state =
         daemon_.objects().property<std::string>(adapter, ObjectTree::adapter, "PowerState");
-    return (state && *state == "off-blocked") || isRadioBlocked(controllerIndex(adapter));
+    return (state && *state == "off-blocked") || radioBlockOf(adapter) != RadioBlock::none;
 }
 
 bool BluezRadio::isFirstUsed(const std::string& adapter) const {

@@ -1,25 +1,31 @@
 #include "platform/radios/bluez/RadioSwitch.h"
 
 #include <fstream>
-#include <string>
 #include <system_error>
 
 namespace InkoraKit {
+namespace {
+
+bool isSet(const std::filesystem::path& file) {
+    int value = 0;
+    std::ifstream(file) >> value;
+    return value != 0;
+}
+
+}  // namespace
 
 // hci0/rfkill3/soft and hci0/rfkill3/hard hold a 0 or a 1.
-bool isRadioBlocked(std::uint16_t controller, const std::filesystem::path& controllers) {
+RadioBlock radioBlockOf(std::string_view adapter, const std::filesystem::path& controllers) {
+    RadioBlock block = RadioBlock::none;
     std::error_code none;  // a controller without a switch, or a system without rfkill
-    const auto folder = controllers / ("hci" + std::to_string(controller));
+    const auto folder = controllers / adapter.substr(adapter.rfind('/') + 1);
     for (std::filesystem::directory_iterator entry(folder, none), end; entry != end;
          entry.increment(none)) {
         if (!entry->path().filename().string().starts_with("rfkill")) continue;
-        for (const char* kind : {"soft", "hard"}) {
-            int isBlocked = 0;
-            std::ifstream(entry->path() / kind) >> isBlocked;
-            if (isBlocked != 0) return true;
-        }
+        if (isSet(entry->path() / "hard")) return RadioBlock::hard;
+        if (isSet(entry->path() / "soft")) block = RadioBlock::soft;
     }
-    return false;
+    return block;
 }
 
 }  // namespace InkoraKit

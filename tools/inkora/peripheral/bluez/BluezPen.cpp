@@ -9,7 +9,6 @@
 #include "platform/radios/bluez/RadioSwitch.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <span>
 #include <utility>
@@ -42,14 +41,6 @@ std::string reasonText(CBManagerStateReason reason) {
 
 std::string nameOf(const std::string& adapter) {
     return adapter.substr(adapter.rfind('/') + 1);
-}
-
-// Of hci3: 3.
-std::uint16_t numberOf(const std::string& adapter) {
-    std::uint16_t number = 0;
-    const std::size_t digits = adapter.find_last_not_of("0123456789") + 1;
-    std::from_chars(adapter.data() + digits, adapter.data() + adapter.size(), number);
-    return number;
 }
 
 std::string longUUID(std::string_view text) {
@@ -111,7 +102,7 @@ std::string BluezPen::obstacleOf(const std::string& adapter) const {
         return "There is no adapter " + nameOf(adapter) + ".";
     const auto* isPowered = objects.property<bool>(adapter, ObjectTree::adapter, "Powered");
     if (!isPowered || !*isPowered) {
-        const bool isBlocked = isRadioBlocked(numberOf(adapter));
+        const bool isBlocked = radioBlockOf(adapter) != RadioBlock::none;
         return reasonText(isBlocked ? CBManagerStateReason::blocked
                                     : CBManagerStateReason::switchedOff);
     }
@@ -168,7 +159,8 @@ void BluezPen::goDown() {
     advertisedName_.reset();
     heldReads_.clear();
     objects_.reset();
-    while (!hosts_.empty()) hostLeft(*hosts_.begin());
+    for (const std::string& host : std::exchange(hosts_, {}))
+        listener_.disconnected(addressOf(host));
     valuesUnderWay_ = 0;
     listener_.hasRoom();
 }

@@ -1,4 +1,4 @@
-#include "commandline/Place.h"
+#include "commandline/CommandPlace.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,7 +25,7 @@ Next valuesOf(const Option& option, std::string before, std::string_view beginni
 
 }  // namespace
 
-Next Place::next(std::string_view beginning) const {
+Next CommandPlace::next(std::string_view beginning) const {
     if (awaitingValue_) return valuesOf(*awaitingValue_, "", beginning);
     if (beginning.starts_with('-') && !areOptionsOver_) {
         const std::string_view name = beginning.substr(0, beginning.find('='));
@@ -40,7 +40,7 @@ Next Place::next(std::string_view beginning) const {
     return next;
 }
 
-void Place::pass(const std::string& word) {
+void CommandPlace::pass(const std::string& word) {
     const bool isOption = word.starts_with('-') && !areOptionsOver_;
     if (std::exchange(awaitingValue_, nullptr)) return;
     if (isOption) {
@@ -53,7 +53,7 @@ void Place::pass(const std::string& word) {
     }
 }
 
-std::vector<Word> Place::options() const {
+std::vector<Word> CommandPlace::options() const {
     std::vector<Word> words;
     for (const Option& option : command_->options) words.push_back({option.name, option.help});
     for (const Flag& flag : command_->flags) words.push_back({flag.name, flag.help});
@@ -62,12 +62,12 @@ std::vector<Word> Place::options() const {
     return words;
 }
 
-const Option* Place::optionNamed(std::string_view name) const {
+const Option* CommandPlace::optionNamed(std::string_view name) const {
     return named(command_->options, name);
 }
 
 /// Null behind the last one. One of many texts is the last that a place can tell.
-const Operand* Place::operand() const {
+const Operand* CommandPlace::operand() const {
     std::size_t passed = 0;
     for (const Operand& operand : command_->operands)
         if (passed++ == operandsPassed_ || !std::holds_alternative<std::string*>(operand.into))

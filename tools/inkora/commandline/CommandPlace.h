@@ -28,9 +28,9 @@ struct Next {
 };
 
 /// How far a command line is understood.
-class Place {
+class CommandPlace {
 public:
-    explicit Place(const Command& program) : program_(&program), command_(&program) {}
+    explicit CommandPlace(const Command& program) : program_(&program), command_(&program) {}
 
     /// What a word that begins so can be.
     Next next(std::string_view beginning) const;
