@@ -110,8 +110,7 @@ void Air::drop(std::uint8_t reason) {
 void Air::unplug() {
     drop(connectionTimeout);
     host_.unplug();
-    setScan(false, false);
-    request_.reset();
+    forgetHost();
 }
 
 // --- what goes by -------------------------------------------------------------------------------
@@ -119,8 +118,7 @@ void Air::unplug() {
 void Air::fromHostsKernel(const Packet& packet) {
     switch (commandIn(packet)) {
         case Command::reset:
-            setScan(false, false);
-            request_.reset();
+            forgetHost();
             break;
         case Command::setScanEnable:
             setScan(byteAt(packet, 4) != 0, byteAt(packet, 5) != 0);
@@ -205,23 +203,31 @@ void Air::setAdvertising(bool enabled) {
     isAdvertising_ = enabled;
 }
 
+void Air::setRequest(std::optional<Packet> request) {
+    if (request.has_value() != request_.has_value()) tell("request", request.has_value());
+    request_ = std::move(request);
+}
+
+void Air::forgetHost() {
+    setScan(false, false);
+    setRequest(std::nullopt);
+}
+
 void Air::holdRequest(const Packet& request) {
-    tell("request", true);
-    request_ = request;
+    setRequest(request);
     host_.toKernel({4, Event::commandStatus, 4, 0, 1, low(Command::createConnection),
                     high(Command::createConnection)});
 }
 
 bool Air::cancelRequest() {
     if (!request_) return false;
-    tell("request", false);
     host_.toKernel({4, Event::commandComplete, 4, 1, low(Command::createConnectionCancel),
                     high(Command::createConnectionCancel), 0});
     Packet failed = {4, Event::lowEnergy, 19, 1, unknownConnection, 0, 0, 0};
     for (std::size_t i = 0; i < 7; ++i)
         failed.push_back(byteAt(*request_, 9 + i));  // the pen's address
     failed.resize(22);
-    request_.reset();
+    setRequest(std::nullopt);
     host_.toKernel(failed);
     return true;
 }
@@ -266,9 +272,9 @@ void Air::advertise() {
     Timer::scheduledTimer(advertisingInterval, [this] { advertise(); });
     if (!isAdvertising_ || !isInRange_) return;
     if (request_ && !areRequestsHeld_) {
-        tell("request", false);
         own_.insert(Command::createConnection);
-        host_.toEmulation(*std::exchange(request_, std::nullopt));
+        host_.toEmulation(*request_);
+        setRequest(std::nullopt);
     }
     if (scan_ && RunLoop::main().now() - scan_->began >= scanStart) tellAdvertisements();
 }

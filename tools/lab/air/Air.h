@@ -60,6 +60,8 @@ private:
 
     void setScan(bool enabled, bool filtersDuplicates);
     void setAdvertising(bool enabled);
+    void setRequest(std::optional<Packet> request);
+    void forgetHost();
     void holdRequest(const Packet& request);
     bool cancelRequest();
     void answerPower(const Packet& command, std::uint8_t power);
