@@ -24,9 +24,9 @@
 //     json-benchmark [--quick] [--benchmark_filter=…] [FOLDER]
 //
 // Figures count from a build with CMAKE_BUILD_TYPE=Release. `--quick` shows only that it works.
-// FOLDER holds the documents (twitter.json and so on); the missing ones are generated, and so are all
-// where none is named. Ends with 1 when a library cannot read a document or finds something else in
-// it than InkoraKit.
+// FOLDER holds the documents (twitter.json and so on); the missing ones are generated, and so are
+// all where none is named. Ends with 1 when a library cannot read a document or finds something
+// else in it than InkoraKit.
 namespace {
 
 using namespace InkoraKit;
