@@ -90,6 +90,8 @@ try {
     await expect('without a reading the proximity asked for is that of the next scan, which is unknown',
         'disconnected', 'proximity 127', 'connected', '#102030');
     for (let round = 0; round < 10; ++round) {
+        // A browser that waits for a subscription may not tell of the link's end.
+        await until(() => calls.at(-1) === 'subscribe 1f17', 'the last subscription');
         pen('lose');
         await expect('the pen is lost and found again', 'disconnected', 'connected', '#102030');
         pen(notify(colours[round]));
@@ -98,11 +100,13 @@ try {
     await browser.evaluate('_info()');
     await expect('as the same pen', info);
 
+    await until(() => calls.at(-1) === 'subscribe 1f17', 'the last subscription');
     pen('refuse 1', 'lose');
     await expect('a pen that refuses every attempt is given up', 'disconnected', 'Device is failed to connect. 18');
     pen('refuse 0');
     await browser.evaluate('_pair()');
     await expect('and is found by the next pairing', 'connected', '#102030');
+    await until(() => calls.at(-1) === 'subscribe 1f17', 'the last subscription');
     pen('services 0', 'lose');
     await expect('a pen without its service is connected all the same', 'disconnected', 'connected');
     pen('services 1', 'lose');

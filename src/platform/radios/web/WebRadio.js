@@ -124,7 +124,10 @@ mergeInto(LibraryManager.library, {
             for (;;) {
                 try {
                     const server = await device.gatt.connect();
-                    if (isOver()) return clearTimeout(limit);
+                    if (isOver()) {
+                        if (!inkoraWeb.pens[pen].link) device.gatt.disconnect();  // it came too late
+                        break;
+                    }
                     await inkoraWeb.furnish(link, server);
                     if (isOver() || device.gatt.connected) break;
                     throw new DOMException('The link was lost before its services were known.', 'NetworkError');
@@ -163,7 +166,8 @@ mergeInto(LibraryManager.library, {
 
         // Asks the pen for one thing after the other. Nothing is answered once the link has ended.
         ask: function (pen, request, answer) {
-            const { link } = inkoraWeb.pens[pen];
+            const { device, link } = inkoraWeb.pens[pen];
+            if (!link) return;
             const isUp = () => inkoraWeb.pens[pen].link === link;
             link.queue = link.queue.then(async () => {
                 if (!isUp()) return;
@@ -171,6 +175,7 @@ mergeInto(LibraryManager.library, {
                 try {
                     value = await request(link);
                 } catch (error) {
+                    if (!device.gatt.connected) return inkoraWeb.ended(pen);
                     text = error.message;
                 }
                 if (isUp()) answer(link.radio, value, text);
@@ -195,13 +200,12 @@ mergeInto(LibraryManager.library, {
             }
         },
 
-        subscribe: async function (pen, handle, link, on) {
+        subscribe: function (pen, handle, link, on) {
             const thing = link.things[handle];
-            if (!on) {
-                await thing.characteristic.stopNotifications();
-                thing.characteristic.removeEventListener('characteristicvaluechanged', thing.listener);
-                return;
-            }
+            const { characteristic } = thing;
+            const unlisten = () => characteristic.removeEventListener('characteristicvaluechanged', thing.listener);
+            if (!on) return characteristic.stopNotifications().then(unlisten);
+            unlisten();
             thing.notify = value => {
                 if (inkoraWeb.pens[pen].link !== link) return;
                 const bytes = inkoraWeb.bytesOf(value);
@@ -209,8 +213,11 @@ mergeInto(LibraryManager.library, {
             };
             thing.listener = ({ target }) =>
                 link.heldFor === thing ? thing.held.push(target.value) : thing.notify(target.value);
-            thing.characteristic.addEventListener('characteristicvaluechanged', thing.listener);
-            await thing.characteristic.startNotifications();
+            characteristic.addEventListener('characteristicvaluechanged', thing.listener);
+            return characteristic.startNotifications().catch(error => {
+                unlisten();
+                throw error;
+            });
         },
     },
 
@@ -298,6 +305,6 @@ mergeInto(LibraryManager.library, {
             inkoraWeb.pens[pen].wasHere = true;
             inkoraWeb.sight(pen);
             _inkora_web_chosen(chosen, 0);
-        }).catch(refused);
+        }, refused);
     },
 });
