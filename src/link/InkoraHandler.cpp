@@ -7,7 +7,6 @@
 #include "link/Telling.h"
 #include "platform/foundation/process/Fatal.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>

@@ -7,7 +7,6 @@
 #include <InkoraKit/platform/Owner.h>
 #include <InkoraKit/platform/Printing.h>
 
-#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
