@@ -58,8 +58,8 @@ namespace {
 
 /// Whether the text is the word, which is in lower case, in any case.
 bool isWord(std::string_view text, std::string_view word) {
-    return std::ranges::equal(
-        text, word, [](char character, char letter) { return lowered(character) == letter; });
+    return std::equal(text.begin(), text.end(), word.begin(), word.end(),
+                      [](char character, char letter) { return lowered(character) == letter; });
 }
 
 }  // namespace

@@ -19,6 +19,11 @@ bool isDictionary(const Any& value) {
     return Storage::tag(value) == AnySlot::dictionary;
 }
 
+bool allElements(const Any& array, bool (*is)(const Any&)) {
+    const auto elements = Storage::elements(array);
+    return std::all_of(elements.begin(), elements.end(), is);
+}
+
 /// The container with another value in place of each part.
 template <class Replacement>
 Any withParts(const Any& container, Replacement replacement) {
@@ -35,10 +40,11 @@ Any withParts(const Any& container, Replacement replacement) {
 }
 
 bool isDictionaryOfJSON(const Any& value) {
-    return isDictionary(value) &&
-           std::ranges::all_of(Storage::members(value), [](const MemberSlots& member) {
-               return isJSON(Storage::asAny(member.value));
-           });
+    if (!isDictionary(value)) return false;
+    const auto members = Storage::members(value);
+    return std::all_of(members.begin(), members.end(), [](const MemberSlots& member) {
+        return isJSON(Storage::asAny(member.value));
+    });
 }
 
 template <class Map>
@@ -55,7 +61,7 @@ std::optional<Any> dictionaryFrom(const Any& value) {
 bool isArrayOfJSON(const Any& value) {
     if (value.as<std::vector<JSON>>()) return true;
     return Storage::tag(value) == AnySlot::array && Storage::count(value) > 0 &&
-           std::ranges::all_of(Storage::elements(value), isJSON);
+           allElements(value, isJSON);
 }
 
 std::optional<Any> dictionaryFromMap(const Any& value) {
@@ -76,7 +82,7 @@ Any unwrapped(Any value) {
             place = JSON(place).object();
         } else if (isForeignContainer(place)) {
             const bool isArray = Storage::tag(place) == AnySlot::array;
-            if (isArray && !std::ranges::all_of(Storage::elements(place), isDictionary)) continue;
+            if (isArray && !allElements(place, isDictionary)) continue;
             for (std::size_t part = Storage::count(place); part-- > 0;)
                 places.push_back(&Storage::writablePart(place, part));
         }

@@ -7,7 +7,6 @@
 #include "link/Telling.h"
 #include "platform/foundation/process/Fatal.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -95,8 +94,9 @@ NSObject::Method InkoraHandler::methodForSelector(std::string_view selector) con
         INKORA_STEP(initCBCentralManager),
     });
 #undef INKORA_STEP
-    const auto* const found = std::ranges::find(steps, selector, &Step::name);
-    return found == steps.end() ? nullptr : found->method;
+    for (const Step& step : steps)
+        if (step.name == selector) return step.method;
+    return nullptr;
 }
 
 // --- fields -------------------------------------------------------------------------------------

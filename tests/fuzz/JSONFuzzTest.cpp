@@ -96,7 +96,7 @@ TEST(JSONFuzzTest, ChangesDoWhatTheyDoPlainly) {
 }
 
 TEST(JSONFuzzDeathTest, ADifferenceIsNoticed) {
-    EXPECT_DEATH(require(matches({1}, JSON::arrayOf(2)), "1 is 2"), "not so: 1 is 2");
+    EXPECT_DEATH_IF_SUPPORTED(require(matches({1}, JSON::arrayOf(2)), "1 is 2"), "not so: 1 is 2");
     EXPECT_FALSE(matches({{"a", 1}}, JSON{{"b", 1}}) || matches("x", "y") || matches(true, 1));
 }
 

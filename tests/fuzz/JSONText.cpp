@@ -46,8 +46,9 @@ void checkWriting(const Any& value) {
 void checkJSONText(std::string_view bytes) {
     const Any value = readText(bytes);
     // What is read may be a level deeper than what can be written.
-    const bool isShallow =
-        std::ranges::count_if(bytes, [](char byte) { return byte == '[' || byte == '{'; }) < 512;
+    const bool isShallow = std::count_if(bytes.begin(), bytes.end(), [](char byte) {
+                               return byte == '[' || byte == '{';
+                           }) < 512;
     if (value.hasValue() && (isShallow || JSONSerialization::isValidJSONObject(value)))
         checkWriting(value);
     const bool hasMark = bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");

@@ -25,7 +25,7 @@ public:
     Lines take() { return std::exchange(lines, {}); }
 
     bool has(const std::string& line) const {
-        return std::ranges::find(lines, line) != lines.end();
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
     }
 
     /// Of the first characteristic with the UUID; 0, which no attribute has, when there is none.

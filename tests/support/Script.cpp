@@ -116,7 +116,8 @@ void expectTranscripts(const std::filesystem::path& folder,
         const std::string actual = makeScript()->transcribed(expected);
         ++count;
         if (actual == expected) continue;
-        const auto is = std::ranges::mismatch(actual, expected).in1;
+        const auto is =
+            std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end()).first;
         const auto kept = std::filesystem::path(testing::TempDir()) / entry.path().filename();
         std::ofstream(kept, std::ios::binary) << actual;
         ADD_FAILURE() << entry.path() << " is no longer right from line "

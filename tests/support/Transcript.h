@@ -50,7 +50,8 @@ private:
         if (!facts) return;
         auto present = facts();
         for (const std::string& fact : present)
-            if (std::ranges::find(known_, fact) == known_.end()) write("(" + fact + ")");
+            if (std::find(known_.begin(), known_.end(), fact) == known_.end())
+                write("(" + fact + ")");
         known_ = std::move(present);
     }
     void write(const std::string& line) {

@@ -7,7 +7,6 @@
 #include <InkoraKit/platform/Owner.h>
 #include <InkoraKit/platform/Printing.h>
 
-#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -277,7 +276,7 @@ private:
         if (number.isDecimal()) return keepDecimal(number.decimal_);
         const auto tag = static_cast<AnySlot::Tag>(static_cast<int>(AnySlot::boolean) +
                                                    static_cast<int>(number.kind_));
-        slot_ = AnySlot(tag, number.isReal() ? std::bit_cast<std::uint64_t>(number.real_)
+        slot_ = AnySlot(tag, number.isReal() ? AnySlot::bitsOf(number.real_)
                                              : static_cast<std::uint64_t>(number.integer_));
     }
     void keepDecimal(const NSDecimalNumber& decimal);

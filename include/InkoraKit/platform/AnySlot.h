@@ -143,7 +143,17 @@ struct alignas(8) AnySlot {
     /// What follows the payload: with it, all of a short text.
     std::uint64_t rest() const noexcept { return second_; }
     std::int64_t integer() const noexcept { return static_cast<std::int64_t>(first_); }
-    double real() const noexcept { return std::bit_cast<double>(first_); }
+    double real() const noexcept {
+        double value;
+        std::memcpy(&value, &first_, sizeof value);
+        return value;
+    }
+    /// The payload of a number with a fraction.
+    static std::uint64_t bitsOf(double value) noexcept {
+        std::uint64_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        return bits;
+    }
     bool truth() const noexcept { return first_ != 0; }
 
     std::byte* pointer() const noexcept {

@@ -34,7 +34,13 @@ public:
     std::string description() const { return uuidString(); }
 
     /// Byte by byte, as the texts sort.
-    friend auto operator<=>(const UUID&, const UUID&) = default;
+    friend bool operator==(const UUID&, const UUID&) = default;
+    friend constexpr std::strong_ordering operator<=>(const UUID& left,
+                                                      const UUID& right) noexcept {
+        if (left.bytes_ == right.bytes_) return std::strong_ordering::equal;
+        return left.bytes_ < right.bytes_ ? std::strong_ordering::less
+                                          : std::strong_ordering::greater;
+    }
 
 private:
     Bytes bytes_;

@@ -21,6 +21,11 @@ void reportRelic(const CBPeripheral& peripheral) {
                  " was given a command on a service or characteristic that is not its own");
 }
 
+template <class Item>
+bool isIn(const std::vector<std::shared_ptr<Item>>& items, const std::shared_ptr<Item>& item) {
+    return std::find(items.begin(), items.end(), item) != items.end();
+}
+
 }  // namespace
 
 CBPeripheralDelegate::~CBPeripheralDelegate() = default;
@@ -98,17 +103,17 @@ std::shared_ptr<CBPeripheral> CBPeripheral::self() {
 }
 
 bool CBPeripheral::owns(const std::shared_ptr<CBService>& service) const {
-    return service && services_ && std::ranges::find(*services_, service) != services_->end();
+    return service && services_ && isIn(*services_, service);
 }
 
 bool CBPeripheral::owns(const std::shared_ptr<CBCharacteristic>& characteristic) const {
     if (!characteristic) return false;
-    if (std::ranges::find(carriedOver_, characteristic) != carriedOver_.end()) return true;
-    return services_ &&
-           std::ranges::any_of(*services_, [&](const std::shared_ptr<CBService>& service) {
-               const auto& all = service->characteristics_;
-               return all && std::ranges::find(*all, characteristic) != all->end();
-           });
+    if (isIn(carriedOver_, characteristic)) return true;
+    if (!services_) return false;
+    return std::any_of(services_->begin(), services_->end(), [&](const auto& service) {
+        const auto& all = service->characteristics_;
+        return all && isIn(*all, characteristic);
+    });
 }
 
 }  // namespace InkoraKit

@@ -51,8 +51,9 @@ std::string CBUUID::uuidString() const {
 
 std::string CBUUID::description() const {
     std::string text = uuidString();
-    const auto known = std::ranges::find(assignedServices, text, &AssignedService::uuid);
-    return known == assignedServices.end() ? text : std::string(known->name);
+    for (const AssignedService& service : assignedServices)
+        if (service.uuid == text) return std::string(service.name);
+    return text;
 }
 
 }  // namespace InkoraKit

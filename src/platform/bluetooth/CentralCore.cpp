@@ -32,7 +32,7 @@ Dictionary dictionaryOf(const Advertisement& advertisement) {
 
 // An empty list asks for everything.
 bool isWanted(const CBUUID& uuid, const std::vector<CBUUID>& wanted) {
-    return wanted.empty() || std::ranges::find(wanted, uuid) != wanted.end();
+    return wanted.empty() || std::find(wanted.begin(), wanted.end(), uuid) != wanted.end();
 }
 
 template <class Item>
@@ -166,13 +166,13 @@ void CentralCore::stopScan() {
 
 void CentralCore::sighted(const Sighting& sighting) {
     if (!isScanning_) return;
-    const Advertisement& sent = sighting.advertisement;
+    const auto& services = sighting.advertisement.serviceUUIDs;
     const bool isOfInterest =
-        wantedServices_.empty() || std::ranges::any_of(sent.serviceUUIDs, [&](const CBUUID& uuid) {
-            return isWanted(uuid, wantedServices_);
-        });
+        wantedServices_.empty() ||
+        std::any_of(services.begin(), services.end(),
+                    [&](const CBUUID& uuid) { return isWanted(uuid, wantedServices_); });
     if (!isOfInterest) return;
-    const bool isNews = reported_.isNews(sighting.identifier, sent.localName);
+    const bool isNews = reported_.isNews(sighting.identifier, sighting.advertisement.localName);
     if (isNews || sighting.reportEvenIfKnown) report(sighting);
 }
 

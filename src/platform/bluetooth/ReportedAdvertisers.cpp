@@ -34,8 +34,10 @@ bool ReportedAdvertisers::isNews(const UUID& identifier, const std::optional<std
 ReportedAdvertisers::Name& ReportedAdvertisers::nameOf(const UUID& identifier) {
     const std::size_t number = shelfOf(identifier);
     const auto placeIn = [&](auto& shelf) {
-        const auto place =
-            std::ranges::lower_bound(shelf, identifier.bytes(), {}, &Entry::identifier);
+        const auto place = std::lower_bound(shelf.begin(), shelf.end(), identifier.bytes(),
+                                            [](const Entry& entry, const UUID::Bytes& sought) {
+                                                return entry.identifier < sought;
+                                            });
         return std::pair(place, place != shelf.end() && place->identifier == identifier.bytes());
     };
     if (const auto [known, isThere] = placeIn(present_[number]); isThere) return known->name;

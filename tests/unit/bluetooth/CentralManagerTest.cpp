@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace InkoraKit {
 namespace {
 
@@ -130,7 +132,7 @@ private:
             if (!found) return "none";
             std::string text = "[";
             for (const auto& one : *found) {
-                if (std::ranges::find(kept, one) == kept.end()) kept.push_back(one);
+                if (std::find(kept.begin(), kept.end(), one) == kept.end()) kept.push_back(one);
                 text += " " + one->uuid().uuidString();
             }
             return text + " ]";

@@ -190,7 +190,8 @@ TEST(JSONTextTest, GlobalDataTakesDictionariesOnly) {
     for (const auto& [text, reasons] : others) {
         testing::internal::CaptureStdout();
         EXPECT_FALSE(InkoraGlobalData::convertToDictionary(text));
-        EXPECT_EQ(std::ranges::count(testing::internal::GetCapturedStdout(), '\n'), reasons);
+        const std::string said = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), reasons);
     }
 }
 

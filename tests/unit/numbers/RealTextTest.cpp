@@ -42,6 +42,23 @@ TEST(RealTextTest, HardDecimalsReadAsTheNearestDouble) {
     EXPECT_EQ(nearestDouble(9007199254740995u, 0), 0x1p53 + 4);
 }
 
+TEST(RealTextTest, LongNumeralsNextToHalfwayReadAsTheNearestDouble) {
+    const std::string zeros(900, '0');
+    const std::string halfways[] = {
+        "9007199254740993.", "-9007199254740995.", "0." + zeros + "9007199254740993",
+        "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017"
+        "977587207096330286416692887910946555547851940402630657488671505820681908902000708383676273"
+        "854845817711531764475730270069855571366959622842914819860834936475292719074168444365510704"
+        "342711559699508093042880."};  // to the power of two beyond the largest
+    for (const std::string& halfway : halfways)
+        for (const std::string& more : {std::string(), zeros, zeros + "1"}) {
+            const std::string text = halfway + more;
+            EXPECT_EQ(realFromText(text), std::strtod(text.c_str(), nullptr)) << text;
+        }
+    for (const char* text : {"", "-", ".", "e5", "1e", "1e+", "1..2", "1e5x", "+1", " 1", "inf"})
+        EXPECT_TRUE(std::isnan(realFromText(text))) << text;
+}
+
 TEST(RealTextTest, DrawnDoublesAreReadAndWrittenAsTheStandardLibraryDoes) {
     // Others each time with --gtest_shuffle, and as many as wanted with --gtest_repeat.
     const int seed = testing::UnitTest::GetInstance()->random_seed();

@@ -190,7 +190,7 @@ const char* JSONReader::moveToEnd(const char* text) {
     const std::size_t offset = offsetOf(text);
     char* copy = smallEnd_.data();
     if (rest + padding > smallEnd_.size()) {
-        largeEnd_ = std::make_unique_for_overwrite<char[]>(rest + padding);
+        largeEnd_ = std::unique_ptr<char[]>(new char[rest + padding]);  // not cleared
         copy = largeEnd_.get();
     }
     if (rest > 0) std::memcpy(copy, text, rest);
@@ -692,7 +692,7 @@ const char* JSONReader::readReal(const char* start, const char* text, std::uint6
     }
     if (!value) value = realFromText(numeral);
     if (!std::isfinite(*value)) return fail("Number wound up as NaN", start);
-    put(slot, {AnySlot::float64, std::bit_cast<std::uint64_t>(*value)});
+    put(slot, {AnySlot::float64, AnySlot::bitsOf(*value)});
     return text;
 }
 

@@ -17,7 +17,7 @@ NSError readingError(const JSONReader::Fault& fault, std::string_view text,
         return NSError(NSCocoaErrorDomain, propertyListReadCorruptError,
                        {{NSDebugDescriptionErrorKey, fault.reason}});
     const std::string_view before = text.substr(0, fault.offset);
-    const auto line = std::ranges::count(before, '\n') + 1;
+    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
     const std::size_t column = before.size() - (before.rfind('\n') + 1);  // npos + 1 is 0
     return NSError(NSCocoaErrorDomain, propertyListReadCorruptError,
                    {{NSDebugDescriptionErrorKey, std::string(fault.reason) + " around line " +

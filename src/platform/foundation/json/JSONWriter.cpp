@@ -16,7 +16,7 @@ namespace {
 
 /// Takes the digits at the start off the text, and leading zeros off the digits.
 std::string_view takeNumber(std::string_view& text) {
-    const auto end = std::ranges::find_if_not(text, isDigit);
+    const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
     std::string_view digits = text.substr(0, static_cast<std::size_t>(end - text.begin()));
     text.remove_prefix(digits.size());
     digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
@@ -278,7 +278,7 @@ char* JSONWriter::writeNumber(const AnySlot& slot, char* to) {
         return fail("Invalid number value (NaN) in JSON write");
     const std::string text = number.stringValue();  // of a decimal at most 170 characters
     to = ensure(to, text.size());
-    return std::ranges::copy(text, to).out;
+    return std::copy(text.begin(), text.end(), to);
 }
 
 /// Needs and leaves room for `mostAfterText`, as all that ends in it does.

@@ -69,7 +69,8 @@ struct RunLoop::State {
     }
 
     auto findService(const RunLoopSource& source) {
-        return std::ranges::find(services, &source, &Service::source);
+        return std::find_if(services.begin(), services.end(),
+                            [&](const Service& service) { return service.source == &source; });
     }
 };
 

@@ -4,6 +4,7 @@
 #include "platform/foundation/numbers/Words.h"
 
 #include <bit>
+#include <cstring>
 #include <limits>
 
 namespace InkoraKit {
@@ -58,8 +59,10 @@ std::optional<double> nearestDoubleOfManyDigits(std::uint64_t mantissa,
     }
     // The leading one of the 53 bits adds itself to the exponent, and so does a carry.
     bits = (bits + 1) >> 1;
-    return std::bit_cast<double>(bits +
-                                 (static_cast<std::uint64_t>(biasedExponent - 1) << storedBits));
+    bits += static_cast<std::uint64_t>(biasedExponent - 1) << storedBits;
+    double value;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
 }
 
 }  // namespace InkoraKit

@@ -6,11 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <cstring>
-#include <limits>
-#include <system_error>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -146,29 +143,27 @@ char* writeScientific(char* to, ShortestDecimal decimal) {
     return to + 2;
 }
 
-/// The exponent written after the "e" of a numeral, 0 without one.
-std::int64_t writtenExponent(std::string_view numeral) {
-    const std::size_t mark = numeral.find_first_of("eE");
-    if (mark == std::string_view::npos) return 0;
-    std::string_view digits = numeral.substr(mark + 1);
-    const bool isNegative = digits.front() == '-';
-    if (isNegative || digits.front() == '+') digits.remove_prefix(1);
-    constexpr std::int64_t farBeyond = std::numeric_limits<std::int64_t>::max() / 2;  // any range
-    std::int64_t exponent = farBeyond;  // if too long to read
-    std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
-    exponent = std::min(exponent, farBeyond);
-    return isNegative ? -exponent : exponent;
+template <class Real>
+char* writeShortestOf(char* to, Real value, Real largestPlain) {
+    if (std::isnan(value)) return writeWord(to, "nan");
+    *to = '-';
+    to += std::signbit(value);  // without a branch, which signs at random would mislead
+    const Real magnitude = std::abs(value);
+    if (magnitude <= largestPlain && magnitude < static_cast<Real>(0x1p63)) {
+        const auto integer = static_cast<std::int64_t>(magnitude);
+        if (static_cast<Real>(integer) == magnitude)
+            return writeDigits(to, static_cast<std::uint64_t>(integer));
+    }
+    if (std::isinf(value)) return writeWord(to, "inf");
+    const ShortestDecimal decimal = shortestDecimal(magnitude);
+    const bool isPlain = magnitude >= static_cast<Real>(1e-4) && magnitude <= largestPlain;
+    return isPlain ? writePlain(to, decimal) : writeScientific(to, decimal);
 }
 
-/// What a numeral out of the range of double stands for. Its first digit other than 0 tells its
-/// magnitude by its distance from the point.
-double limitOf(std::string_view numeral) {
-    const std::string_view mantissa = numeral.substr(0, numeral.find_first_of("eE"));
-    const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
-    const auto first = static_cast<std::int64_t>(mantissa.find_first_of("123456789"));
-    const bool isLarge = point - first + writtenExponent(numeral) > 0;
-    const double magnitude = isLarge ? std::numeric_limits<double>::infinity() : 0.0;
-    return numeral.front() == '-' ? -magnitude : magnitude;
+template <class Real>
+void appendShortestOf(std::string& text, Real value, Real largestPlain) {
+    std::array<char, longestRealText> buffer;
+    text.append(buffer.data(), writeShortestOf(buffer.data(), value, largestPlain));
 }
 
 }  // namespace
@@ -185,45 +180,15 @@ char* writeInteger(char* to, std::int64_t value) noexcept {
 }
 
 char* writeShortest(char* to, double value, double largestPlain) noexcept {
-    if (std::isnan(value)) return writeWord(to, "nan");
-    *to = '-';
-    to += std::signbit(value);  // without a branch, which signs at random would mislead
-    const double magnitude = std::abs(value);
-    if (magnitude <= largestPlain && magnitude < 0x1p63) {
-        const auto integer = static_cast<std::int64_t>(magnitude);
-        if (static_cast<double>(integer) == magnitude) return writeInteger(to, integer);
-    }
-    if (std::isinf(value)) return writeWord(to, "inf");
-    const ShortestDecimal decimal = shortestDecimal(magnitude);
-    const bool isPlain = magnitude >= 1e-4 && magnitude <= largestPlain;
-    return isPlain ? writePlain(to, decimal) : writeScientific(to, decimal);
+    return writeShortestOf(to, value, largestPlain);
 }
 
 void appendShortest(std::string& text, double value, double largestPlain) {
-    std::array<char, longestRealText> buffer;
-    text.append(buffer.data(), writeShortest(buffer.data(), value, largestPlain));
+    appendShortestOf(text, value, largestPlain);
 }
 
 void appendShortest(std::string& text, float value, float largestPlain) {
-    if (std::isnan(value)) {  // without the sign that the conversion below would show
-        text += "nan";
-        return;
-    }
-    const float magnitude = std::abs(value);
-    const bool isPlain = magnitude == 0 || (magnitude >= 1e-4f && magnitude <= largestPlain);
-    std::array<char, longestRealText> buffer;
-    const auto result =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                      isPlain ? std::chars_format::fixed : std::chars_format::scientific);
-    text.append(buffer.data(), result.ptr);
-}
-
-double realFromText(std::string_view text) noexcept {
-    double value = std::numeric_limits<double>::quiet_NaN();
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, value);
-    if (result.ptr != end) return std::numeric_limits<double>::quiet_NaN();
-    return result.ec == std::errc::result_out_of_range ? limitOf(text) : value;
+    appendShortestOf(text, value, largestPlain);
 }
 
 }  // namespace InkoraKit

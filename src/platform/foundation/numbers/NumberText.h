@@ -33,7 +33,6 @@ void appendShortest(std::string& text, float value, float largestPlain);
 
 /// The double nearest to the numeral that fills the whole text, whatever the locale: infinite when
 /// too large, zero when too small, "not a number" when the text is no such numeral.
-/// The words inf and nan are numerals too.
 double realFromText(std::string_view text) noexcept;
 
 }  // namespace InkoraKit

@@ -63,8 +63,7 @@ constexpr std::array<PowerOfTen, largestPowerOfTen - smallestPowerOfTen + 1> pow
     makePowersOfTen();
 
 // Adding one to the low half rounds up.
-static_assert(std::ranges::none_of(powersOfTen, [](const PowerOfTen& power) {
-    return power.low == ~std::uint64_t{0};
-}));
+static_assert(std::none_of(powersOfTen.begin(), powersOfTen.end(),
+                           [](const PowerOfTen& power) { return power.low == ~std::uint64_t{0}; }));
 
 }  // namespace InkoraKit

@@ -3,15 +3,12 @@
 #include "platform/foundation/numbers/PowersOfTen.h"
 #include "platform/foundation/numbers/Words.h"
 
-#include <bit>
+#include <cstring>
+#include <limits>
 
 namespace InkoraKit {
 
 namespace {
-
-constexpr int fractionBits = 52;
-constexpr std::uint64_t hiddenBit = std::uint64_t{1} << fractionBits;
-constexpr int smallestExponent = -1074;  // of the last bit
 
 /// factor × power / 2^128, rounded to odd: the last bit is set if anything was cut off, so that
 /// comparisons with even numbers come out as they would before rounding.
@@ -33,13 +30,19 @@ constexpr int floorLog10OfThreeQuartersPowerOfTwo(int exponent) {
 
 constexpr std::uint64_t smallestOf17Digits = 10'000'000'000'000'000;
 
-}  // namespace
-
 // The algorithm of R. Giulietti ("The Schubfach way to render doubles", 2020): an interval of the
 // numbers that read back to the value, scaled so that it holds at least one whole number but at
 // most one multiple of ten. All scaled numbers are four times as large, for the bounds to be whole.
-ShortestDecimal shortestDecimal(double magnitude) noexcept {
-    const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+template <class Real, class Bits>
+ShortestDecimal shortestDecimalOf(Real magnitude) noexcept {
+    using Limits = std::numeric_limits<Real>;
+    static_assert(sizeof(Real) == sizeof(Bits));
+    constexpr int fractionBits = Limits::digits - 1;
+    constexpr std::uint64_t hiddenBit = std::uint64_t{1} << fractionBits;
+    constexpr int smallestExponent = Limits::min_exponent - Limits::digits;  // of the last bit
+
+    Bits bits;
+    std::memcpy(&bits, &magnitude, sizeof bits);
     const auto biasedExponent = static_cast<int>(bits >> fractionBits);
     const std::uint64_t fraction = bits & (hiddenBit - 1);
     const std::uint64_t mantissa = biasedExponent == 0 ? fraction : fraction | hiddenBit;
@@ -62,7 +65,7 @@ ShortestDecimal shortestDecimal(double magnitude) noexcept {
     nearest += static_cast<std::uint64_t>(4 * nearest < lower);  // if outside the short half
 
     // Which one it is and how long cannot be foreseen, so both are chosen without a branch. Only
-    // subnormal numbers have fewer than 16 digits.
+    // floats and subnormal numbers have fewer than 16 digits.
     const std::uint64_t tens = upper / 40;
     ShortestDecimal decimal{40 * tens >= lower ? 10 * tens : nearest, exponent};
     const bool isShort = decimal.digits < smallestOf17Digits;
@@ -70,6 +73,16 @@ ShortestDecimal shortestDecimal(double magnitude) noexcept {
     decimal.exponent -= isShort;
     for (; decimal.digits < smallestOf17Digits; --decimal.exponent) decimal.digits *= 10;
     return decimal;
+}
+
+}  // namespace
+
+ShortestDecimal shortestDecimal(double magnitude) noexcept {
+    return shortestDecimalOf<double, std::uint64_t>(magnitude);
+}
+
+ShortestDecimal shortestDecimal(float magnitude) noexcept {
+    return shortestDecimalOf<float, std::uint32_t>(magnitude);
 }
 
 }  // namespace InkoraKit

@@ -13,5 +13,6 @@ struct ShortestDecimal {
 /// Of the decimals with the fewest digits that read back to the value, the nearest to it.
 /// @param magnitude finite and above 0
 ShortestDecimal shortestDecimal(double magnitude) noexcept;
+ShortestDecimal shortestDecimal(float magnitude) noexcept;
 
 }  // namespace InkoraKit

@@ -50,9 +50,10 @@ bool haveEqualElements(const Any& left, const Any& right, Pairs& pending) {
 
 bool haveEqualMembers(const Any& left, const Any& right, Pairs& pending) {
     if (Storage::count(left) != Storage::count(right)) return false;
-    return std::ranges::all_of(Storage::members(left), [&](const MemberSlots& member) {
-        const Any* const other = Storage::member(right, member.key.text());
-        return other && mayBeEqual(Storage::asAny(member.value), *other, pending);
+    const auto members = Storage::members(left);
+    return std::all_of(members.begin(), members.end(), [&](const MemberSlots& member) {
+        const Any* const same = Storage::member(right, member.key.text());
+        return same && mayBeEqual(Storage::asAny(member.value), *same, pending);
     });
 }
 

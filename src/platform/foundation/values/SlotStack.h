@@ -30,7 +30,8 @@ public:
     AnySlot* grow(AnySlot* top) {
         const auto size = static_cast<std::size_t>(top - begin_);
         const std::size_t capacity = static_cast<std::size_t>(last_ - begin_ + 2) * 2;
-        auto larger = std::make_unique_for_overwrite<std::byte[]>(capacity * sizeof(AnySlot));
+        std::unique_ptr<std::byte[]> larger(
+            new std::byte[capacity * sizeof(AnySlot)]);  // not cleared
         std::memcpy(larger.get(), begin_, size * sizeof(AnySlot));
         heap_ = std::move(larger);
         begin_ = reinterpret_cast<AnySlot*>(heap_.get());

@@ -131,7 +131,7 @@ void BluezRadio::updateState() {
 bool BluezRadio::isCentral(const std::string& adapter) const {
     const auto* roles =
         daemon_.objects().property<std::vector<std::string>>(adapter, ObjectTree::adapter, "Roles");
-    return !roles || std::ranges::find(*roles, "central") != roles->end();
+    return !roles || std::find(roles->begin(), roles->end(), "central") != roles->end();
 }
 
 bool BluezRadio::isPowered(const std::string& adapter) const {
@@ -176,7 +176,7 @@ void BluezRadio::adapterImproved(const std::string& adapter) {
         const Link::Stage stage = link->stage();
         return stage == connecting || stage == resolving || stage == up || stage == closing;
     };
-    const bool isFree = std::ranges::none_of(links_, isInTheWay);
+    const bool isFree = std::none_of(links_.begin(), links_.end(), isInTheWay);
     const bool isBetter =
         isPowered(adapter) && (!isPowered(adapter_) || (isFirstUsed(adapter) && isFree));
     if (adapter_.empty() || isBetter) use(adapter);
@@ -256,7 +256,8 @@ void BluezRadio::stopScan() {
 
 void BluezRadio::updateDiscovery() {
     const auto isAny = [this](auto property) {
-        return std::ranges::any_of(links_, [&](const auto& link) { return (*link.*property)(); });
+        return std::any_of(links_.begin(), links_.end(),
+                           [&](const auto& link) { return (*link.*property)(); });
     };
     const bool isOfUse = isScanWanted_ || anticipation_.isSet() || isAny(&Link::isSearching);
     discovery_.setWanted(isOfUse && !isAny(&Link::isConnecting));
@@ -290,9 +291,9 @@ void BluezRadio::deviceChanged(const std::string& path, const Properties& before
             listener_->nameChanged(*identifier, *name);
 
     const auto concerns = [&](const auto& names) {
-        return before.empty() || std::ranges::any_of(names, [&](std::string_view name) {
-                   return before.contains(name);
-               });
+        return before.empty() ||
+               std::any_of(names.begin(), names.end(),
+                           [&](std::string_view name) { return before.contains(name); });
     };
     const bool isLinkConcerned = concerns(linkProperties);
     for (const auto links = links_; const auto& link : links) {
@@ -355,15 +356,15 @@ std::string BluezRadio::deviceOf(const UUID& peripheral) const {
 }
 
 std::shared_ptr<Link> BluezRadio::linkAt(const std::string& device) const {
-    const auto link = std::ranges::find(
-        links_, device, [](const auto& each) -> const auto& { return each->devicePath(); });
-    return link == links_.end() ? nullptr : *link;
+    for (const auto& link : links_)
+        if (link->devicePath() == device) return link;
+    return nullptr;
 }
 
 std::shared_ptr<Link> BluezRadio::linkTo(const UUID& peripheral) const {
-    const auto link = std::ranges::find(
-        links_, peripheral, [](const auto& each) -> const auto& { return each->peripheral(); });
-    return link == links_.end() ? nullptr : *link;
+    for (const auto& link : links_)
+        if (link->peripheral() == peripheral) return link;
+    return nullptr;
 }
 
 std::shared_ptr<GattSession> BluezRadio::sessionWith(const UUID& peripheral) const {

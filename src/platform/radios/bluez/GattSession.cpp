@@ -36,7 +36,7 @@ std::uint32_t propertiesOf(const Properties& characteristic) {
     const auto* flags = find<std::vector<std::string>>(characteristic, "Flags");
     if (!flags) return bits;
     for (const Flag& flag : propertyFlags)
-        if (std::ranges::find(*flags, flag.name) != flags->end()) bits |= flag.bit;
+        if (std::find(flags->begin(), flags->end(), flag.name) != flags->end()) bits |= flag.bit;
     return bits;
 }
 
@@ -66,7 +66,9 @@ GattSession::GattSession(const UUID& peripheral, std::string devicePath, BluezDa
 }
 
 AttributeHandle GattSession::handleAt(const std::string& path) const {
-    const auto known = std::ranges::find(attributes_, path, &Attribute::path);
+    const auto known =
+        std::find_if(attributes_.begin(), attributes_.end(),
+                     [&](const Attribute& attribute) { return attribute.path == path; });
     if (known == attributes_.end()) return 0;
     return static_cast<AttributeHandle>(known - attributes_.begin() + 1);
 }
@@ -152,7 +154,7 @@ void GattSession::carryOver() {
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         Attribute& lost = attributes_[i];
         if (!lost.isSubscribed || !lost.path.empty()) continue;
-        const auto found = std::ranges::find_if(paths, [&](const std::string& path) {
+        const auto found = std::find_if(paths.begin(), paths.end(), [&](const std::string& path) {
             return handleAt(path) == 0 && uuidAt(path) == lost.uuid;
         });
         if (found == paths.end()) continue;
@@ -285,7 +287,7 @@ void GattSession::tell(AttributeHandle handle, const std::optional<Data>& notifi
 // Has bluetoothd say something, so that what was signalled can be told apart by what comes next.
 void GattSession::makeSure() {
     const auto isUndecided = [](const Attribute& each) { return each.sieve.isUndecided(); };
-    if (isMakingSure_ || std::ranges::none_of(attributes_, isUndecided)) return;
+    if (isMakingSure_ || std::none_of(attributes_.begin(), attributes_.end(), isUndecided)) return;
     isMakingSure_ = true;
     daemon_.ping([weak = weak_from_this()](Answer&) {
         if (const auto self = weak.lock()) self->madeSure();

@@ -120,8 +120,8 @@ Any TraceRecorder::shown(const UUID& peripheral) {
 
 std::string TraceRecorder::masked(std::string text) const {
     if (Any(text).isObject())  // no UTF-8, which no JSON text can hold
-        std::ranges::replace_if(
-            text, [](char byte) { return (byte & 0x80) != 0; }, '?');
+        std::replace_if(
+            text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; }, '?');
     if (identifiers_ == RadioTrace::Identifiers::full) return text;
     for (std::size_t i = 0; i + 17 <= text.size(); ++i) {
         if (!isAddress(std::string_view(text).substr(i, 17))) continue;

@@ -39,7 +39,9 @@ void VirtualLink::discoverCharacteristics(AttributeHandle handle) {
     ask(0, [this, handle] {
         std::optional<NSError> error = takeDiscoveryError();
         std::vector<RemoteCharacteristic> characteristics;
-        const auto service = std::ranges::find(services_, handle, &Service::handle);
+        const auto service =
+            std::find_if(services_.begin(), services_.end(),
+                         [&](const Service& candidate) { return candidate.handle == handle; });
         if (!error && service == services_.end()) error = virtualErrors::invalidHandle();
         if (!error) {
             for (const auto& [number, sent, isSubscribed] : service->characteristics)
@@ -125,8 +127,9 @@ void VirtualLink::servicesChanged() {
     const AttributeHandle lastBefore = lastHandle_;
     std::vector<Service> gone = std::exchange(services_, {});
     for (const VirtualService& service : peripheral_.services()) {
-        const auto same = std::ranges::find_if(
-            gone, [&](const Service& earlier) { return isSame(earlier, service); });
+        const auto same = std::find_if(gone.begin(), gone.end(), [&](const Service& earlier) {
+            return isSame(earlier, service);
+        });
         services_.push_back(same == gone.end() ? numbered(service) : std::move(*same));
         if (same != gone.end()) gone.erase(same);
     }
@@ -143,8 +146,9 @@ void VirtualLink::servicesChanged() {
 
 bool VirtualLink::isSame(const Service& earlier, const VirtualService& service) {
     return earlier.uuid == service.uuid && earlier.isPrimary == service.isPrimary &&
-           std::ranges::equal(earlier.characteristics, service.characteristics, {},
-                              &Characteristic::sent);
+           std::equal(earlier.characteristics.begin(), earlier.characteristics.end(),
+                      service.characteristics.begin(), service.characteristics.end(),
+                      [](const Characteristic& one, const auto& sent) { return one.sent == sent; });
 }
 
 // Gives handle and subscription to the first of the same UUIDs that is new and has none yet.
@@ -163,11 +167,9 @@ void VirtualLink::bequeath(const Service& gone, const Characteristic& characteri
 }
 
 VirtualLink::Characteristic* VirtualLink::find(AttributeHandle handle) {
-    for (Service& service : services_) {
-        const auto found =
-            std::ranges::find(service.characteristics, handle, &Characteristic::handle);
-        if (found != service.characteristics.end()) return &*found;
-    }
+    for (Service& service : services_)
+        for (Characteristic& characteristic : service.characteristics)
+            if (characteristic.handle == handle) return &characteristic;
     return nullptr;
 }
 

@@ -6,6 +6,7 @@
 #include "platform/radios/virtual/VirtualRadioPort.h"
 
 #include <algorithm>
+#include <functional>
 #include <stdexcept>
 #include <utility>
 
@@ -45,7 +46,7 @@ void VirtualRadio::add(std::shared_ptr<VirtualPeripheral> peripheral) {
 }
 
 void VirtualRadio::remove(const std::shared_ptr<VirtualPeripheral>& peripheral) {
-    const auto entry = std::ranges::find(peripherals_, peripheral);
+    const auto entry = std::find(peripherals_.begin(), peripherals_.end(), peripheral);
     if (entry == peripherals_.end()) return;
     const auto removed = std::move(*entry);  // which may be what the caller's reference is to
     peripherals_.erase(entry);
@@ -56,12 +57,13 @@ void VirtualRadio::remove(const std::shared_ptr<VirtualPeripheral>& peripheral) 
 }
 
 bool VirtualRadio::isScanning() const {
-    return std::ranges::any_of(ports_, &VirtualRadioPort::isScanning);
+    return std::any_of(ports_.begin(), ports_.end(), std::mem_fn(&VirtualRadioPort::isScanning));
 }
 
 std::shared_ptr<VirtualPeripheral> VirtualRadio::find(const UUID& identifier) const {
-    const auto found = std::ranges::find(peripherals_, identifier, &VirtualPeripheral::identifier);
-    return found == peripherals_.end() ? nullptr : *found;
+    for (const auto& peripheral : peripherals_)
+        if (peripheral->identifier() == identifier) return peripheral;
+    return nullptr;
 }
 
 void VirtualRadio::hear(VirtualPeripheral& peripheral, bool reportEvenIfKnown) {

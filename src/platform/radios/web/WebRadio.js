@@ -1,0 +1,310 @@
+// Web Bluetooth, as WebRadio.cpp sees it. Pens are numbers here: places in `pens`, which all radios of
+// the page share, as they share what the person has chosen.
+mergeInto(LibraryManager.library, {
+    $inkoraWeb: {
+        radios: {},  // by address: whether the radio scans
+        // {device, link, wasHere}: the link is there from the attempt to connect on; the person has
+        // chosen the pen in this page, or it has been connected.
+        pens: [],
+
+        // What the browser lets be asked of a chosen pen.
+        service: 0x1f1f,
+        filters: [{ namePrefix: 'InkoraPen' }, { namePrefix: 'HuveloPen' }],
+
+        // A pen that was left behind would be waited for without an end.
+        connectTime: 30000,
+        // A link can be lost in its first moments, and its services be unknown then.
+        retries: 5,
+        retryPause: 250,
+        // A pen allowed on another day may be far away: those that are heard come first.
+        hearingTime: 2000,
+
+        // Calls `to` with texts and bytes put on the stack for as long as it lasts.
+        tell: function (to, ...values) {
+            const top = stackSave();
+            const room = value => {
+                const bytes = typeof value === 'string' ? [...new TextEncoder().encode(value), 0] : value;
+                const place = stackAlloc(bytes.length + 1);
+                HEAPU8.set(bytes, place);
+                return place;
+            };
+            try {
+                to(...values.map(value => typeof value === 'number' || typeof value === 'boolean' ? value
+                    : value == null ? 0 : room(value)));
+            } finally {
+                stackRestore(top);
+            }
+        },
+
+        bytesOf: view => new Uint8Array(view.buffer, view.byteOffset, view.byteLength),
+
+        // The sixteen bytes that the browser made up for the device, which are base64 in Chromium; of
+        // other texts some that are as likely to be its own.
+        identifierOf: function (id) {
+            let text = id;
+            try {
+                text = atob(id);
+            } catch (e) {
+                // taken as it is
+            }
+            const bytes = new Uint8Array(16);
+            for (let i = 0; i < Math.max(text.length, 16); ++i)
+                bytes[i % 16] = (i < 16 ? 0 : bytes[i % 16] * 31) + (text.charCodeAt(i) || 0);
+            return bytes;
+        },
+
+        // The number of a device.
+        add: function (device) {
+            const known = inkoraWeb.pens.findIndex(pen => pen.device.id === device.id);
+            if (known >= 0) return known;
+            const pen = inkoraWeb.pens.push({ device, link: null, wasHere: false }) - 1;
+            device.addEventListener('gattserverdisconnected', () => inkoraWeb.ended(pen));
+            device.addEventListener('advertisementreceived', event => inkoraWeb.sight(pen, event));
+            return pen;
+        },
+
+        sight: function (pen, { rssi, txPower, name, uuids } = {}) {
+            const device = inkoraWeb.pens[pen].device;
+            if (!name && !device.name) return;
+            for (const radio of Object.keys(inkoraWeb.radios).map(Number)) {
+                if (!inkoraWeb.radios[radio]) continue;
+                for (const uuid of uuids || []) inkoraWeb.tell(_inkora_web_item, radio, uuid, 0, 0);
+                inkoraWeb.tell(_inkora_web_sighted, radio, pen, inkoraWeb.identifierOf(device.id),
+                    name || device.name, rssi == null ? 127 : rssi, txPower == null ? 127 : txPower);
+            }
+        },
+
+        // Shows what is near for all that is known at once; what else the person has allowed when it is
+        // heard, or in a while, since not every system lets it be heard.
+        scan: async function (radio) {
+            const show = here => inkoraWeb.pens.forEach(({ wasHere }, pen) => {
+                if (wasHere === here) inkoraWeb.sight(pen);
+            });
+            show(true);
+            if (!navigator.bluetooth.getDevices) return;
+            for (const device of await navigator.bluetooth.getDevices().catch(() => [])) {
+                inkoraWeb.add(device);
+                if (device.watchAdvertisements && !device.watchingAdvertisements)
+                    device.watchAdvertisements().catch(() => {});
+            }
+            setTimeout(() => inkoraWeb.radios[radio] && show(false), inkoraWeb.hearingTime);
+        },
+
+        // Finds all that the pen has, which may fail in a link's first moments: what is told of later
+        // is known to be there.
+        furnish: async function (link, server) {
+            const services = await server.getPrimaryServices(inkoraWeb.service).catch(error => {
+                if (error.name === 'NotFoundError' && link.retries === 0) return [];
+                throw error;
+            });
+            link.services = [];
+            link.things = [];
+            for (const service of services) {
+                const characteristics = await service.getCharacteristics().catch(error => {
+                    if (error.name === 'NotFoundError') return [];
+                    throw error;
+                });
+                const of = link.services.push(service.uuid) - 1;
+                link.things.push(...characteristics.map(characteristic => ({ characteristic, of, held: [] })));
+            }
+        },
+
+        connect: async function (radio, pen) {
+            const { device } = inkoraWeb.pens[pen];
+            const link = { radio, isUp: false, retries: inkoraWeb.retries, queue: Promise.resolve() };
+            inkoraWeb.pens[pen].link = link;
+            const isOver = () => inkoraWeb.pens[pen].link !== link;
+            const fail = text => {
+                if (isOver()) return;
+                inkoraWeb.pens[pen].link = null;
+                device.gatt.disconnect();
+                inkoraWeb.tell(_inkora_web_failed, radio, pen, text);
+            };
+            const limit = setTimeout(fail, inkoraWeb.connectTime, 'The connection could not be established in time.');
+            for (;;) {
+                try {
+                    const server = await device.gatt.connect();
+                    if (isOver()) {
+                        if (!inkoraWeb.pens[pen].link) device.gatt.disconnect();  // it came too late
+                        break;
+                    }
+                    await inkoraWeb.furnish(link, server);
+                    if (isOver() || device.gatt.connected) break;
+                    throw new DOMException('The link was lost before its services were known.', 'NetworkError');
+                } catch (error) {
+                    if (isOver()) break;
+                    if (link.retries-- === 0) {
+                        clearTimeout(limit);
+                        return fail(error.message);
+                    }
+                    await new Promise(done => setTimeout(done, inkoraWeb.retryPause));
+                    if (isOver()) break;
+                }
+            }
+            clearTimeout(limit);
+            if (isOver()) return;
+            link.isUp = true;
+            inkoraWeb.pens[pen].wasHere = true;
+            inkoraWeb.tell(_inkora_web_connected, radio, pen);
+        },
+
+        disconnect: function (pen) {
+            const { device, link } = inkoraWeb.pens[pen];
+            if (!link) return;
+            inkoraWeb.pens[pen].link = null;
+            device.gatt.disconnect();
+            if (link.isUp) _inkora_web_disconnected(link.radio, pen, true);
+        },
+
+        // The browser's word that a link has ended; an attempt learns it from what it waits for.
+        ended: function (pen) {
+            const { link } = inkoraWeb.pens[pen];
+            if (!link || !link.isUp) return;
+            inkoraWeb.pens[pen].link = null;
+            _inkora_web_disconnected(link.radio, pen, false);
+        },
+
+        // Asks the pen for one thing after the other. Nothing is answered once the link has ended.
+        ask: function (pen, request, answer) {
+            const { device, link } = inkoraWeb.pens[pen];
+            if (!link) return;
+            const isUp = () => inkoraWeb.pens[pen].link === link;
+            link.queue = link.queue.then(async () => {
+                if (!isUp()) return;
+                let value, text = null;
+                try {
+                    value = await request(link);
+                } catch (error) {
+                    if (!device.gatt.connected) return inkoraWeb.ended(pen);
+                    text = error.message;
+                }
+                if (isUp()) answer(link.radio, value, text);
+            });
+        },
+
+        // Bluetooth Core Specification, Vol 3, G, 3.3.1.1
+        bitsOf: properties => ['broadcast', 'read', 'writeWithoutResponse', 'write', 'notify', 'indicate',
+            'authenticatedSignedWrites'].reduce((bits, name, bit) => bits | properties[name] << bit, 0),
+
+        // The event that a read causes as well is known by its value, which is the very same object.
+        // Until that is there, events wait.
+        read: async function (thing, link) {
+            let own;
+            link.heldFor = thing;
+            try {
+                own = await thing.characteristic.readValue();
+                return inkoraWeb.bytesOf(own);
+            } finally {
+                link.heldFor = null;
+                for (const value of thing.held.splice(0)) if (value !== own) thing.notify(value);
+            }
+        },
+
+        subscribe: function (pen, handle, link, on) {
+            const thing = link.things[handle];
+            const { characteristic } = thing;
+            const unlisten = () => characteristic.removeEventListener('characteristicvaluechanged', thing.listener);
+            if (!on) return characteristic.stopNotifications().then(unlisten);
+            unlisten();
+            thing.notify = value => {
+                if (inkoraWeb.pens[pen].link !== link) return;
+                const bytes = inkoraWeb.bytesOf(value);
+                inkoraWeb.tell(_inkora_web_notified, link.radio, pen, handle, bytes, bytes.length);
+            };
+            thing.listener = ({ target }) =>
+                link.heldFor === thing ? thing.held.push(target.value) : thing.notify(target.value);
+            characteristic.addEventListener('characteristicvaluechanged', thing.listener);
+            return characteristic.startNotifications().catch(error => {
+                unlisten();
+                throw error;
+            });
+        },
+    },
+
+    // Tells its state as CBManagerState has it.
+    inkora_web_start__deps: ['$inkoraWeb', 'stackSave', 'stackAlloc', 'stackRestore'],
+    inkora_web_start: function (radio) {
+        const unsupported = 2, unauthorized = 3, poweredOn = 5;
+        const { radios } = inkoraWeb;
+        const bluetooth = typeof navigator === 'undefined' ? undefined : navigator.bluetooth;
+        radios[radio] = false;
+        const tell = state => radio in radios && _inkora_web_state(radio, state, bluetooth !== undefined);
+        if (!bluetooth) return tell(unsupported);
+        const policy = document.featurePolicy;
+        if (policy && !policy.allowsFeature('bluetooth')) return tell(unauthorized);
+        const look = () => bluetooth.getAvailability().then(is => tell(is ? poweredOn : unsupported),
+            error => tell(error.name === 'SecurityError' ? unauthorized : unsupported));
+        if ('onavailabilitychanged' in bluetooth) bluetooth.addEventListener('availabilitychanged', look);
+        look();
+    },
+
+    inkora_web_stop__deps: ['$inkoraWeb'],
+    inkora_web_stop: function (radio) {
+        delete inkoraWeb.radios[radio];
+        for (const pen of inkoraWeb.pens) {
+            if (!pen.link || pen.link.radio !== radio) continue;
+            pen.link = null;
+            pen.device.gatt.disconnect();
+        }
+    },
+
+    inkora_web_scan__deps: ['$inkoraWeb'],
+    inkora_web_scan: function (radio, on) {
+        inkoraWeb.radios[radio] = on !== 0;
+        if (on) inkoraWeb.scan(radio);
+    },
+
+    inkora_web_connect__deps: ['$inkoraWeb'],
+    inkora_web_connect: function (radio, pen) {
+        inkoraWeb.connect(radio, pen);
+    },
+
+    inkora_web_disconnect__deps: ['$inkoraWeb'],
+    inkora_web_disconnect: function (pen) {
+        inkoraWeb.disconnect(pen);
+    },
+
+    inkora_web_discover_services__deps: ['$inkoraWeb'],
+    inkora_web_discover_services: function (pen) {
+        inkoraWeb.ask(pen, link => link.services, (radio, services) => {
+            services.forEach((uuid, handle) => inkoraWeb.tell(_inkora_web_item, radio, uuid, handle, 0));
+            _inkora_web_services(radio, pen);
+        });
+    },
+
+    inkora_web_discover_characteristics__deps: ['$inkoraWeb'],
+    inkora_web_discover_characteristics: function (pen, service) {
+        inkoraWeb.ask(pen, link => link.things, (radio, things) => {
+            things.forEach(({ characteristic: { uuid, properties }, of }, handle) => {
+                if (of === service) inkoraWeb.tell(_inkora_web_item, radio, uuid, handle, inkoraWeb.bitsOf(properties));
+            });
+            _inkora_web_characteristics(radio, pen, service);
+        });
+    },
+
+    inkora_web_read__deps: ['$inkoraWeb'],
+    inkora_web_read: function (pen, handle) {
+        inkoraWeb.ask(pen, link => inkoraWeb.read(link.things[handle], link), (radio, bytes, failure) =>
+            inkoraWeb.tell(_inkora_web_value_read, radio, pen, handle, bytes, bytes ? bytes.length : 0, failure));
+    },
+
+    inkora_web_subscribe__deps: ['$inkoraWeb'],
+    inkora_web_subscribe: function (pen, handle, on) {
+        inkoraWeb.ask(pen, link => inkoraWeb.subscribe(pen, handle, link, on), (radio, nothing, failure) =>
+            inkoraWeb.tell(_inkora_web_subscribed, radio, pen, handle, failure ? !on : on, failure));
+    },
+
+    // To be called while a person's gesture lasts.
+    inkora_web_choose__deps: ['$inkoraWeb'],
+    inkora_web_choose: function (chosen) {
+        const { filters, service } = inkoraWeb;
+        const refused = error => inkoraWeb.tell(_inkora_web_chosen, chosen, error.message);
+        if (!navigator.bluetooth) return void setTimeout(refused, 0, new Error('This browser has no Web Bluetooth.'));
+        navigator.bluetooth.requestDevice({ filters, optionalServices: [service] }).then(device => {
+            const pen = inkoraWeb.add(device);
+            inkoraWeb.pens[pen].wasHere = true;
+            inkoraWeb.sight(pen);
+            _inkora_web_chosen(chosen, 0);
+        }, refused);
+    },
+});

@@ -1,0 +1,129 @@
+// A headless Chromium, spoken to in its DevTools protocol, and a server for what it opens.
+import { spawn } from 'node:child_process';
+import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { createServer } from 'node:http';
+import { tmpdir } from 'node:os';
+import { basename, extname, join } from 'node:path';
+
+export const pause = milliseconds => new Promise(done => setTimeout(done, milliseconds));
+
+/** Answers what `look` does, as soon as that is something. */
+export async function until(look, what, longest = 10000) {
+    for (const end = Date.now() + longest; Date.now() < end; await pause(10)) {
+        const found = await look();
+        if (found) return found;
+    }
+    throw new Error(`${what} never came`);
+}
+
+/** Serves the files of the folders, by their names alone. */
+export async function serve(...folders) {
+    const types = { '.html': 'text/html', '.js': 'text/javascript', '.wasm': 'application/wasm' };
+    const server = createServer((request, response) => {
+        const name = basename(new URL(request.url, 'http://page').pathname);
+        for (const folder of folders) {
+            try {
+                const text = readFileSync(join(folder, name));
+                return response.writeHead(200, { 'content-type': types[extname(name)] }).end(text);
+            } catch {}  // not in this one
+        }
+        response.writeHead(404).end();
+    });
+    await new Promise(done => server.listen(0, '127.0.0.1', done));
+    return { origin: `http://127.0.0.1:${server.address().port}`, close: () => server.close() };
+}
+
+export class Browser {
+    #waiting = new Map();
+    #sent = 0;
+    #session;
+    #listeners = new Map();
+
+    static launch(...flags) {
+        const browser = new Browser();
+        browser.folder = mkdtempSync(join(tmpdir(), 'browser-'));
+        browser.process = spawn('chromium', ['--headless=new', '--no-sandbox', '--disable-gpu', '--no-first-run',
+            '--remote-debugging-pipe', `--user-data-dir=${browser.folder}`, ...flags, 'about:blank'],
+            { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
+        let rest = '';
+        browser.process.stdio[4].setEncoding('utf8').on('data', text => {
+            const messages = (rest + text).split('\0');
+            rest = messages.pop();
+            for (const message of messages) browser.#received(JSON.parse(message));
+        });
+        return browser;
+    }
+
+    /** From now on all is said to a page of its own at this address. */
+    async open(address) {
+        const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
+        this.#session = (await this.send('Target.attachToTarget', { targetId, flatten: true })).sessionId;
+        await this.send('Page.enable');
+        await this.navigate(address);
+    }
+
+    async navigate(address) {
+        const loaded = new Promise(done => this.on('Page.loadEventFired', done));
+        await this.send('Page.navigate', { url: address });
+        await loaded;
+    }
+
+    on(method, listener) {
+        this.#listeners.set(method, listener);
+    }
+
+    send(method, params = {}) {
+        return new Promise((done, failed) => {
+            this.#waiting.set(++this.#sent, { done, failed });
+            const message = { id: this.#sent, method, params, sessionId: this.#session };
+            this.process.stdio[3].write(`${JSON.stringify(message)}\0`);
+        });
+    }
+
+    async evaluate(expression) {
+        const { result, exceptionDetails } = await this.send('Runtime.evaluate',
+            { expression, awaitPromise: true, returnByValue: true });
+        if (exceptionDetails) throw new Error(exceptionDetails.exception?.description ?? exceptionDetails.text);
+        return result.value;
+    }
+
+    /** As a person does: scripts' clicks are no gestures. */
+    async click(selector) {
+        const place = await this.evaluate(`(({ x, y }) => ({ x: x + 2, y: y + 2 }))
+            (document.querySelector('${selector}').getBoundingClientRect())`);
+        for (const type of ['mousePressed', 'mouseReleased'])
+            await this.send('Input.dispatchMouseEvent', { type, ...place, button: 'left', clickCount: 1 });
+    }
+
+    /** Opens another tab over the page; `show` brings the page back. */
+    async hide() {
+        const page = this.#session;
+        this.#session = undefined;
+        const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
+        await this.send('Target.activateTarget', { targetId });
+        this.#session = page;
+        await until(() => this.evaluate('document.hidden'), 'a hidden page');
+    }
+
+    async show() {
+        await this.send('Page.bringToFront');
+    }
+
+    async close() {
+        const ended = new Promise(done => this.process.once('exit', done));
+        this.#session = undefined;
+        this.send('Browser.close').catch(() => {});
+        await Promise.race([ended, pause(3000)]);
+        this.process.kill('SIGKILL');
+        await ended;
+        rmSync(this.folder, { recursive: true, force: true });
+    }
+
+    #received({ id, method, params, result, error }) {
+        if (id === undefined) return this.#listeners.get(method)?.(params);
+        const { done, failed } = this.#waiting.get(id);
+        this.#waiting.delete(id);
+        if (error) failed(new Error(error.message));
+        else done(result);
+    }
+}
