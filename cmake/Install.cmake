@@ -6,7 +6,11 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/InkoraKit)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(DIRECTORY include/InkoraKit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT InkoraDevelopment)
+if(NOT EMSCRIPTEN)  # what only pages have
+    set(others PATTERN web EXCLUDE)
+endif()
+install(DIRECTORY include/InkoraKit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT InkoraDevelopment
+    ${others})
 # An export each: the static library needs what the radio is linked with, the shared one does not.
 if(InkoraKit IN_LIST INKORA_LIBRARIES)
     install(TARGETS InkoraKit EXPORT InkoraKitTargets
