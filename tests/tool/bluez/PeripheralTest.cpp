@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <memory>
@@ -29,6 +31,36 @@ constexpr const char* manager = "org.bluez.LEAdvertisingManager1";
 constexpr const char* gattManager = "org.bluez.GattManager1";
 constexpr const char* host = "/org/bluez/hci0/dev_00_11_22_33_44_55";
 constexpr const char* colourPath = "/inkora/pen/service/colour";
+
+/// Stands in for standard input.
+class Input {
+public:
+    Input() {
+        std::array<int, 2> ends{};
+        if (::pipe(ends.data()) != 0) std::abort();
+        ::dup2(ends[0], STDIN_FILENO);
+        ::close(ends[0]);
+        end_ = ends[1];
+    }
+    ~Input() {
+        end();
+        ::dup2(before_, STDIN_FILENO);
+        ::close(before_);
+    }
+    Input(const Input&) = delete;
+    Input& operator=(const Input&) = delete;
+
+    void write(const std::string& text) const {
+        EXPECT_EQ(::write(end_, text.data(), text.size()), std::ssize(text));
+    }
+    void end() {
+        if (end_ >= 0) ::close(std::exchange(end_, -1));
+    }
+
+private:
+    const int before_ = ::dup(STDIN_FILENO);
+    int end_ = -1;
+};
 
 /// A pen on a bluetoothd of ours. Time passes while nothing is on its way.
 class PeripheralTest : public testing::Test {
@@ -211,20 +243,26 @@ TEST_F(PeripheralTest, WhatKeepsAMachineFromBeingAPen) {
 }
 
 TEST_F(PeripheralTest, LosesNothingByWrongLinesOfItsInput) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(::pipe(ends.data()), 0);
-    const std::string input = "bogus\n\n" + std::string(9000, 'x') + "\nred\r\nraw 0\nblue";
-    ASSERT_EQ(::write(ends[1], input.data(), input.size()), std::ssize(input));
-    const int before = ::dup(STDIN_FILENO);
-    ::dup2(ends[0], STDIN_FILENO);
-    for (const int end : ends) ::close(end);
+    Input input;
+    input.write("bogus\n\n" + std::string(9000, 'x') + "\nred\r\nraw 0\nblue");
+    input.end();
     options.readsInput = true;
     options.duration = 5;
     EXPECT_EQ(run({}, true), ExitStatus::success);
-    ::dup2(before, STDIN_FILENO);
-    ::close(before);
     EXPECT_EQ(count("\"error\""), 3u) << out;
     EXPECT_EQ(count("\"captured\""), 2u) << out;
+}
+
+TEST_F(PeripheralTest, EndsWhenAskedToInAnEndlessBurstOfItsInput) {
+    Input input;
+    options.readsInput = true;
+    input.write("random 1000000000\n");
+    const std::function<void(int)> interruptIn = [&](int turns) {
+        at(0, [&, turns] { turns == 0 ? void(::raise(SIGINT)) : interruptIn(turns - 1); });
+    };
+    interruptIn(10);
+    EXPECT_EQ(run({}, true), ExitStatus::success);
+    EXPECT_GT(count("\"captured\""), 0u);
 }
 
 }  // namespace

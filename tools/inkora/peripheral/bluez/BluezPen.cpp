@@ -325,7 +325,7 @@ void BluezPen::setName(const std::string& name) {
 
 void BluezPen::setVisible(bool isVisible) {
     isVisible_ = isVisible;
-    if (!isVisible && !advertisedName_) listener_.hidden();
+    if (!isVisible && !advertisedName_ && !isAdvertisementUnderWay_) listener_.hidden();
     adjustAdvertisement();
 }
 

@@ -21,6 +21,9 @@ using Characteristic = BluezPen::Characteristic;
 // The byte before red, green and blue; a host skips it.
 constexpr std::uint8_t colourPrefix = 0x01;
 
+// Between two of which signals, the input and bluetoothd have their turn.
+constexpr int stepsInOneTurn = 256;
+
 Data valueOf(const Colour& colour) {
     return Data{colourPrefix, colour[0], colour[1], colour[2]};
 }
@@ -72,11 +75,15 @@ void PeripheralSession::follow(const Instruction& instruction) {
 
 // In their order, and no faster than bluetoothd takes what they lead to.
 void PeripheralSession::followInstructions() {
-    while (pen_.hasRoom() && !isFinishing_) {
+    for (int steps = 0; pen_.hasRoom() && !isFinishing_; ++steps) {
+        if (steps == stepsInOneTurn) {
+            after(0, [this] { followInstructions(); });
+            break;
+        }
         if (burst_) {
-            const Burst burst = *burst_;
-            burst_->left == 1 ? burst_.reset() : static_cast<void>(--burst_->left);
-            captureOne(burst.colour);
+            const std::optional<Colour> colour = burst_->colour;
+            if (--burst_->left == 0) burst_.reset();
+            captureOne(colour);
         } else if (!instructions_.empty()) {
             const Instruction next = std::move(instructions_.front());
             instructions_.pop_front();
@@ -85,7 +92,7 @@ void PeripheralSession::followInstructions() {
             break;
         }
     }
-    if (input_) input_->setPaused(!pen_.hasRoom());
+    if (input_) input_->setPaused(!pen_.hasRoom() || burst_);
 }
 
 void PeripheralSession::capture(const std::optional<Colour>& colour, std::int64_t count,
