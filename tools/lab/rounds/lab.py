@@ -52,6 +52,12 @@ class Events:
     def wait(self, mark, name, /, **fields):
         return until("%s %s" % (name, fields or ""), lambda: self.find(mark, name, **fields))
 
+    def wait_past(self, mark, name):
+        """Where to look from for what comes after the first such event."""
+        return until(name, lambda: next(
+            (place for place, (_, event) in enumerate(self.events[mark:], mark + 1)
+             if event["event"] == name), None))
+
     def all(self, mark, name):
         return [event for _, event in self.events[mark:] if event["event"] == name]
 
@@ -97,7 +103,11 @@ class Program(Events):
 
     def end(self):
         self.process.send_signal(signal.SIGINT)
-        if status := self.process.wait(PATIENCE):
+        try:
+            status = self.process.wait(PATIENCE)
+        except subprocess.TimeoutExpired:
+            raise Failure("%s does not end" % " ".join(self.command))
+        if status:
             raise Failure("%s ended with %d" % (" ".join(self.command), status))
 
 
