@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -28,6 +29,18 @@ inline std::string lowered(std::string_view text) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     return small;
+}
+
+/// The text as a shell takes it for one word.
+inline std::string shellWord(std::string_view text) {
+    const bool isPlain = std::ranges::all_of(text, [](unsigned char c) {
+        return std::isalnum(c) != 0 ||
+               std::string_view("_-./").find(static_cast<char>(c)) != std::string_view::npos;
+    });
+    if (isPlain && !text.empty()) return std::string(text);
+    std::string quoted = "'";
+    for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
+    return quoted + "'";
 }
 
 }  // namespace InkoraTool

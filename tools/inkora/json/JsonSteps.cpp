@@ -2,10 +2,10 @@
 
 #include "Failure.h"
 #include "JsonLine.h"
+#include "Text.h"
 #include "Utf8.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -15,16 +15,6 @@ using namespace InkoraKit;
 
 namespace InkoraTool {
 namespace {
-
-/// As a shell takes it.
-std::string shellWord(std::string_view text) {
-    const bool isPlain = std::ranges::all_of(
-        text, [](unsigned char c) { return std::isalnum(c) != 0 || c == '_' || c == '-'; });
-    if (isPlain) return std::string(text);
-    std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? "'\\''" : std::string(1, c);
-    return quoted + "'";
-}
 
 bool isPosition(std::string_view step) {
     if (step.starts_with('-')) step.remove_prefix(1);

@@ -3,6 +3,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include "Text.h"
+
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -73,7 +75,8 @@ std::string unblock() {
     const std::string unblock = asRoot("rfkill unblock bluetooth") + " && bluetoothctl power on";
     const bool isInstalled = isThere("/usr/sbin/rfkill") || isThere("/usr/bin/rfkill") ||
                              isThere("/sbin/rfkill") || isThere("/bin/rfkill");
-    return isInstalled ? unblock : install("rfkill") + " && " + unblock;
+    const std::string first = isInstalled ? "" : install("rfkill");
+    return first.empty() ? unblock : first + " && " + unblock;
 }
 
 std::string joinGroup(const std::string& group) {
@@ -84,7 +87,7 @@ std::string joinGroup(const std::string& group) {
 std::string allowSignalStrength() {
     std::error_code none;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", none);
-    return asRoot("setcap cap_net_admin+ep " + program.string());
+    return asRoot("setcap cap_net_admin+ep " + shellWord(program.string()));
 }
 
 }  // namespace InkoraTool::remedies
