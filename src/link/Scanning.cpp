@@ -1,8 +1,8 @@
-#include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/InkoraHandler.h>
 #include <InkoraKit/platform/CBAdvertisementData.h>
 
 #include "link/Magnitude.h"
+#include "link/PenName.h"
 #include "platform/foundation/process/Fatal.h"
 
 // Finding the pen: the scan, and the choice among what it hears.
@@ -13,11 +13,6 @@ std::optional<std::string> advertisedName(const Dictionary& advertisementData) {
     const auto entry = advertisementData.find(CBAdvertisementDataLocalNameKey);
     if (entry == advertisementData.end()) return std::nullopt;
     return entry->second.as<std::string>();
-}
-
-bool isPenName(const std::string& name) {
-    return name.find(InkoraConstants::PeripheralName) != std::string::npos ||
-           name.find(InkoraConstants::PeripheralName2) != std::string::npos;
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ Exit status:
    1  the output cannot be written, or a replay has parted from its trace
    2  the command line is wrong
    3  a file cannot be read, or a trace not be written
- 3-6  json or a palette: see inkora json --help, inkora palette --help
+ 3-6  json, a palette or a pen's script: see inkora json --help, inkora palette --help
   17  Bluetooth is off, missing or not permitted
   18  a pen was found but could not be connected
   19  no pen was found within 6 seconds, or the time of --for

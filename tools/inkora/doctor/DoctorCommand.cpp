@@ -1,5 +1,4 @@
 #include "Command.h"
-#include "Failure.h"
 #include "Values.h"
 #include "doctor/Examination.h"
 #include "doctor/Report.h"
@@ -19,25 +18,20 @@ struct DoctorOptions {
     bool json = false;
 };
 
-// Who does not read all of it, as in `inkora doctor | grep -q fault`, still asks for the status.
-void print(const std::string& text) {
-    Output output;
-    if (output.line(text) == Output::Outcome::failed)
-        throw Failure(ExitStatus::failure, "standard output: " + output.failure());
-}
-
 ExitStatus run(const DoctorOptions& options) {
     Waiting waiting;
     const SignalSource signals([&waiting] { waiting.interrupt(); });
     Findings findings;
+    // Who does not read all of it, as in `inkora doctor | grep -q fault`, still asks for the
+    // status.
     const ExitStatus status =
         examine(waiting, options.listening.value_or(InkoraKit::InkoraConstants::BluetoothTimeout),
                 [&](const Finding& finding) {
                     findings.push_back(finding);
                     if (!options.json && finding.state != Finding::State::notLookedAt)
-                        print(textOf(finding));
+                        printText(textOf(finding));
                 });
-    print(options.json ? jsonOf(findings) : '\n' + summaryOf(findings));
+    printText(options.json ? jsonOf(findings) : '\n' + summaryOf(findings));
     return status;
 }
 

@@ -4,6 +4,7 @@
 #include "File.h"
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
+#include "terminal/Output.h"
 
 #include <cstdio>
 #include <optional>

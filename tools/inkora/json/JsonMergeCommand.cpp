@@ -3,6 +3,7 @@
 #include "json/JsonCommands.h"
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
+#include "terminal/Output.h"
 
 #include <memory>
 #include <string>

@@ -14,9 +14,4 @@ std::string jsonText(const InkoraKit::JSON& value,
                      InkoraKit::JSONSerialization::WritingOptions options =
                          InkoraKit::JSONSerialization::WritingOptions::prettyPrinted);
 
-/// Writes a text and a line break to standard output.
-/// @return whether somebody still reads
-/// @throws Failure when that cannot be
-bool printText(const std::string& text);
-
 }  // namespace InkoraTool

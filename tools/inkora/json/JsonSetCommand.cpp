@@ -4,6 +4,7 @@
 #include "json/JsonInput.h"
 #include "json/JsonOutput.h"
 #include "json/JsonSteps.h"
+#include "terminal/Output.h"
 
 #include <algorithm>
 #include <memory>

@@ -28,7 +28,8 @@ constexpr const char* penFooter =
   raw 01FF80                  any bytes in place of a colour; none, too
   quit                        ends the pen, as Ctrl-C does
 A script has the same lines with a time before each, in seconds from when the pen
-advertises first: 2.5 drop. The end of the input does not end the pen.
+advertises first: 2.5 drop. One with a wrong line is refused, with status 4. The end of the input
+does not end the pen.
 
 A host finds it as a pen, while it has no link. The adapter has the pen's name meanwhile, and its own
 one again afterwards. When bluetoothd ends or the adapter goes, the pen is back as soon as they are.

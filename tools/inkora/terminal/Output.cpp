@@ -1,5 +1,7 @@
 #include "terminal/Output.h"
 
+#include "Failure.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
@@ -18,6 +20,14 @@ Output::Outcome Output::line(const std::string& text) {
 
 std::string Output::failure() const {
     return std::generic_category().message(error_);
+}
+
+bool printText(const std::string& text) {
+    Output output;
+    const Output::Outcome outcome = output.line(text);
+    if (outcome == Output::Outcome::failed)
+        throw Failure(ExitStatus::failure, "standard output: " + output.failure());
+    return outcome == Output::Outcome::written;
 }
 
 }  // namespace InkoraTool

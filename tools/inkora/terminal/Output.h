@@ -22,4 +22,9 @@ private:
     int error_ = 0;
 };
 
+/// Writes a text and a line break to standard output.
+/// @return whether somebody still reads
+/// @throws Failure when that cannot be
+bool printText(const std::string& text);
+
 }  // namespace InkoraTool

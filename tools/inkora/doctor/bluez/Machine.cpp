@@ -1,7 +1,5 @@
 #include "doctor/bluez/Machine.h"
 
-#include <InkoraKit/InkoraConstants.h>
-
 #include "Utf8.h"
 
 #include <algorithm>
@@ -38,11 +36,6 @@ std::optional<BusError> Machine::ask(const char* destination, const char* path,
 
 bool Machine::isOnBus(std::string_view name) const {
     return std::ranges::find(namesOnBus, name) != namesOnBus.end();
-}
-
-bool isPenName(std::string_view name) {
-    return name.find(InkoraConstants::PeripheralName) != std::string_view::npos ||
-           name.find(InkoraConstants::PeripheralName2) != std::string_view::npos;
 }
 
 std::string shown(std::string_view name) {

@@ -37,9 +37,6 @@ struct Machine {
     bool isOnBus(std::string_view name) const;
 };
 
-/// Whether the engine would take it for a pen's.
-bool isPenName(std::string_view name);
-
 /// A name that came over the air, for a line of a report: no controls, and not too long.
 std::string shown(std::string_view name);
 

@@ -3,6 +3,8 @@
 #include <InkoraKit/InkoraConstants.h>
 #include <InkoraKit/platform/CBUUID.h>
 
+#include "link/PenName.h"
+
 #include <algorithm>
 
 using namespace InkoraKit;

@@ -5,7 +5,7 @@
 #include <InkoraKit/platform/CBManagerStateReason.h>
 #include <InkoraKit/platform/RunLoop.h>
 
-#include "pen/PenInfo.h"
+#include "link/PenName.h"
 
 #include <algorithm>
 #include <array>
