@@ -58,7 +58,7 @@ std::int64_t wholeNumber(std::string_view text, std::int64_t least, std::int64_t
     return *number;
 }
 
-double seconds(std::string_view text) {
+double secondsIn(std::string_view text) {
     double time = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, time);
@@ -93,7 +93,7 @@ Instruction capturing(std::string_view word, std::string_view rest) {
     const std::string_view interval = takeWord(rest);
     if (!rest.empty()) refuse(inQuotes(rest) + " is too much: a colour takes COUNT and SECONDS");
     return [colour, count = count.empty() ? 1 : wholeNumber(count, 1, mostColours),
-            interval = interval.empty() ? 0 : seconds(interval)](PenControls& pen) {
+            interval = interval.empty() ? 0 : secondsIn(interval)](PenControls& pen) {
         pen.capture(colour, count, interval);
     };
 }
@@ -153,7 +153,7 @@ std::vector<TimedInstruction> readPenScript(const std::string& file) {
         const std::string_view time = takeWord(rest);
         if (time.empty() || time == "#") continue;
         try {
-            script.push_back({seconds(time), instructionOf(rest)});
+            script.push_back({secondsIn(time), instructionOf(rest)});
         } catch (const Failure& failure) {
             throw Failure(failure.status, shownName(file) + ": line " + std::to_string(number) +
                                               ": " + failure.what());
