@@ -258,7 +258,8 @@ TEST_F(PeripheralTest, EndsWhenAskedToInAnEndlessBurstOfItsInput) {
     options.readsInput = true;
     input.write("random 1000000000\n");
     const std::function<void(int)> interruptIn = [&](int turns) {
-        at(0, [&, turns] { turns == 0 ? void(::raise(SIGINT)) : interruptIn(turns - 1); });
+        RunLoop::main().post(
+            [&, turns] { turns == 0 ? void(::raise(SIGINT)) : interruptIn(turns - 1); });
     };
     interruptIn(10);
     EXPECT_EQ(run({}, true), ExitStatus::success);

@@ -77,7 +77,7 @@ void PeripheralSession::follow(const Instruction& instruction) {
 void PeripheralSession::followInstructions() {
     for (int steps = 0; pen_.hasRoom() && !isFinishing_; ++steps) {
         if (steps == stepsInOneTurn) {
-            after(0, [this] { followInstructions(); });
+            RunLoop::main().post([self = shared_from_this()] { self->followInstructions(); });
             break;
         }
         if (burst_) {
