@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <concepts>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace InkoraTool {
 
@@ -29,6 +33,16 @@ inline std::string lowered(std::string_view text) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     return small;
+}
+
+/// The number that the whole text is, if it is one; a whole one may be to another base than 10.
+template <class Number>
+std::optional<Number> numberFrom(std::string_view text, std::same_as<int> auto... base) {
+    const char* const end = text.data() + text.size();
+    Number number{};
+    const auto [stop, error] = std::from_chars(text.data(), end, number, base...);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return number;
 }
 
 /// The text as a shell takes it for one word.

@@ -67,6 +67,18 @@ void appendUtf8(std::string& text, char32_t codePoint) {
     }
 }
 
+std::size_t codePointCount(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count) takeCodePoint(text);
+    return count;
+}
+
+std::string_view firstCodePoints(std::string_view text, std::size_t most) {
+    std::string_view rest = text;
+    for (std::size_t i = 0; i < most && !rest.empty(); ++i) takeCodePoint(rest);
+    return text.substr(0, text.size() - rest.size());
+}
+
 std::string printableText(std::string_view text) {
     std::string printable;
     while (!text.empty()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,11 @@ inline constexpr char32_t replacementCharacter = 0xFFFD;
 /// Takes the first code point from a text, which must not be empty. Malformed UTF-8 (The Unicode
 /// Standard, table 3-7) is taken a byte at a time, each as the replacement character.
 char32_t takeCodePoint(std::string_view& rest);
+
+std::size_t codePointCount(std::string_view text);
+
+/// The start of the text, of so many code points at the most.
+std::string_view firstCodePoints(std::string_view text, std::size_t most);
 
 void appendUtf8(std::string& text, char32_t codePoint);
 

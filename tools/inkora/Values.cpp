@@ -1,23 +1,11 @@
 #include "Values.h"
 
-#include <charconv>
+#include "Text.h"
+
 #include <cmath>
-#include <system_error>
 #include <utility>
 
 namespace InkoraTool {
-namespace {
-
-template <class Value>
-std::optional<Value> valueOf(const std::string& text) {
-    const char* const end = text.data() + text.size();
-    Value value{};
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end) return std::nullopt;
-    return value;
-}
-
-}  // namespace
 
 Take aText(std::string& text) {
     return [&text](const std::string& given) {
@@ -28,7 +16,7 @@ Take aText(std::string& text) {
 
 Take aTime(std::optional<double>& time) {
     return [&time](const std::string& text) {
-        const auto value = valueOf<double>(text);
+        const auto value = numberFrom<double>(text);
         if (!value || !std::isfinite(*value) || *value <= 0)
             return "'" + text + "' is not a number of seconds above 0";
         time = value;
@@ -38,7 +26,7 @@ Take aTime(std::optional<double>& time) {
 
 Take aNumber(std::int64_t least, std::int64_t most, std::function<void(std::int64_t)> keep) {
     return [least, most, keep = std::move(keep)](const std::string& text) {
-        const auto value = valueOf<std::int64_t>(text);
+        const auto value = numberFrom<std::int64_t>(text);
         if (!value || *value < least || *value > most)
             return "'" + text + "' is not a whole number from " + std::to_string(least) + " to " +
                    std::to_string(most);

@@ -29,12 +29,6 @@ std::string_view wordOf(Finding::State state) {
     return "-";
 }
 
-std::size_t columnsOf(std::string_view text) {
-    std::size_t columns = 0;
-    for (; !text.empty(); ++columns) takeCodePoint(text);
-    return columns;
-}
-
 // Appends words to a line that has reached a column, and goes on below that where they do not fit.
 void appendWrapped(std::string& line, const std::size_t begin, std::string_view words) {
     std::size_t column = begin;
@@ -42,7 +36,7 @@ void appendWrapped(std::string& line, const std::size_t begin, std::string_view 
         const std::size_t end = std::min(words.find(' '), words.size());
         const std::string_view word = words.substr(0, end);
         words.remove_prefix(std::min(end + 1, words.size()));
-        const std::size_t width = columnsOf(word);
+        const std::size_t width = codePointCount(word);
         if (column > begin && column + 1 + width > screenWidth) {
             line += '\n' + std::string(begin, ' ');
             column = begin;

@@ -45,12 +45,6 @@ std::optional<std::size_t> offsetIn(const NSError& error) {
     return offset ? std::optional(static_cast<std::size_t>(offset->integerValue())) : std::nullopt;
 }
 
-std::size_t characterCount(std::string_view text) {
-    std::size_t count = 0;
-    for (; !text.empty(); ++count) takeCodePoint(text);
-    return count;
-}
-
 /// Unicode has pictures of the ASCII controls.
 char32_t pictureOf(char32_t codePoint) {
     if (codePoint < 0x20) return 0x2400 + codePoint;
@@ -82,10 +76,7 @@ std::string_view nearBefore(std::string_view text, const Place& place) {
 /// The start of what follows the place in its line.
 std::string_view nearAfter(std::string_view text, const Place& place) {
     const std::string_view near = text.substr(place.offset, mostShown * longestCharacter);
-    const std::string_view line = near.substr(0, near.find('\n'));
-    std::string_view rest = line;
-    for (std::size_t i = 0; i < mostShown && !rest.empty(); ++i) takeCodePoint(rest);
-    return line.substr(0, line.size() - rest.size());
+    return firstCodePoints(near.substr(0, near.find('\n')), mostShown);
 }
 
 std::string excerpt(std::string_view text, const Place& place) {
@@ -96,7 +87,7 @@ std::string excerpt(std::string_view text, const Place& place) {
     const bool isCutAfter = end < text.size() && text[end] != '\n';
     return margin + std::string(isCutBefore ? "…" : "") + pictured(before) + pictured(after) +
            (isCutAfter ? "…" : "") + margin +
-           std::string(characterCount(before) + (isCutBefore ? 1 : 0), ' ') + '^';
+           std::string(codePointCount(before) + (isCutBefore ? 1 : 0), ' ') + '^';
 }
 
 std::string withoutEnd(std::string text, std::string_view end) {
@@ -125,7 +116,7 @@ std::string jsonTextFault(std::string_view name, std::string_view text, const NS
                "; not shown, since the text is in UTF-16 or UTF-32)";
     const std::string_view before = text.substr(place.lineStart, place.offset - place.lineStart);
     return std::string(name) + ", line " + std::to_string(start.line + place.line - 1) +
-           ", column " + std::to_string(characterCount(before) + 1) + " (characters from 1; " +
+           ", column " + std::to_string(codePointCount(before) + 1) + " (characters from 1; " +
            atByte + "): " + withoutEnd(withoutEnd(reason, readersWords(place)), ".") +
            excerpt(text, place);
 }

@@ -4,15 +4,14 @@
 #include "File.h"
 #include "Text.h"
 #include "Utf8.h"
+#include "Values.h"
 #include "palette/WebColours.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 using InkoraKit::Data;
@@ -41,36 +40,24 @@ std::string_view takeWord(std::string_view& rest) {
     return word;
 }
 
-template <class Number>
-std::optional<Number> numberOf(std::string_view text, int base) {
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number, base);
-    if (error != std::errc() || stop != end) return std::nullopt;
+std::int64_t wholeNumber(std::string_view text, std::int64_t least, std::int64_t most) {
+    std::int64_t number = 0;
+    const Take take = aNumber(least, most, [&](std::int64_t given) { number = given; });
+    if (const std::string fault = take(printableText(text)); !fault.empty()) refuse(fault);
     return number;
 }
 
-std::int64_t wholeNumber(std::string_view text, std::int64_t least, std::int64_t most) {
-    const auto number = numberOf<std::int64_t>(text, 10);
-    if (!number || *number < least || *number > most)
-        refuse(inQuotes(text) + " is not a whole number from " + std::to_string(least) + " to " +
-               std::to_string(most));
-    return *number;
-}
-
 double secondsIn(std::string_view text) {
-    double time = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, time);
-    if (error != std::errc() || stop != end || !std::isfinite(time) || time < 0)
+    const auto time = numberFrom<double>(text);
+    if (!time || !std::isfinite(*time) || *time < 0)
         refuse(inQuotes(text) + " is not a number of seconds");
-    return time;
+    return *time;
 }
 
 Data bytesOfHex(std::string_view digits) {
     std::vector<std::uint8_t> bytes;
     for (; !digits.empty(); digits.remove_prefix(std::min<std::size_t>(2, digits.size()))) {
-        const auto byte = numberOf<std::uint8_t>(digits.substr(0, 2), 16);
+        const auto byte = numberFrom<std::uint8_t>(digits.substr(0, 2), 16);
         if (!byte || digits.size() == 1) refuse("'raw' takes two hexadecimal digits a byte");
         bytes.push_back(*byte);
     }

@@ -40,11 +40,9 @@ bool Machine::isOnBus(std::string_view name) const {
 
 std::string shown(std::string_view name) {
     constexpr std::size_t longest = 24;
-    std::string text = printableText(name);
-    std::string_view rest = text;
-    for (std::size_t i = 0; i < longest && !rest.empty(); ++i) takeCodePoint(rest);
-    if (!rest.empty()) text.replace(text.size() - rest.size(), rest.size(), "…");
-    return text;
+    const std::string text = printableText(name);
+    const std::string_view start = firstCodePoints(text, longest);
+    return start.size() < text.size() ? std::string(start) + "…" : text;
 }
 
 }  // namespace InkoraTool
