@@ -129,15 +129,11 @@ void BluezRadio::updateState() {
 }
 
 bool BluezRadio::isCentral(const std::string& adapter) const {
-    const auto* roles =
-        daemon_.objects().property<std::vector<std::string>>(adapter, ObjectTree::adapter, "Roles");
-    return !roles || std::find(roles->begin(), roles->end(), "central") != roles->end();
+    return daemon_.objects().mayBe("central", adapter);
 }
 
 bool BluezRadio::isPowered(const std::string& adapter) const {
-    const bool* isPowered =
-        daemon_.objects().property<bool>(adapter, ObjectTree::adapter, "Powered");
-    return isPowered && *isPowered;
+    return daemon_.objects().isPowered(adapter);
 }
 
 bool BluezRadio::isBlocked(const std::string& adapter) const {

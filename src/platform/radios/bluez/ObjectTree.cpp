@@ -1,5 +1,6 @@
 #include "platform/radios/bluez/ObjectTree.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace InkoraKit {
@@ -48,6 +49,15 @@ const Properties* ObjectTree::properties(std::string_view path, std::string_view
     return entry == object->second.end() ? nullptr : &entry->second;
 }
 
+bool ObjectTree::isPowered(std::string_view path) const {
+    return valueOf<bool>(path, adapter, "Powered");
+}
+
+bool ObjectTree::mayBe(std::string_view role, std::string_view path) const {
+    const auto* roles = property<std::vector<std::string>>(path, adapter, "Roles");
+    return !roles || std::find(roles->begin(), roles->end(), role) != roles->end();
+}
+
 std::vector<std::string> ObjectTree::below(const std::string& path,
                                            std::string_view interface) const {
     const std::string prefix = path + "/";
@@ -64,6 +74,10 @@ std::string deviceOf(std::string_view path) {
     const auto begin = path.find(marker);
     if (begin == std::string_view::npos) return {};
     return std::string(path.substr(0, path.find('/', begin + marker.size())));
+}
+
+std::string nameOfObject(std::string_view path) {
+    return std::string(path.substr(path.rfind('/') + 1));
 }
 
 }  // namespace InkoraKit

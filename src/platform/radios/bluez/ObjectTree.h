@@ -42,6 +42,18 @@ public:
         return all ? find<T>(*all, name) : nullptr;
     }
 
+    /// The property's value, an empty one when there is none.
+    template <class T>
+    T valueOf(std::string_view path, std::string_view interface, std::string_view name) const {
+        const T* value = property<T>(path, interface, name);
+        return value ? *value : T();
+    }
+
+    /// Of an adapter, by its path.
+    bool isPowered(std::string_view path) const;
+    /// Whether an adapter may be "central" or "peripheral"; one that tells no roles may be both.
+    bool mayBe(std::string_view role, std::string_view path) const;
+
     /// The objects with that interface strictly below a path, in the order of their paths, which is
     /// that of the attribute handles in them.
     std::vector<std::string> below(const std::string& path, std::string_view interface) const;
@@ -52,5 +64,8 @@ private:
 
 /// The part of a path that names the device, empty when the object is no device and not in one.
 std::string deviceOf(std::string_view path);
+
+/// The last part of a path: hci0 of an adapter's.
+std::string nameOfObject(std::string_view path);
 
 }  // namespace InkoraKit

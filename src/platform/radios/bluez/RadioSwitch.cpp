@@ -1,5 +1,7 @@
 #include "platform/radios/bluez/RadioSwitch.h"
 
+#include "platform/radios/bluez/ObjectTree.h"
+
 #include <fstream>
 #include <system_error>
 
@@ -18,7 +20,7 @@ bool isSet(const std::filesystem::path& file) {
 RadioBlock radioBlockOf(std::string_view adapter, const std::filesystem::path& controllers) {
     RadioBlock block = RadioBlock::none;
     std::error_code none;  // a controller without a switch, or a system without rfkill
-    const auto folder = controllers / adapter.substr(adapter.rfind('/') + 1);
+    const auto folder = controllers / nameOfObject(adapter);
     for (std::filesystem::directory_iterator entry(folder, none), end; entry != end;
          entry.increment(none)) {
         if (!entry->path().filename().string().starts_with("rfkill")) continue;

@@ -14,31 +14,15 @@ namespace {
 constexpr const char* everything = "/org/bluez";
 constexpr std::size_t mostAdapters = 3;
 
-template <class T>
-T propertyOf(const Machine& machine, const std::string& adapter, std::string_view property) {
-    const T* const value = machine.objects.property<T>(adapter, ObjectTree::adapter, property);
-    return value ? *value : T();
-}
-
-bool isPowered(const Machine& machine, const std::string& adapter) {
-    return propertyOf<bool>(machine, adapter, "Powered");
-}
-
-// As the kit takes it: an adapter that tells no roles may have them all.
-bool hasBluetoothLE(const Machine& machine, const std::string& adapter) {
-    const auto* const roles =
-        machine.objects.property<std::vector<std::string>>(adapter, ObjectTree::adapter, "Roles");
-    return !roles || std::ranges::find(*roles, "central") != roles->end();
-}
-
 Finding findingOf(const Machine& machine, const std::string& adapter) {
-    const std::string label = adapter.substr(adapter.rfind('/') + 1) + ' ' +
-                              propertyOf<std::string>(machine, adapter, "Address");
+    const std::string label =
+        nameOfObject(adapter) + ' ' +
+        machine.objects.valueOf<std::string>(adapter, ObjectTree::adapter, "Address");
     Finding finding{named::adapter, Finding::State::fault};
-    if (!hasBluetoothLE(machine, adapter)) {
+    if (!machine.objects.mayBe("central", adapter)) {
         finding.text = label + " has no Bluetooth LE, or no central role";
         finding.advice = "See ControllerMode in /etc/bluetooth/main.conf.";
-    } else if (isPowered(machine, adapter)) {
+    } else if (machine.objects.isPowered(adapter)) {
         return {named::adapter, Finding::State::ok, label + " is on"};
     } else if (const RadioBlock block = radioBlockOf(adapter); block == RadioBlock::hard) {
         finding.text = label + " is blocked by a switch or key of the machine";
@@ -77,8 +61,7 @@ void waitForAdapters(Machine& machine) {
         if (!machine.objects.below(everything, ObjectTree::adapter).empty()) return;
         if (adapterOfKernel().empty()) return;
         machine.waiting.until([] { return false; }, 1);
-        machine.ask("org.bluez", "/", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects",
-                    [&](MessageReader& body) { machine.objects.replace(body.readObjects()); });
+        machine.askForObjects();
     }
 }
 

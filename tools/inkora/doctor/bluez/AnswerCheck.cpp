@@ -57,9 +57,7 @@ Finding denied() {
 
 Findings lookAtAnswer(Machine& machine) {
     const double asked = RunLoop::main().now();
-    const auto error =
-        machine.ask("org.bluez", "/", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects",
-                    [&](MessageReader& body) { machine.objects.replace(body.readObjects()); });
+    const auto error = machine.askForObjects();
     if (error && bluezErrors::isAccessDenied(*error)) return {denied()};
     const Finding mayAsk{named::permission, Finding::State::ok, "this user may talk to bluetoothd"};
     if (error)

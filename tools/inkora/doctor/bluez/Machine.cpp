@@ -34,6 +34,11 @@ std::optional<BusError> Machine::ask(const char* destination, const char* path,
     return gone;
 }
 
+std::optional<BusError> Machine::askForObjects() {
+    return ask("org.bluez", "/", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects",
+               [this](MessageReader& body) { objects.replace(body.readObjects()); });
+}
+
 bool Machine::isOnBus(std::string_view name) const {
     return std::ranges::find(namesOnBus, name) != namesOnBus.end();
 }

@@ -34,6 +34,9 @@ struct Machine {
         const char* destination, const char* path, const char* interface, const char* member,
         const std::function<void(InkoraKit::MessageReader&)>& read);
 
+    /// Asks bluetoothd for its objects, all anew.
+    std::optional<InkoraKit::BusError> askForObjects();
+
     bool isOnBus(std::string_view name) const;
 };
 

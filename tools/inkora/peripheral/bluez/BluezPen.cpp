@@ -39,10 +39,6 @@ std::string reasonText(CBManagerStateReason reason) {
     return std::string(description(reason));
 }
 
-std::string nameOf(const std::string& adapter) {
-    return adapter.substr(adapter.rfind('/') + 1);
-}
-
 std::string longUUID(std::string_view text) {
     return CBUUID(text).uuid().uuidString();
 }
@@ -74,7 +70,7 @@ void BluezPen::presenceChanged() {
 
 void BluezPen::interfaceAdded(const std::string& path, const std::string& interface) {
     if (interface == ObjectTree::device) return deviceChanged(path);
-    if (adapter_.empty() && nameOf(path).starts_with("hci"))
+    if (adapter_.empty() && nameOfObject(path).starts_with("hci"))
         retry_.set(timeOfInterfaces, [this] { comeUp(); });
 }
 
@@ -99,20 +95,16 @@ void BluezPen::propertiesChanged(const std::string& path, const std::string& int
 std::string BluezPen::obstacleOf(const std::string& adapter) const {
     const ObjectTree& objects = daemon_.objects();
     if (!objects.properties(adapter, ObjectTree::adapter))
-        return "There is no adapter " + nameOf(adapter) + ".";
-    const auto* isPowered = objects.property<bool>(adapter, ObjectTree::adapter, "Powered");
-    if (!isPowered || !*isPowered) {
+        return "There is no adapter " + nameOfObject(adapter) + ".";
+    if (!objects.isPowered(adapter)) {
         const bool isBlocked = radioBlockOf(adapter) != RadioBlock::none;
         return reasonText(isBlocked ? CBManagerStateReason::blocked
                                     : CBManagerStateReason::switchedOff);
     }
-    const auto* roles =
-        objects.property<std::vector<std::string>>(adapter, ObjectTree::adapter, "Roles");
-    const bool isPeripheral = !roles || std::ranges::count(*roles, "peripheral") > 0;
-    if (isPeripheral && objects.properties(adapter, advertisingManager) &&
+    if (objects.mayBe("peripheral", adapter) && objects.properties(adapter, advertisingManager) &&
         objects.properties(adapter, gattManager))
         return {};
-    return "The adapter " + nameOf(adapter) + " cannot be a peripheral of Bluetooth LE.";
+    return "The adapter " + nameOfObject(adapter) + " cannot be a peripheral of Bluetooth LE.";
 }
 
 // Empty where there is none, because of what keeps the first from it.
@@ -181,7 +173,7 @@ void BluezPen::tryAgain(const std::string& why) {
 void BluezPen::refused(const BusError& error) {
     tryAgain(bluezErrors::isAccessDenied(error)
                  ? reasonText(CBManagerStateReason::notPermitted)
-                 : "The adapter " + nameOf(adapter_) +
+                 : "The adapter " + nameOfObject(adapter_) +
                        " does not become a pen: " + bluezErrors::textOf(error));
 }
 
@@ -310,7 +302,7 @@ void BluezPen::advertise() {
                      advertisedName_ = name;
                      told_.clear();
                      const auto* address = ofAdapter<std::string>("Address");
-                     listener_.advertising(name, nameOf(adapter_), address ? *address : "");
+                     listener_.advertising(name, nameOfObject(adapter_), address ? *address : "");
                      adjustAdvertisement();
                  }),
                  arguments(ObjectPath{advertisementPath}, Properties{}));
