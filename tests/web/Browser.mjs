@@ -18,7 +18,8 @@ export async function until(look, what, longest = 10000) {
 
 /** Serves the files of the folders, by their names alone. */
 export async function serve(...folders) {
-    const types = { '.html': 'text/html', '.js': 'text/javascript', '.wasm': 'application/wasm' };
+    const types = { '.css': 'text/css', '.html': 'text/html', '.js': 'text/javascript', '.svg': 'image/svg+xml',
+        '.wasm': 'application/wasm' };
     const server = createServer((request, response) => {
         const name = basename(new URL(request.url, 'http://page').pathname);
         for (const folder of folders) {
