@@ -90,7 +90,7 @@ export class Browser {
 
     /** As a person does: scripts' clicks are no gestures. */
     async click(selector) {
-        const place = await this.evaluate(`(({ x, y }) => ({ x: x + 2, y: y + 2 }))
+        const place = await this.evaluate(`(({ x, y, width, height }) => ({ x: x + width / 2, y: y + height / 2 }))
             (document.querySelector('${selector}').getBoundingClientRect())`);
         for (const type of ['mousePressed', 'mouseReleased'])
             await this.send('Input.dispatchMouseEvent', { type, ...place, button: 'left', clickCount: 1 });

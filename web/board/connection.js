@@ -60,6 +60,7 @@ export class Connection {
             await this.#use('virtual');
             this.virtualPen = this.#kit.addPen(1 + Math.floor(Math.random() * 1000));
             this.virtualPen.setBattery(20 + Math.floor(Math.random() * 80));
+            this.virtualPen.capture(0x47, 0x80, 0xEB);
             this.#askBattery();
             await this.#kit.pair();
         });
