@@ -98,6 +98,7 @@ export class Kit extends EventTarget {
         this.#core = core;
         this.#radio = radio;
         this.#clock = clock;
+        this.version = this.#text('version');
         ears.hear = (event, ...values) => this.#hear(event, ...values);
         ears.ended = () => this.#ended();
         ears.say = line => this.#say(line);
@@ -106,10 +107,6 @@ export class Kit extends EventTarget {
         this.#call('page_listen');
         this.#askFirstBattery();
         ears.ready = this.#turn();
-    }
-
-    get version() {
-        return this.#text('version');
     }
 
     get state() {
@@ -174,6 +171,7 @@ export class Kit extends EventTarget {
         const stopped = this.stop();
         if (this.#clock === 'virtual') this.advance(longestDisconnection);
         await stopped;
+        void this.#turn();  // in which the core sees that it has ended
         this.#end = new KitError('stopped', 0, 'the kit was closed');
         this.#abort();
     }

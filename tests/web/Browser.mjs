@@ -35,9 +35,9 @@ export async function serve(...folders) {
 }
 
 export class Browser {
+    session;  // of the page that is spoken to; none is the browser's own
     #waiting = new Map();
     #sent = 0;
-    #session;
     #listeners = new Map();
 
     static launch(...flags) {
@@ -58,7 +58,7 @@ export class Browser {
     /** From now on all is said to a page of its own at this address. */
     async open(address) {
         const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
-        this.#session = (await this.send('Target.attachToTarget', { targetId, flatten: true })).sessionId;
+        this.session = (await this.send('Target.attachToTarget', { targetId, flatten: true })).sessionId;
         await this.send('Page.enable');
         await this.navigate(address);
     }
@@ -76,7 +76,7 @@ export class Browser {
     send(method, params = {}) {
         return new Promise((done, failed) => {
             this.#waiting.set(++this.#sent, { done, failed });
-            const message = { id: this.#sent, method, params, sessionId: this.#session };
+            const message = { id: this.#sent, method, params, sessionId: this.session };
             this.process.stdio[3].write(`${JSON.stringify(message)}\0`);
         });
     }
@@ -98,11 +98,11 @@ export class Browser {
 
     /** Opens another tab over the page; `show` brings the page back. */
     async hide() {
-        const page = this.#session;
-        this.#session = undefined;
+        const page = this.session;
+        this.session = undefined;
         const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
         await this.send('Target.activateTarget', { targetId });
-        this.#session = page;
+        this.session = page;
         await until(() => this.evaluate('document.hidden'), 'a hidden page');
     }
 
@@ -112,7 +112,7 @@ export class Browser {
 
     async close() {
         const ended = new Promise(done => this.process.once('exit', done));
-        this.#session = undefined;
+        this.session = undefined;
         this.send('Browser.close').catch(() => {});
         await Promise.race([ended, pause(3000)]);
         this.process.kill('SIGKILL');
