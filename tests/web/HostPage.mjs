@@ -81,12 +81,16 @@ export class HostPage {
     async open(file = 'page.html') {
         await this.browser.open(`${this.server.origin}/${file}`);
         await this.browser.show();  // clicks wait for what is shown
+        await this.answerChoosers();
+        await this.expect('the page runs under its policy', 'ready');
+    }
+
+    async answerChoosers() {
         await this.browser.send('DeviceAccess.enable');
         this.browser.on('DeviceAccess.deviceRequestPrompted', ({ id, devices: [device] }) => {
             const answer = this.isChoosing ? device && ['selectPrompt', { id, deviceId: device.id }] : ['cancelPrompt', { id }];
             if (answer) this.browser.send(`DeviceAccess.${answer[0]}`, answer[1]).catch(() => {});
         });
-        await this.expect('the page runs under its policy', 'ready');
     }
 
     async reload(file = 'page.html') {

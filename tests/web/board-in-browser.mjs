@@ -6,37 +6,19 @@ import { execFileSync } from 'node:child_process';
 import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
-import { Bluetoothd } from './Bluetoothd.mjs';
-import { Browser, pause, serve, until } from './Browser.mjs';
+import { pause, until } from './Browser.mjs';
+import { HostPage, check, run, startBluetoothd } from './HostPage.mjs';
 
 const axeVersion = '4.14.1';
-const [, , folder, inkora] = process.argv;
+const inkora = process.argv[3];
 const scratch = mkdtempSync(join(tmpdir(), 'board-'));
-const bluetoothd = await Bluetoothd.start();
-const server = await serve(folder);
-const host = `${server.origin}/index.html`;
-const browser = Browser.launch('--enable-experimental-web-platform-features', '--host-resolver-rules=MAP board.test 127.0.0.1');
-
-let faults = 0;
-let doing = 'nothing';
-setTimeout(() => {  // nothing is left behind, whatever happens
-    console.log('FAIL it takes too long:', doing);
-    browser.process.kill('SIGKILL');
-    bluetoothd.close();
-    process.exit(1);
-}, 180000).unref();
-
-function check(what, isRight, ...seen) {
-    faults += !isRight;
-    console.log(isRight ? 'ok  ' : 'FAIL', what, ...isRight ? [] : seen);
-}
+let page, browser, bluetoothd, axe;
 
 /** Waits until the page has come to this. */
 async function expect(what, expression, wanted = true) {
-    doing = what;
     let seen;
-    const isRight = await until(async () => (seen = await browser.evaluate(expression)) === wanted, what, 8000).catch(() => false);
-    check(what, isRight, `\n  seen   ${JSON.stringify(seen)}\n  wanted ${JSON.stringify(wanted)}`);
+    await until(async () => (seen = await browser.evaluate(expression)) === wanted, what, 8000).catch(() => {});
+    check(what, seen, wanted);
 }
 
 const text = id => `document.getElementById('${id}').textContent`;
@@ -46,7 +28,7 @@ const focused = id => `document.activeElement.id === '${id}'`;
 const kept = () => browser.evaluate(`JSON.parse(localStorage.getItem('inkora-board') ?? '[]')`);
 
 /** Opens the board, with this put in before its own scripts, and all heard that it says. */
-async function open(before = '', address = host) {
+async function open(before = '', address = page.server.origin) {
     await browser.open('about:blank');
     await browser.send('Page.addScriptToEvaluateOnNewDocument', { source: `${before};
         const spoken = [], wrong = [];
@@ -55,6 +37,7 @@ async function open(before = '', address = host) {
         addEventListener('securitypolicyviolation', event => wrong.push(event.violatedDirective));
         addEventListener('DOMContentLoaded', () => new MutationObserver(() => spoken.push(said.textContent))
             .observe(said, { childList: true, characterData: true, subtree: true }));` });
+    await browser.show();
     await size(1280);
     await load(address);
 }
@@ -62,8 +45,8 @@ async function open(before = '', address = host) {
 const size = width =>
     browser.send('Emulation.setDeviceMetricsOverride', { width, height: 800, deviceScaleFactor: 1, mobile: false });
 
-async function load(address = host) {
-    await browser.navigate(address);
+async function load(address = page.server.origin) {
+    await browser.navigate(`${address}/index.html`);
     await until(() => browser.evaluate('!document.getElementById("try").disabled'), 'the board');
 }
 
@@ -96,7 +79,7 @@ const colours = count => Array.from({ length: count }, (_, i) => `#${((i + 1) * 
 
 async function byKeyboard() {
     await open();
-    const { origin } = server;
+    const { origin } = page.server;
     await browser.send('Browser.grantPermissions', { origin, permissions: ['clipboardReadWrite', 'clipboardSanitizedWrite'] });
     await tabTo('try');
     await press('Enter');
@@ -142,10 +125,10 @@ async function byKeyboard() {
     await expect('and goes on', focused('clear'));
 
     await pause(500);
-    const before = JSON.stringify(await kept());
+    const before = await kept();
     await load();
     await expect('colours outlive a reload', shows('count', '3 colours'));
-    check('as they were', JSON.stringify(await kept()) === before);
+    check('as they were', await kept(), before);
     await tabTo('title');
     await press('End');
     await browser.send('Input.insertText', { text: ' <ö> "x"' });
@@ -167,8 +150,8 @@ async function savePalettes() {
         const wanted = join(scratch, `wanted${ending}`);
         execFileSync(inkora, ['palette', source, wanted]);
         const saved = join(scratch, `Palette -ö- -x-${ending}`);
-        const isSame = await until(() => existsSync(saved) && readFileSync(saved).equals(readFileSync(wanted)), saved).catch(error => error.message);
-        check(`a palette is saved as ${ending}, as the tool writes it`, isSame === true, isSame);
+        const isSame = await until(() => existsSync(saved) && readFileSync(saved).equals(readFileSync(wanted)), saved).catch(() => false);
+        check(`a palette is saved as ${ending}, as the tool writes it`, isSame, true);
     }
     await expect('which is said', said('Saved 3 colours as Palette -ö- -x-.html'));
     const opened = async (file, words) => {
@@ -188,14 +171,14 @@ async function savePalettes() {
 async function accessibility(situation) {
     for (const scheme of ['light', 'dark'])
         for (const width of [360, 1280]) {
-            doing = `${situation}, ${scheme}, ${width}`;
-            await browser.send('Emulation.setEmulatedMedia', { features: [{ name: 'prefers-color-scheme', value: scheme }] });
+            await browser.send('Emulation.setEmulatedMedia', { features: [{ name: 'prefers-color-scheme', value: scheme },
+                { name: 'prefers-reduced-motion', value: 'reduce' }] });  // what fades is hard to read
             await size(width);
             await browser.evaluate('document.fonts.ready.then(() => new Promise(requestAnimationFrame)).then(() => 0)');
             const found = axe ? JSON.parse(await browser.evaluate(`axe.run().then(({ violations }) => JSON.stringify(violations
                 .map(({ id, nodes }) => [id, nodes.length, nodes[0].html, nodes[0].failureSummary])))`)) : [];
             const isWide = await browser.evaluate('document.documentElement.scrollWidth > innerWidth');
-            check(`accessible: ${doing}`, !found.length && !isWide, isWide ? 'it sticks out' : '', found);
+            check(`accessible: ${situation}, ${scheme}, ${width} pixels wide`, [found, isWide], [[], false]);
         }
     await size(1280);
 }
@@ -209,8 +192,6 @@ function fetchedAxe() {
         console.log('skip axe: npm cannot fetch it here');
     }
 }
-const axe = fetchedAxe();
-
 async function inBursts() {
     await open();
     await browser.evaluate('localStorage.clear()');
@@ -229,14 +210,14 @@ async function inBursts() {
     await expect('a burst of 500 is kept', text('count'), '500 colours');
     await expect('and shown but for the oldest', 'document.querySelectorAll("#swatches li").length', 400);
     await expect('the rest if asked for', `document.getElementById('more').click(), document.querySelectorAll('#swatches li').length`, 500);
-    await expect('and told as one', said('499 colours, the last one #'));
+    await expect('and told as one', `spoken.some(text => /^\\d{3} colours, the last one #/.test(text))`);
     const [times, drawn] = await browser.evaluate('[spoken.length, drawn]');
-    check('in few sentences and frames', times <= 4 && drawn <= 10, times, drawn);
+    check('in few sentences and frames', times <= 4 && drawn <= 10 || [times, drawn], true);
     await accessibility('500 colours');
 }
 
 /** Where the browser is otherwise: what is said when a pen is asked for. */
-const otherBrowsers = [
+const otherBrowsers = origin => [
     ['no Web Bluetooth', `Object.defineProperty(navigator, 'bluetooth', { value: undefined })`, 'chrome://flags/#enable-web-bluetooth'],
     ['no adapter', `navigator.bluetooth.getAvailability = async () => false;
         navigator.bluetooth.requestDevice = async () => { throw new DOMException('Bluetooth adapter not available.', 'NotFoundError'); }`,
@@ -245,11 +226,11 @@ const otherBrowsers = [
         navigator.bluetooth.getAvailability = async () => false;
         navigator.bluetooth.requestDevice = async () => { throw new DOMException('disallowed by policy', 'SecurityError'); }`,
     'by the policy of the site'],
-    ['nothing is secure', '', 'open this one over https', host.replace('127.0.0.1', 'board.test')],
+    ['nothing is secure', '', 'open this one over https', origin.replace('127.0.0.1', 'board.test')],
 ];
 
 async function inOtherBrowsers() {
-    for (const [what, before, words, address] of otherBrowsers) {
+    for (const [what, before, words, address] of otherBrowsers(page.server.origin)) {
         await open(before, address);
         await browser.click('#pair');
         await expect(`${what}: it is said what to do`, `${shows('problem', words)} && ${said(words)}`);
@@ -271,19 +252,16 @@ async function withAPen() {
     await open();
     await browser.evaluate('localStorage.clear()');
     await load();
-    await browser.send('DeviceAccess.enable');
-    let isChoosing = false;
-    browser.on('DeviceAccess.deviceRequestPrompted', ({ id, devices }) => {
-        if (!isChoosing) return browser.send('DeviceAccess.cancelPrompt', { id }).catch(() => {});
-        if (devices.length) browser.send('DeviceAccess.selectPrompt', { id, deviceId: devices[0].id }).catch(() => {});
-    });
+    await page.answerChoosers();
+    page.isChoosing = false;
     await browser.click('#pair');
     await expect('the chooser is dismissed', shows('problem', 'No pen was chosen.'));
-    isChoosing = true;
+    page.isChoosing = true;
     await browser.click('#pair');
     await expect('a pen is chosen and connected', text('link'), 'Connected to InkoraPen 7. Battery 64 %.');
     await expect('nothing is wrong any more', `document.getElementById('problem').hidden`);
     await expect('its last colour comes', text('hex'), '#102030');
+    await bluetoothd.called('subscribe 1f17');
     bluetoothd.tell(...colours(500).map(hex => notify(hex.slice(1))));
     await expect('and 500 more', text('count'), '501 colours');
     bluetoothd.tell('refuse 1', 'lose');
@@ -291,10 +269,10 @@ async function withAPen() {
     await expect('which is told', said('Lost InkoraPen 7'));
     bluetoothd.tell('refuse 0');
     await expect('and connected again', shows('state', 'Connected to InkoraPen 7.'));
-    await until(() => bluetoothd.calls.at(-1) === 'subscribe 1f17', 'the last subscription');
+    await bluetoothd.called('subscribe 1f17');
     await load();
     await expect('after a reload it is found without a click', shows('state', 'Connected to InkoraPen 7.'));
-    await until(() => bluetoothd.calls.at(-1) === 'subscribe 1f17', 'the last subscription');
+    await bluetoothd.called('subscribe 1f17');
     bluetoothd.tell('notify 1f14 0102');
     await expect('what no pen sends is explained', shows('problem', 'The pen has sent what no pen sends'));
     await expect('the colours are there', shows('count', '50'));
@@ -307,18 +285,17 @@ async function withAPen() {
     await expect('and stays so', shows('state', 'No pen is connected.'));
 }
 
-try {
-    await byKeyboard();
-    await inBursts();
-    await inOtherBrowsers();
-    await withAPen();
-} catch (error) {
-    ++faults;
-    console.log('FAIL', doing, error);
-} finally {
-    await browser.close();
-    server.close();
-    bluetoothd.close();
-    rmSync(scratch, { recursive: true, force: true });
-    process.exit(faults ? 1 : 0);
-}
+await run(async () => {
+    bluetoothd = await startBluetoothd();
+    page = await HostPage.launch('--enable-experimental-web-platform-features', '--host-resolver-rules=MAP board.test 127.0.0.1');
+    browser = page.browser;
+    axe = fetchedAxe();
+    try {
+        await byKeyboard();
+        await inBursts();
+        await inOtherBrowsers();
+        await withAPen();
+    } finally {
+        rmSync(scratch, { recursive: true, force: true });
+    }
+}, 180);
