@@ -83,7 +83,7 @@ async function byKeyboard() {
     await browser.send('Browser.grantPermissions', { origin, permissions: ['clipboardReadWrite', 'clipboardSanitizedWrite'] });
     await tabTo('try');
     await press('Enter');
-    await expect('a pen is tried without one', shows('state', 'Connected to InkoraPen'));
+    await expect('a pen is tried without one', shows('state', 'Connected to the virtual pen'));
     await expect('its battery is said', shows('battery', 'Battery '));
     await expect('the keyboard goes on at what came instead of the button', focused('stop'));
     await expect('it has a colour from the beginning', shows('hex', '#4780EB'));
@@ -238,7 +238,7 @@ async function inOtherBrowsers() {
     if (axe) await browser.evaluate(`${axe}; 0`);
     await accessibility('a problem');
     await browser.click('#try');
-    await expect('the board can be tried all the same', shows('state', 'Connected to InkoraPen'));
+    await expect('the board can be tried all the same', shows('state', 'Connected to the virtual pen'));
 
     await open(`Object.defineProperty(window, 'localStorage', { get() { throw new DOMException('no', 'SecurityError'); } })`);
     await browser.click('#try');

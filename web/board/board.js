@@ -69,7 +69,7 @@ function draw() {
     drawShown(shown());
     const count = history.swatches.length;
     $('count').textContent = countText(count) + (count === History.most ? ', the most that are kept: of more the oldest go' : '');
-    $('swatches').hidden = $('keys').hidden = count === 0;
+    $('swatches').hidden = $('how').hidden = count === 0;
     $('clear').disabled = $('write').disabled = count === 0;
     $('undo').hidden = history.removedCount === 0;
     if (!history.isKept) $('kept').textContent = 'This browser does not keep the colours: they are gone when the page is closed. Save them as a palette.';

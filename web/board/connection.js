@@ -101,7 +101,7 @@ export class Connection {
 
     #connected() {
         if (!this.virtualPen) remember(linkedKey);
-        this.name = this.#kit.info().name;
+        this.name = this.virtualPen ? 'the virtual pen' : this.#kit.info().name;
         this.#turn('connected');
     }
 
