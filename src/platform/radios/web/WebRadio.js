@@ -6,9 +6,11 @@ mergeInto(LibraryManager.library, {
         // {over, scan, look}, by address: what ends with the radio and with its scan, if there is one,
         // and how to learn its state.
         radios: {},
-        // {device, link, wasHere}: the link is there from the attempt to connect on; the person has
-        // chosen the pen in this page, or it has been connected.
+        // {device, link, wasHere, isForgotten}: the link is there from the attempt to connect on; the
+        // person has chosen the pen in this page, or it has been connected; the browser has forgotten it.
         pens: [],
+        // Whose Bluetooth is used if not the page's own.
+        frame: null,
 
         // What the browser lets be asked of a chosen pen.
         service: 0x1f1f,
@@ -21,6 +23,10 @@ mergeInto(LibraryManager.library, {
         retryPause: 250,
         // A pen allowed on another day may be far away: those that are heard come first.
         hearingTime: 2000,
+        // What the browser answers by itself it answers at once.
+        answerTime: 2000,
+        // Bluetooth Core Specification, Vol 3, F, 3.3.3: a pen that answers later has been lost.
+        requestTime: 30000,
 
         // In so many milliseconds; never, if the signal comes first.
         after: (milliseconds, signal) => new Promise(done => {
@@ -47,6 +53,41 @@ mergeInto(LibraryManager.library, {
             }
         },
 
+        bluetooth: () => (inkoraWeb.frame ? inkoraWeb.frame.contentWindow : window).navigator.bluetooth,
+
+        // Chromium (156) closes a page's channel to its Bluetooth when it is asked for something of a pen
+        // that is lost in the same moment: no request is answered any more then, and no event comes.
+        isDeaf: () => Promise.race([inkoraWeb.bluetooth().getAvailability().then(() => false, () => false),
+            new Promise(done => setTimeout(done, inkoraWeb.answerTime, true))]),
+
+        // What the browser answers to a request; an error once it cannot be expected any more.
+        answerTo: function (request) {
+            const answered = new AbortController();
+            const giveUp = async () => {
+                for (let time = 0; time < inkoraWeb.requestTime; time += inkoraWeb.answerTime) {
+                    await inkoraWeb.after(inkoraWeb.answerTime, answered.signal);
+                    if (await inkoraWeb.isDeaf()) break;
+                }
+                throw new DOMException('The browser does not answer.', 'TimeoutError');
+            };
+            return Promise.race([request, giveUp()]).finally(() => answered.abort());
+        },
+
+        // A new frame has a channel of its own.
+        renew: async function () {
+            inkoraWeb.leaveFrame();
+            const frame = inkoraWeb.frame = document.createElement('iframe');
+            frame.hidden = true;
+            document.documentElement.append(frame);
+            for (const pen of inkoraWeb.pens) pen.isForgotten = true;
+            await inkoraWeb.remember();
+        },
+
+        leaveFrame: function () {
+            if (inkoraWeb.frame) inkoraWeb.frame.remove();
+            inkoraWeb.frame = null;
+        },
+
         bytesOf: view => new Uint8Array(view.buffer, view.byteOffset, view.byteLength),
 
         // The sixteen bytes that the browser made up for the device, which are base64 in Chromium; of
@@ -67,12 +108,21 @@ mergeInto(LibraryManager.library, {
         // The number of a device.
         add: function (device) {
             const known = inkoraWeb.pens.findIndex(pen => pen.device.id === device.id);
-            return known >= 0 ? known : inkoraWeb.pens.push({ device, link: null, wasHere: false }) - 1;
+            if (known < 0) return inkoraWeb.pens.push({ device, link: null, wasHere: false, isForgotten: false }) - 1;
+            Object.assign(inkoraWeb.pens[known], { device, isForgotten: false });
+            return known;
+        },
+
+        // Adds what the person has allowed on other days, too, where the browser tells it.
+        remember: async function () {
+            const bluetooth = inkoraWeb.bluetooth();
+            const devices = bluetooth.getDevices ? await bluetooth.getDevices().catch(() => []) : [];
+            return devices.map(inkoraWeb.add);
         },
 
         sight: function (radio, pen, { rssi, txPower, name, uuids } = {}) {
-            const { device } = inkoraWeb.pens[pen];
-            if (!name && !device.name) return;
+            const { device, isForgotten } = inkoraWeb.pens[pen];
+            if (isForgotten || !name && !device.name) return;
             for (const uuid of uuids || []) inkoraWeb.tell(_inkora_web_item, radio, uuid, 0, 0);
             inkoraWeb.tell(_inkora_web_sighted, radio, pen, inkoraWeb.identifierOf(device.id),
                 name || device.name, rssi == null ? 127 : rssi, txPower == null ? 127 : txPower);
@@ -95,10 +145,9 @@ mergeInto(LibraryManager.library, {
                 if (wasHere === here) inkoraWeb.sight(radio, pen);
             });
             show(true);
-            if (!navigator.bluetooth.getDevices) return;
-            const devices = await navigator.bluetooth.getDevices().catch(() => []);
+            const pens = await inkoraWeb.remember();
             if (signal.aborted) return;
-            for (const device of devices) inkoraWeb.hear(radio, inkoraWeb.add(device));
+            for (const pen of pens) inkoraWeb.hear(radio, pen);
             inkoraWeb.after(inkoraWeb.hearingTime, signal).then(() => show(false));
         },
 
@@ -123,7 +172,10 @@ mergeInto(LibraryManager.library, {
             delete inkoraWeb.radios[radio];
         },
 
-        end: () => Object.keys(inkoraWeb.radios).map(Number).forEach(inkoraWeb.stop),
+        end: function () {
+            Object.keys(inkoraWeb.radios).map(Number).forEach(inkoraWeb.stop);
+            inkoraWeb.leaveFrame();
+        },
 
         // Finds all that the pen has, which may fail in a link's first moments: what is told of later
         // is known to be there.
@@ -145,13 +197,10 @@ mergeInto(LibraryManager.library, {
         },
 
         connect: async function (radio, pen) {
-            const { device } = inkoraWeb.pens[pen];
             const over = new AbortController();
             const signal = over.signal;
             const link = { radio, over, isUp: false, retries: inkoraWeb.retries, queue: Promise.resolve() };
             inkoraWeb.pens[pen].link = link;
-            // An attempt learns of its end from what it waits for.
-            device.addEventListener('gattserverdisconnected', () => link.isUp && inkoraWeb.lost(pen), { signal });
             const fail = text => {
                 inkoraWeb.drop(pen);
                 inkoraWeb.tell(_inkora_web_failed, radio, pen, text);
@@ -159,20 +208,27 @@ mergeInto(LibraryManager.library, {
             inkoraWeb.after(inkoraWeb.connectTime, signal).then(
                 () => link.isUp || fail('The connection could not be established in time.'));
             while (!link.isUp) {
+                if (await inkoraWeb.isDeaf()) await inkoraWeb.renew();
+                if (signal.aborted) return;
+                const { device, isForgotten } = inkoraWeb.pens[pen];
+                if (isForgotten) return fail('The browser has lost the pen, which has to be chosen anew.');
                 try {
-                    const server = await device.gatt.connect();
+                    const server = await inkoraWeb.answerTo(device.gatt.connect());
                     if (signal.aborted && !inkoraWeb.pens[pen].link) device.gatt.disconnect();  // it came too late
                     if (signal.aborted) return;
-                    await inkoraWeb.furnish(link, server);
+                    await inkoraWeb.answerTo(inkoraWeb.furnish(link, server));
                     if (signal.aborted) return;
                     if (!device.gatt.connected)
                         throw new DOMException('The link was lost before its services were known.', 'NetworkError');
-                    link.isUp = true;
                 } catch (error) {
                     if (signal.aborted) return;
                     if (link.retries-- === 0) return fail(error.message);
                     await inkoraWeb.after(inkoraWeb.retryPause, signal);
+                    continue;
                 }
+                // An attempt learns of its end from what it waits for.
+                device.addEventListener('gattserverdisconnected', () => inkoraWeb.lost(pen), { signal });
+                link.isUp = true;
             }
             inkoraWeb.pens[pen].wasHere = true;
             inkoraWeb.tell(_inkora_web_connected, radio, pen);
@@ -207,9 +263,10 @@ mergeInto(LibraryManager.library, {
                 if (signal.aborted) return;
                 let value, text = null;
                 try {
-                    value = await request(link);
+                    value = await inkoraWeb.answerTo(request(link));
                 } catch (error) {
-                    if (!signal.aborted && !device.gatt.connected) inkoraWeb.lost(pen);
+                    const isLost = error.name === 'TimeoutError' || !device.gatt.connected;
+                    if (isLost && !signal.aborted) inkoraWeb.lost(pen);
                     text = error.message;
                 }
                 if (!signal.aborted) answer(link.radio, value, text);
@@ -266,7 +323,7 @@ mergeInto(LibraryManager.library, {
             if (state !== poweredOn) inkoraWeb.letGo(radio);
             inkoraWeb.tell(_inkora_web_state, radio, state, bluetooth !== undefined);
         };
-        const look = () => bluetooth.getAvailability().then(is => tell(is ? poweredOn : unsupported),
+        const look = () => inkoraWeb.bluetooth().getAvailability().then(is => tell(is ? poweredOn : unsupported),
             error => tell(error.name === 'SecurityError' ? unauthorized : unsupported));
         inkoraWeb.radios[radio] = { over, scan: null, look };
         if (!bluetooth) return tell(unsupported);
@@ -338,8 +395,9 @@ mergeInto(LibraryManager.library, {
     inkora_web_choose: function (chosen) {
         const filters = inkoraWeb.filters, service = inkoraWeb.service;
         const refused = error => inkoraWeb.tell(_inkora_web_chosen, chosen, error.message);
-        if (!navigator.bluetooth) return void setTimeout(refused, 0, new Error('This browser has no Web Bluetooth.'));
-        navigator.bluetooth.requestDevice({ filters, optionalServices: [service] }).then(async device => {
+        const bluetooth = inkoraWeb.bluetooth();
+        if (!bluetooth) return void setTimeout(refused, 0, new Error('This browser has no Web Bluetooth.'));
+        bluetooth.requestDevice({ filters, optionalServices: [service] }).then(async device => {
             const pen = inkoraWeb.add(device);
             inkoraWeb.pens[pen].wasHere = true;
             // The chooser knows an adapter that has come since the radio looked.
