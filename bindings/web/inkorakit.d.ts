@@ -121,7 +121,8 @@ export class Kit extends EventTarget {
     stop(): Promise<void>;
 
     /**
-     * The battery level in percent; without a pen, of the next one.
+     * The battery level in percent; without a pen, of the next one. After a link that ended with the
+     * adapter, the next one's is told to those who ask before it is connected; later it may not come.
      * @throws KitError (as the promise's rejection, as does `proximity`) "stopped", and that of the
      * event "failed" or "unavailable" where one comes before the answer
      */

@@ -273,10 +273,11 @@ export class Kit extends EventTarget {
         if (!text) return;
         if (await navigator.bluetooth?.getAvailability().catch(() => false))
             throw new KitError('not-chosen', 0, text);
-        // The kit says that, and why.
-        const unavailable = this.#wait('unavailable');
+        // The kit says that, and why; unless it is mistaken, or right again.
+        const told = ['unavailable', 'failed', 'connected'].map(event => this.#wait(event));
         if (this.state === 'none') this.#call('start');
-        throw await unavailable;
+        const error = await Promise.race(told);
+        if (error) throw error;
     }
 
     // --- what the kit tells ---------------------------------------------------------------------
@@ -288,6 +289,7 @@ export class Kit extends EventTarget {
                 this.#answer(event, values[0]);
                 break;
             case 'connected':
+                this.#answer(event);
                 this.#isTellingConnected = true;
                 this.dispatchEvent(new Event(event));
                 this.#isTellingConnected = false;

@@ -102,8 +102,8 @@ export class HostPage {
         return this.browser.evaluate(expression);
     }
 
-    async choose() {
-        await this.browser.click('#choose');
+    async choose(button = '#choose') {
+        await this.browser.click(button);
     }
 
     /** What was heard since, as soon as it is so many lines. */

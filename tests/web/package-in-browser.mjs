@@ -7,6 +7,7 @@ import { cpSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:f
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
+import { until } from './Browser.mjs';
 import { HostPage, check, run, startBluetoothd } from './HostPage.mjs';
 
 const ours = fileURLToPath(new URL('package', import.meta.url));
@@ -14,6 +15,9 @@ const folder = mkdtempSync(join(tmpdir(), 'package-in-page-'));
 const call = (program, ...values) =>
     `${execFileSync(program, values, { cwd: folder, timeout: 60000, stdio: ['ignore', 'pipe', 'inherit'] })}`;
 const write = (name, text) => writeFileSync(join(folder, name), text);
+const readme = readFileSync(new URL('../../bindings/web/README.md', import.meta.url), 'utf8');
+const example = (language, beginning) => readme.split(`\n\`\`\`${language}\n`).slice(1)
+    .map(text => text.split('\n```')[0]).find(text => text.startsWith(beginning));
 const transcript = readFileSync(join(ours, 'virtual.txt'), 'utf8').trimEnd().split('\n');
 
 /** Installs the package, and compiles for it what a developer would write. */
@@ -45,6 +49,8 @@ function inNode() {
         import { tryVirtual } from './consumer.js';
         process.on('uncaughtException', ({ message }) => message === 'of a listener' || process.exit(1));
         console.log((await tryVirtual(inkorakit, {})).join('\\n'));`);
+    write('readme.js', example('js', 'import assert'));
+    check("the README's test passes", call('node', 'readme.js'), '');
     check('a virtual pen in node, which ends when the kits are closed', call('node', 'in-node.js').trimEnd().split('\n'), transcript);
 }
 
@@ -93,6 +99,14 @@ async function withBluetooth(page, pen) {
     await page.evaluate('kit.close()');
     await page.expect('until it is closed', 'disconnected');
 
+    write('readme.html', example('html', '<!DOCTYPE html>'));
+    await page.browser.navigate(`${page.server.origin}/readme.html`);
+    await until(() => page.evaluate('document.querySelector("button").onclick !== null'), "the README's page");
+    await page.browser.click('button');
+    await until(() => page.evaluate('document.body.style.background === "rgb(16, 32, 48)"'), 'its colour');
+    check("the README's page shows what the pen captured", true, true);
+
+    await page.open('plain.html');
     await page.evaluate('Object.defineProperty(navigator, "bluetooth", { value: undefined })');
     await begin();
     await page.choose();

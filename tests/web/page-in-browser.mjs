@@ -23,7 +23,11 @@ async function choice() {
     await page.choose();
     await page.expect('the chooser is dismissed', 'User cancelled the requestDevice() chooser.');
     page.isChoosing = true;
-    await link('a pen is chosen', () => page.choose(), 'chosen', 'connected', '#102030');
+    await page.choose('#allow');
+    await page.expect('a pen is chosen', 'chosen');
+    await pause(100);
+    await page.expect('which is not to connect it');
+    await link('it is paired', pair, 'connected', '#102030');
 }
 
 async function values() {
@@ -71,6 +75,79 @@ async function refusals() {
     await link('until it has it', () => pen.tell('services 1', 'lose'), 'disconnected', 'connected', '#102030');
 }
 
+async function adapterOff() {
+    pen.tell('powered 0', 'lose');
+    await page.expect('without an adapter the link cannot come back', 'disconnected', 'Device is failed to connect. 18');
+    pen.tell('powered 1');
+    await link('it can with one', pair, 'connected', '#102030');
+}
+
+// What is under way when a link ends, or is given up.
+async function interruptions() {
+    pen.tell('hold subscribe', 'lose');
+    await page.expect('the pen is found again', 'disconnected', 'connected', '#102030');
+    await pen.called('subscribe 1f14');
+    pen.tell('lose', 'answer');
+    await link('the pen is lost while it is asked for its colours', () => {}, 'disconnected', 'connected', '#102030');
+    pen.tell('hold read', 'lose');
+    await page.expect('the pen is found again', 'disconnected', 'connected');
+    await pen.called('read 1f14');
+    pen.tell('lose', 'answer');
+    await link('the pen is lost while it is read', () => {}, 'disconnected', 'connected', '#102030');
+    await link('the host stops and pairs at once', () => page.evaluate('_stop(), _pair()'), 'disconnected', 'connected', '#102030');
+
+    pen.tell('hold connect', 'lose');
+    await page.expect('the pen is lost', 'disconnected');
+    await pen.called('connect');
+    await page.evaluate('_stop()');
+    await page.expect('the host stops while the pen is connected', 'disconnected');
+    pen.tell('answer');
+    await pen.called('disconnect');
+    await link('and pairs', pair, 'connected', '#102030');
+}
+
+// The browser's channel to its Bluetooth ends when it is asked for something of a pen that is lost in the
+// same moment, which these losses bring about every second time; and then for certain.
+async function silence() {
+    for (let round = 0; round < 2; ++round) {
+        await page.evaluate(`void (window.asking = setInterval(() =>
+            seen.includes('disconnected') ? clearInterval(asking) : _battery(), 1))`);
+        await pause(20);
+        pen.calls.length = 0;
+        lose();
+        await pen.called('subscribe 1f17');
+        check('the pen is lost while much is asked, and found', (await page.heard(3, 'a link')).filter(line => !/battery/.test(line)),
+            ['disconnected', 'connected', '#102030']);
+    }
+    await page.reload();
+    await link('the page is linked', pair, 'connected', '#102030');
+    await page.evaluate(`BluetoothRemoteGATTCharacteristic.prototype.readValue =
+        Bluetooth.prototype.getAvailability = () => new Promise(() => {})`);
+    await link('a browser that falls silent is noticed, and left', () => page.evaluate('_battery()'),
+        'disconnected', 'connected', '#102030', 'battery 64');
+}
+
+async function twoTabs() {
+    const first = page.browser.session;
+    await page.open();
+    await pair();
+    await page.expect('a second page is linked', 'connected', '#102030');
+    const second = page.browser.session;
+    const both = async (situation, ...wanted) => {
+        for (page.browser.session of [first, second]) await page.expect(situation, ...wanted);
+    };
+    pen.tell(notify('717273'));
+    await both('both pages hear', '#717273');
+    lose();
+    await both('and lose the pen, and find it', 'disconnected', 'connected', '#102030');
+    await page.evaluate('_stop()');
+    await page.expect('the second page stops', 'disconnected');
+    page.browser.session = first;
+    pen.tell(notify('818283'));
+    await page.expect('the first one goes on', '#818283');
+    await page.browser.show();
+}
+
 async function hiddenPage() {
     await page.browser.hide();
     pen.tell(...colours.map(notify));
@@ -80,8 +157,12 @@ async function hiddenPage() {
 
 async function reloading() {
     pen.calls.length = 0;
-    await page.reload();
+    await page.reload('page.html?hasty');
     await pen.called('disconnect');
+    pen.tell('hold connect');
+    await pair();
+    await page.expect('an attempt to connect that is not answered ends', 'Device is failed to connect. 18');
+    pen.tell('answer');
     await link('the pen that was allowed before is found', pair, 'connected', '#102030');
     await page.evaluate('_stop()');
     await page.expect('the host stops', 'disconnected');
@@ -110,5 +191,6 @@ run(async () => {
     pen = await startBluetoothd();
     page = await HostPage.launch('--enable-experimental-web-platform-features');
     await page.open();
-    for (const part of [choice, values, losses, refusals, hiddenPage, reloading, fatalStops]) await part();
+    for (const part of [choice, values, losses, refusals, adapterOff, interruptions, hiddenPage, twoTabs, silence, reloading,
+        fatalStops]) await part();
 });
