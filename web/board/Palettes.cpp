@@ -1,4 +1,5 @@
-// What the board has of the command-line host, in the same code: formats of palettes, names, contrasts.
+// What the board has of the command-line host, in the same code: formats of palettes, names,
+// contrasts.
 #include "palette/Colour.h"
 #include "palette/PaletteFormat.h"
 #include "palette/WebColours.h"
@@ -27,8 +28,9 @@ val converted(const std::string& from, const std::string& bytes, const std::stri
     if (!reader || !writer) return val(std::string(": its name has no ending of a palette"));
     try {
         const std::string written = writer->write(reader->read(bytes));
-        return val::global("Uint8Array").new_(emscripten::typed_memory_view(
-            written.size(), reinterpret_cast<const unsigned char*>(written.data())));
+        return val::global("Uint8Array")
+            .new_(emscripten::typed_memory_view(
+                written.size(), reinterpret_cast<const unsigned char*>(written.data())));
     } catch (const PaletteFault& fault) {
         return val(std::string(fault.what()));
     }

@@ -39,6 +39,7 @@ const connection = new Connection({
         change();
     },
     captured(hex) {
+        if (hex === history.swatches.at(-1)?.hex) return;  // a pen that is connected again tells its last one
         chosen = undefined;
         history.add({ hex });
         announcements.tellColour(`${hex}, ${nameOf(hex)}`);

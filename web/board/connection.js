@@ -66,14 +66,9 @@ export class Connection {
         });
     }
 
-    async stop() {
-        clearTimeout(this.#search);
+    stop() {
         forget(linkedKey);
-        const isVirtual = this.virtualPen;
-        this.virtualPen = undefined;
-        this.#turn('idle');
-        if (isVirtual) await this.#use('web');
-        else await this.#kit.stop();
+        return this.#try('idle', () => this.virtualPen ? this.#use('web') : this.#kit?.stop());
     }
 
     async #use(radio) {
