@@ -268,7 +268,7 @@ async function withAPen() {
     await expect('it is lost', shows('state', 'Lost InkoraPen 7. Looking for it'));
     await expect('which is told', said('Lost InkoraPen 7'));
     bluetoothd.tell('refuse 0');
-    await expect('and connected again', shows('state', 'Connected to InkoraPen 7.'));
+    await expect('and connected again', text('link'), 'Connected to InkoraPen 7. Battery 64 %.');
     await bluetoothd.called('subscribe 1f17');
     await load();
     await expect('after a reload it is found without a click', shows('state', 'Connected to InkoraPen 7.'));

@@ -18,7 +18,6 @@ export class Connection {
 
     #kit;
     #told;
-    #asked;  // the kit that was asked for the battery, and has not answered
     #search;
 
     /** @param {{changed: () => void, captured: (hex: string) => void}} told */
@@ -40,7 +39,6 @@ export class Connection {
         return this.#try('choosing', async () => {
             if (this.virtualPen || !this.#kit) await this.#use('web');
             else if (this.#kit.state !== 'none') await this.#kit.stop();  // it waits for Bluetooth
-            this.#askBattery();
             await this.#kit.pair();
             if (this.phase === 'choosing') this.#turn('searching');
         });
@@ -48,10 +46,7 @@ export class Connection {
 
     /** Looks for a pen that was chosen before. */
     search() {
-        return this.#try('searching', async () => {
-            this.#askBattery();
-            this.#kit.resume();
-        });
+        return this.#try('searching', () => this.#kit.resume());
     }
 
     /** Connects a virtual pen. */
@@ -61,7 +56,6 @@ export class Connection {
             this.virtualPen = this.#kit.addPen(1 + Math.floor(Math.random() * 1000));
             this.virtualPen.setBattery(20 + Math.floor(Math.random() * 80));
             this.virtualPen.capture(0x47, 0x80, 0xEB);
-            this.#askBattery();
             await this.#kit.pair();
         });
     }
@@ -98,13 +92,13 @@ export class Connection {
         if (!this.virtualPen) remember(linkedKey);
         this.name = this.virtualPen ? 'the virtual pen' : this.#kit.info().name;
         this.#turn('connected');
+        this.#askBattery();
     }
 
     // The kit looks for it again by itself, for as long as one search takes.
     #lost() {
         if (this.phase !== 'connected') return;
         this.battery = undefined;
-        this.#askBattery();
         this.#turn('lost');
     }
 
@@ -123,14 +117,9 @@ export class Connection {
         }
     }
 
-    // Without a pen it is that of the next one.
+    // The answer comes as an event as well.
     #askBattery() {
-        const kit = this.#kit;
-        if (this.#asked === kit) return;
-        this.#asked = kit;
-        kit.battery().catch(() => {}).finally(() => {
-            if (this.#asked === kit) this.#asked = undefined;
-        });
+        this.#kit.battery().catch(() => {});
     }
 
     #turn(phase, problem) {
