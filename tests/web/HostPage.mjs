@@ -67,12 +67,13 @@ export async function startBluetoothd() {
 
 /** A browser with a page that has a host, and a person in front of it. */
 export class HostPage {
+    static folder = process.argv[2];  // where the host is
     isChoosing = true;
 
     static async launch(...flags) {
         const page = new HostPage();
         page.browser = Browser.launch(...flags);
-        page.server = await serve(here, process.argv[2]);
+        page.server = await serve(here, HostPage.folder);
         ends.unshift(() => page.close());
         return page;
     }

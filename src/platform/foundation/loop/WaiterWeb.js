@@ -6,9 +6,14 @@ mergeInto(LibraryManager.library, {
         channel: null,
         timer: 0,
 
-        // The page goes on when the program was aborted, and calls it no more.
+        // The page goes on when the program was aborted, and calls it no more. Who listens for that has
+        // heard of it.
         turn: function () {
-            if (!ABORT) return _inkora_loop_turn();
+            try {
+                if (!ABORT) return _inkora_loop_turn();
+            } catch (error) {
+                if (!ABORT || !Module['onAbort']) throw error;
+            }
             clearTimeout(inkoraLoop.timer);
             if (inkoraLoop.channel) inkoraLoop.channel.port1.close();
         },
