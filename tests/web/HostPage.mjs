@@ -82,9 +82,12 @@ export class HostPage {
         await this.browser.open(`${this.server.origin}/${file}`);
         await this.browser.show();  // clicks wait for what is shown
         await this.browser.send('DeviceAccess.enable');
+        let answered;  // a second answer to a prompt would silence the browser
         this.browser.on('DeviceAccess.deviceRequestPrompted', ({ id, devices: [device] }) => {
-            const answer = this.isChoosing ? device && ['selectPrompt', { id, deviceId: device.id }] : ['cancelPrompt', { id }];
-            if (answer) this.browser.send(`DeviceAccess.${answer[0]}`, answer[1]).catch(() => {});
+            if (id === answered || this.isChoosing && !device) return;
+            answered = id;
+            this.browser.send(`DeviceAccess.${this.isChoosing ? 'select' : 'cancel'}Prompt`,
+                { id, ...this.isChoosing && { deviceId: device.id } });
         });
         await this.expect('the page runs under its policy', 'ready');
     }
