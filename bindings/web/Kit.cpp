@@ -1,5 +1,5 @@
-// The kit as a page's script has it: the C interface, whose callbacks come to the script as calls of
-// `Module.hear`, and the chooser. What the script is is in inkorakit.js.
+// The kit as inkorakit.js has it: the C interface, whose callbacks are calls of `Module.hear`
+// there, and the chooser.
 #include <InkoraKit/c/inkorakit.h>
 #include <InkoraKit/web/ChoosePen.h>
 
@@ -23,17 +23,15 @@ constexpr inkora_callbacks callbacks = {
             hear_failure("unavailable", static_cast<double>(code), text);
         },
     .connected = [](void*) { hear("connected"); },
-    .failed =
-        [](void*, std::int64_t code, const char* text) {
-            hear_failure("failed", static_cast<double>(code), text);
-        },
+    .failed = [](void*, std::int64_t code,
+                 const char* text) { hear_failure("failed", static_cast<double>(code), text); },
     .disconnected = [](void*) { hear("disconnected"); },
     .colour_captured =
         [](void*, const inkora_colour* colour) {
             hear_colour(colour->red, colour->green, colour->blue, colour->alpha);
         },
-    .battery =
-        [](void*, std::int64_t percent) { hear_level("battery", static_cast<double>(percent)); },
+    .battery = [](void*,
+                  std::int64_t percent) { hear_level("battery", static_cast<double>(percent)); },
     .proximity =
         [](void*, std::int64_t magnitude) {
             hear_level("proximity", static_cast<double>(magnitude));

@@ -115,8 +115,8 @@ export class Kit extends EventTarget {
      */
     resume(): void;
     /**
-     * Ends the search or the link, and all that waits; settled when the link has ended. By the virtual
-     * clock that takes an `advance`.
+     * Ends the search or the link, and all that waits; settled when the link has ended, which by the
+     * virtual clock takes an `advance`. Bluetooth that comes back begins a search all the same.
      */
     stop(): Promise<void>;
 

@@ -54,32 +54,35 @@ export async function load({ radio = 'web', clock = 'page', wasm } = {}) {
     expectOneOf(['page', 'virtual'], clock, 'the clock');
     if (clock === 'virtual' && radio === 'web')
         throw new KitError('invalid', invalid, 'the virtual clock needs the virtual radio');
-    const program = await compiled(wasm ?? new URL('inkorakit.wasm', import.meta.url));
-
-    // The kit that is to be listens by these; a core does so from its beginning.
+    // The kit that is to be listens by these; a core tells from its beginning.
     const ears = { hear() {}, ended() {}, say: line => console.error(line) };
-    const core = await createCore({
-        instantiateWasm: (imports, done) => void WebAssembly.instantiate(program, imports).then(done),
-        hear: (...heard) => ears.hear(...heard),
-        onAbort: () => ears.ended(),
-        printErr: line => ears.say(line),
-    });
-    const kit = new Kit(core, ears, radio, clock);
+    const kit = new Kit(await begun(wasm ?? new URL('inkorakit.wasm', import.meta.url), ears), ears, radio, clock);
     await ears.ready;
     return kit;
 }
 
-/** The program that is there, or in these bytes. */
-async function compiled(wasm) {
+/** A core of the program that is there, or in these bytes. */
+async function begun(wasm, ears) {
     try {
-        if (wasm instanceof ArrayBuffer || ArrayBuffer.isView(wasm)) return await WebAssembly.compile(wasm);
-        const response = await fetch(wasm);
-        if (!response.ok) throw new Error(`${response.status} ${response.statusText}`);
-        return await WebAssembly.compile(await response.arrayBuffer());
+        const program = await WebAssembly.compile(await bytesOf(wasm));
+        return await new Promise((done, failed) => createCore({
+            instantiateWasm: (imports, begin) =>
+                void WebAssembly.instantiate(program, imports).then(begin).catch(failed),
+            hear: (...heard) => ears.hear(...heard),
+            onAbort: () => ears.ended(),
+            printErr: line => ears.say(line),
+        }).then(done, failed));
     } catch (cause) {
         const place = typeof wasm === 'string' || wasm instanceof URL ? ` from ${wasm}` : '';
         throw new KitError('invalid', invalid, `the kit could not be loaded${place}: ${cause.message}`, { cause });
     }
+}
+
+async function bytesOf(wasm) {
+    if (wasm instanceof ArrayBuffer || ArrayBuffer.isView(wasm)) return wasm;
+    const response = await fetch(wasm);
+    if (!response.ok) throw new Error(`${response.status} ${response.statusText}`);
+    return response.arrayBuffer();
 }
 
 export class Kit extends EventTarget {
@@ -180,7 +183,10 @@ export class Kit extends EventTarget {
 
     /** Calls a function of the C interface that answers a status. */
     #call(name, ...values) {
-        const status = this.#run(name, ...values);
+        this.#expectDone(this.#run(name, ...values));
+    }
+
+    #expectDone(status) {
         if (status) throw new KitError(refusals[status] ?? 'invalid', status, this.#text('last_error'));
     }
 
@@ -239,12 +245,11 @@ export class Kit extends EventTarget {
     #request(what) {
         try {
             const status = this.#run(`request_${what}`);
-            if (status !== 0 && status !== tooEarly)
-                throw new KitError(refusals[status] ?? 'invalid', status, this.#text('last_error'));
+            if (status !== tooEarly) this.#expectDone(status);
+            return this.#wait(what);
         } catch (error) {
             return Promise.reject(error);
         }
-        return this.#wait(what);
     }
 
     /** Until all that has been posted so far is done. */
@@ -262,22 +267,28 @@ export class Kit extends EventTarget {
     }
 
     async #choose() {
-        this.#isChoosing = true;
-        let text;
-        try {
-            this.#run('page_choose');
-            text = await this.#wait('chosen');
-        } finally {
-            this.#isChoosing = false;
+        const bluetooth = globalThis.navigator?.bluetooth;
+        if (bluetooth) {
+            const text = await this.#answerOfChooser();
+            if (!text) return;
+            if (await bluetooth.getAvailability().catch(() => false)) throw new KitError('not-chosen', 0, text);
         }
-        if (!text) return;
-        if (await navigator.bluetooth?.getAvailability().catch(() => false))
-            throw new KitError('not-chosen', 0, text);
-        // The kit says that, and why; unless it is mistaken, or right again.
+        // The kit says that there is none, and why; unless it is mistaken, or right again.
         const told = ['unavailable', 'failed', 'connected'].map(event => this.#wait(event));
         if (this.state === 'none') this.#call('start');
         const error = await Promise.race(told);
         if (error) throw error;
+    }
+
+    /** Empty, or why nothing was chosen. */
+    async #answerOfChooser() {
+        this.#isChoosing = true;
+        try {
+            this.#run('page_choose');
+            return await this.#wait('chosen');
+        } finally {
+            this.#isChoosing = false;
+        }
     }
 
     // --- what the kit tells ---------------------------------------------------------------------

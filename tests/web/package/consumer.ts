@@ -44,7 +44,8 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
     see(await refused(() => load({ ...options, ...wrong })));
     // @ts-expect-error there is no such radio
     see(await refused(() => load({ radio: 'infrared' })));
-    see(await refused(() => load({ wasm: Uint8Array.of(1, 2, 3, 4) })).then(text => text.slice(0, 39)));
+    for (const version of [0, 1])  // no program, and an empty one
+        see((await refused(() => load({ wasm: Uint8Array.of(0, 97, 115, 109, version, 0, 0, 0) }))).slice(0, 39));
 
     kit.setPowered(false);
     see(await refused(() => kit.pair()), '/', kit.reason);
@@ -54,11 +55,11 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
 
     const pen: VirtualPen = kit.addPen(7);
     pen.setRefusing(true);
-    const level = refused(() => kit.battery());
+    const request = refused(() => kit.battery());
     await kit.pair();
     see('looks', kit.state);
     kit.advance(1);
-    see('a request meanwhile', await level);
+    see('a request meanwhile', await request);
     pen.setRefusing(false);
     pen.setBattery(42);
     kit.resume();
@@ -67,7 +68,7 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
     const proximity = kit.proximity();
     kit.advance(1);
     see('asked', await battery, await again, await proximity, kit.state);
-    see(kit.info().name);
+    see(kit.info().name, pen.serialNumber);
 
     for (const red of [1, 1, 255]) pen.capture(red, 128, 0);
     kit.advance(0.1);
@@ -78,8 +79,11 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
     pen.capture(255, 0, 0);
     kit.advance(1);
 
+    let level: Promise<number> | undefined;
+    kit.addEventListener('connected', () => void (level = kit.battery()), { once: true });
     pen.dropLink();
     kit.advance(1);
+    see('asked as soon as it is connected', await level);
     pen.loseLink();
     kit.advance(3.9);
     see('silent for 3.9 s', kit.state);
@@ -114,8 +118,9 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
     const other = await load({ ...options, radio: 'virtual' });
     other.addPen(7).capture(1, 2, 3);
     const colour = new Promise<string>(done => other.addEventListener('colour', event => done(event.colour.hex)));
+    other.addEventListener('connected', () => void (level = other.battery()));
     await other.pair();
-    see('another kit, by the page\'s clock:', await colour, kit.state);
+    see('another kit, by the page\'s clock:', await colour, await level, kit.state);
     see(await refused(() => other.advance(1)));
     await other.close();
     see(other.state, await refused(() => other.pair()));
