@@ -68,7 +68,8 @@ export class Browser {
     }
 
     async navigate(address) {
-        await this.send('Page.navigate', { url: address });
+        const { errorText } = await this.send('Page.navigate', { url: address });
+        if (errorText) throw new Error(`${address}: ${errorText}`);
         await until(() => this.evaluate(`document.readyState === 'complete'`), address);
     }
 
