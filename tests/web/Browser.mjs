@@ -7,8 +7,10 @@ import { basename, extname, join } from 'node:path';
 
 export const pause = milliseconds => new Promise(done => setTimeout(done, milliseconds));
 
+const patience = 1000 * (process.env.PATIENCE ?? 10);  // seconds until what has not come is missed
+
 /** Answers what `look` does, as soon as that is something. */
-export async function until(look, what, longest = 10000) {
+export async function until(look, what, longest = patience) {
     for (const end = Date.now() + longest; Date.now() < end; await pause(10)) {
         const found = await look();
         if (found) return found;
@@ -67,9 +69,9 @@ export class Browser {
     }
 
     async navigate(address) {
-        const loaded = new Promise(done => this.on('Page.loadEventFired', done));
-        await this.send('Page.navigate', { url: address });
-        await loaded;
+        const { errorText } = await this.send('Page.navigate', { url: address });
+        if (errorText) throw new Error(`${address}: ${errorText}`);
+        await until(() => this.evaluate(`document.readyState === 'complete'`), address);
     }
 
     on(method, listener) {

@@ -8,6 +8,9 @@ const colours = Array.from({ length: 500 }, (_, i) => (i * 2654435761 >>> 8).toS
 const notify = hex => `notify 1f14 01${hex}`;
 const lose = () => pen.tell('lose');
 const pair = () => page.evaluate('_pair()');
+// What a page whose channel to its Bluetooth has ended sees of it.
+const silent = `void (BluetoothRemoteGATTCharacteristic.prototype.readValue = BluetoothRemoteGATTServer.prototype.connect =
+    Bluetooth.prototype.getAvailability = () => new Promise(() => {}))`;
 let pen, page;
 
 /** What is heard of a new link, which has come about when the host has subscribed to all. */
@@ -126,10 +129,21 @@ async function silence() {
     }
     await page.reload();
     await link('the page is linked', pair, 'connected', '#102030');
-    await page.evaluate(`BluetoothRemoteGATTCharacteristic.prototype.readValue =
-        Bluetooth.prototype.getAvailability = () => new Promise(() => {})`);
+    await page.evaluate(silent);
     await link('a browser that falls silent is noticed, and left', () => page.evaluate('_battery()'),
         'disconnected', 'connected', '#102030', 'battery 64');
+}
+
+// As most people have it: a page hears of no pen but by the chooser, and of none any more in a new frame.
+async function ordinaryBrowser() {
+    page = await HostPage.launch('--enable-features=WebBluetooth');
+    await page.open();
+    check('the browser keeps for itself what was chosen', await page.evaluate('navigator.bluetooth.getDevices'), undefined);
+    await link('a pen is chosen', () => page.choose(), 'chosen', 'connected', '#102030');
+    await page.evaluate(silent);
+    await page.evaluate('_battery()');
+    await page.expect('the browser falls silent, and has lost the pen', 'disconnected', 'Device is failed to connect. 18');
+    await link('which is chosen anew', () => page.choose(), 'chosen', 'connected', '#102030', 'battery 64');
 }
 
 async function twoTabs() {
@@ -138,6 +152,7 @@ async function twoTabs() {
     await pair();
     await page.expect('a second page is linked', 'connected', '#102030');
     const second = page.browser.session;
+    await pause(500);  // until it has subscribed, which the browser need not do twice
     const both = async (situation, ...wanted) => {
         for (page.browser.session of [first, second]) await page.expect(situation, ...wanted);
     };
@@ -169,8 +184,10 @@ async function reloading() {
     await page.expect('an attempt to connect that is not answered ends', 'Device is failed to connect. 18');
     pen.tell('answer');
     await link('the pen that was allowed before is found', pair, 'connected', '#102030');
-    await page.evaluate('_stop()');
-    await page.expect('the host stops', 'disconnected');
+    await page.evaluate('_battery(), _stop()');
+    lose();
+    await pause(100);
+    await page.expect('the host stops while the pen is read, and lost as well', 'disconnected');
 }
 
 // What stops a native process: the page goes on without the host, and hears of it once.
@@ -197,5 +214,5 @@ run(async () => {
     page = await HostPage.launch('--enable-experimental-web-platform-features');
     await page.open();
     for (const part of [choice, values, losses, refusals, adapterOff, interruptions, hiddenPage, twoTabs, silence, reloading,
-        fatalStops]) await part();
+        fatalStops, ordinaryBrowser]) await part();
 });

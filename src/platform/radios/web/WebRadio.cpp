@@ -133,8 +133,8 @@ extern "C" {
                                       const char* name, int rssi, int txPower) {
     UUID::Bytes bytes;
     std::copy_n(identifier, bytes.size(), bytes.begin());
-    Sighting sighting{
-        .identifier = UUID(bytes), .advertisement = {.localName = name}, .rssi = rssi};
+    Sighting sighting{.identifier = UUID(bytes), .rssi = rssi};
+    if (name) sighting.advertisement.localName = name;
     if (txPower != unknownTxPower) sighting.advertisement.txPowerLevel = txPower;
     radio->sighted(pen, std::move(sighting));
 }

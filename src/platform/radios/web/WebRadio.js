@@ -122,7 +122,7 @@ mergeInto(LibraryManager.library, {
 
         sight: function (radio, pen, { rssi, txPower, name, uuids } = {}) {
             const { device, isForgotten } = inkoraWeb.pens[pen];
-            if (isForgotten || !name && !device.name) return;
+            if (isForgotten) return;
             for (const uuid of uuids || []) inkoraWeb.tell(_inkora_web_item, radio, uuid, 0, 0);
             inkoraWeb.tell(_inkora_web_sighted, radio, pen, inkoraWeb.identifierOf(device.id),
                 name || device.name, rssi == null ? 127 : rssi, txPower == null ? 127 : txPower);
