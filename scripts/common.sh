@@ -7,7 +7,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # and terminfo, of ncurses, for the command-line host.
 build_packages=(cmake g++ libcli11-dev libncurses-dev libsystemd-dev ninja-build pkgconf)
 test_packages=(dbus libgtest-dev nlohmann-json3-dev python3 python3-tinycss2)
-export build_packages test_packages
+page_packages=(cmake emscripten ninja-build nodejs)
+export build_packages test_packages page_packages
 
 heading() { printf '\n== %s\n' "$*"; }
 
@@ -65,4 +66,17 @@ build() {
     cmake --preset "$preset" --log-level=NOTICE
     local command=(cmake --build --preset "$preset" --parallel "$(nproc)" "${targets[@]}")
     if [[ -t 1 ]]; then "${command[@]}"; else "${command[@]}" | show_tenths; fi
+}
+
+# build_page TARGET...: the kit as WebAssembly, as small as it gets, in build/page.
+page_package=build/page/bindings/web/package
+export page_package
+build_page() {
+    heading "Building in build/page"
+    cmake -S . -B build/page -G Ninja --log-level=NOTICE \
+        -DCMAKE_TOOLCHAIN_FILE=/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake \
+        -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS_RELEASE=-Oz -DNDEBUG -fwasm-exceptions" \
+        -DINKORA_TESTS=OFF -DINKORA_TOOLS=OFF -DINKORA_PYTHON=OFF -DINKORA_EXAMPLES=OFF -DINKORA_BLUEZ=OFF
+    # Emscripten's own scripts want Debian's modules, whichever node runs them.
+    NODE_PATH=/usr/share/nodejs cmake --build build/page --parallel "$(nproc)" --target "$@" | show_tenths
 }

@@ -11,14 +11,15 @@ export interface Colour {
 
 /** Why something failed, or was refused. */
 export class KitError extends Error {
+    private constructor();
     /**
      * What kind of thing: "unavailable" (Bluetooth is off, missing or not permitted, 17), "connection"
      * (the pen could not be connected, 18), "not-found" (no pen within 6 seconds, 19), "not-chosen"
      * (the chooser was closed), "stopped" (the request ended by `stop`), "fatal" (the kit has stopped
-     * for good), "invalid", "too-early", "already-done", "no-such-pen".
+     * for good), "invalid" (an argument, or a place where the kit is not), "already-done", "no-such-pen".
      */
     readonly kind: 'unavailable' | 'connection' | 'not-found' | 'not-chosen' | 'stopped' | 'fatal'
-        | 'invalid' | 'too-early' | 'already-done' | 'no-such-pen';
+        | 'invalid' | 'already-done' | 'no-such-pen';
     /** The kit's code: of a failure (17, 18, 19) or of a refusal (negative); 0 where it has none. */
     readonly code: number;
 }
@@ -26,10 +27,30 @@ export class KitError extends Error {
 /** How far the kit is with a pen. */
 export type LinkState = 'none' | 'scanning' | 'connecting' | 'connected' | 'ready' | 'disconnecting';
 
-export class ColourEvent extends Event { readonly colour: Colour; }
-export class LevelEvent extends Event { readonly level: number; }
-export class InformationEvent extends Event { readonly name: string; readonly identifier: string; }
-export class FailureEvent extends Event { readonly error: KitError; }
+/** What a pen has captured. */
+export class ColourEvent extends Event {
+    private constructor();
+    readonly colour: Colour;
+}
+
+/** A battery level, or a signal strength. */
+export class LevelEvent extends Event {
+    private constructor();
+    readonly level: number;
+}
+
+/** Which pen there is. */
+export class InformationEvent extends Event {
+    private constructor();
+    readonly name: string;
+    readonly identifier: string;
+}
+
+/** What went wrong. */
+export class FailureEvent extends Event {
+    private constructor();
+    readonly error: KitError;
+}
 
 export interface KitEvents {
     /** A pen is connected. Its colours follow, the one that it captured last to begin with. */
@@ -58,27 +79,33 @@ export interface KitEvents {
 export interface LoadOptions {
     /** "web", the browser's Bluetooth, if not said otherwise; "virtual": without any, for tests and demos. */
     radio?: 'web' | 'virtual';
-    /** "virtual": time passes by `advance` alone; with the virtual radio only. */
+    /** "virtual": the kit's time passes by `advance` alone; with the virtual radio only. */
     clock?: 'page' | 'virtual';
-    /** Where the .wasm file is, or its bytes. If not said otherwise, beside this module. */
+    /** Where inkorakit.wasm is, or its bytes. If not said otherwise, beside this module. */
     wasm?: string | URL | ArrayBuffer | Uint8Array;
 }
 
-/** A kit of its own: pens, events and radio are not shared with others. Fetches the .wasm file. */
+/**
+ * A kit of its own: pens, events and radio are not shared with others. Fetches inkorakit.wasm.
+ * @throws KitError (as the promise's rejection) "invalid"
+ */
 export function load(options?: LoadOptions): Promise<Kit>;
 
 export class Kit extends EventTarget {
     private constructor();
     /** The version of the kit, as "1.0.0". */
     readonly version: string;
+    /** "none" once the kit has stopped for good, or is closed. */
     readonly state: LinkState;
-    /** Why Bluetooth cannot be used, for people: "There is no Bluetooth adapter."; "" when nothing is known. */
+    /** Why Bluetooth cannot be used, for people: "There is no Bluetooth LE adapter."; "" when nothing is known. */
     readonly reason: string;
 
     /**
      * Opens the browser's chooser, and looks for the pen that was chosen in it. Browsers insist on a
      * gesture: call it in the handler of a click or a key. With the virtual radio there is no chooser.
-     * @throws KitError (as the promise's rejection) "not-chosen", "unavailable", "already-done"
+     * Settled when the search has begun; what comes of it is told by events.
+     * @throws KitError (as the promise's rejection) "not-chosen", "unavailable"; "already-done" while
+     * the chooser is open or there is a pen; "stopped"
      */
     pair(): Promise<void>;
     /**
@@ -87,10 +114,18 @@ export class Kit extends EventTarget {
      * @throws KitError "already-done" while it looks or has a pen
      */
     resume(): void;
-    /** Ends the search or the link; settled when the link has ended. */
+    /**
+     * Ends the search or the link, and all that waits; settled when the link has ended, which by the
+     * virtual clock takes an `advance`. Bluetooth that comes back begins a search all the same.
+     */
     stop(): Promise<void>;
 
-    /** The battery level in percent; without a pen, of the next one. */
+    /**
+     * The battery level in percent; without a pen, of the next one. After a link that ended with the
+     * adapter, the next one's is told to those who ask before it is connected; later it may not come.
+     * @throws KitError (as the promise's rejection, as does `proximity`) "stopped", and that of the
+     * event "failed" or "unavailable" where one comes before the answer
+     */
     battery(): Promise<number>;
     /** The signal strength, as in the event; mostly with the next advertisement only. */
     proximity(): Promise<number>;
@@ -99,9 +134,9 @@ export class Kit extends EventTarget {
 
     /** Brings a virtual pen near. @throws KitError "already-done" where one of this number is, or the radio is the browser's */
     addPen(serialNumber: number): VirtualPen;
-    /** Switches the virtual radio's adapter on or off. */
+    /** Switches the virtual radio's adapter on or off. @throws KitError "no-such-pen" without that radio */
     setPowered(isOn: boolean): void;
-    /** Lets so many seconds of the virtual clock pass. */
+    /** Lets so many seconds of the virtual clock pass. @throws KitError "invalid" without that clock */
     advance(seconds: number): void;
     /** Ends the link and lets go of all; each later call throws. */
     close(): Promise<void>;
@@ -116,13 +151,16 @@ export class Kit extends EventTarget {
         options?: boolean | EventListenerOptions): void;
 }
 
-/** A pen without a pen. Each call throws a KitError "no-such-pen" after `remove`. */
+/**
+ * A pen without a pen, black at first and with a full battery. Each call throws a KitError
+ * "no-such-pen" after `remove`, and "invalid" for what is out of range.
+ */
 export class VirtualPen {
     private constructor();
     readonly serialNumber: number;
     /** Captures a colour: components from 0 to 255. */
     capture(red: number, green: number, blue: number): void;
-    /** Captures a colour each so many seconds, while the kit listens; the seed decides on all of them. */
+    /** Captures a colour each so many seconds, 0.001 at least, while the kit listens; the seed decides on all of them. */
     startCapturing(seconds: number, seed?: number): void;
     stopCapturing(): void;
     /** In percent, from 0 to 100. */

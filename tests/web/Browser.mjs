@@ -7,8 +7,10 @@ import { basename, extname, join } from 'node:path';
 
 export const pause = milliseconds => new Promise(done => setTimeout(done, milliseconds));
 
+const patience = 1000 * (process.env.PATIENCE ?? 10);  // seconds until what has not come is missed
+
 /** Answers what `look` does, as soon as that is something. */
-export async function until(look, what, longest = 10000) {
+export async function until(look, what, longest = patience) {
     for (const end = Date.now() + longest; Date.now() < end; await pause(10)) {
         const found = await look();
         if (found) return found;
@@ -16,15 +18,19 @@ export async function until(look, what, longest = 10000) {
     throw new Error(`${what} never came`);
 }
 
-/** Serves the files of the folders, by their names alone. */
+/** Serves the files of the folders, by their names alone; `?forbidden=FEATURE` to a page without that feature. */
 export async function serve(...folders) {
-    const types = { '.html': 'text/html', '.js': 'text/javascript', '.wasm': 'application/wasm' };
+    const types = { '.css': 'text/css', '.html': 'text/html', '.js': 'text/javascript', '.svg': 'image/svg+xml',
+        '.wasm': 'application/wasm' };
     const server = createServer((request, response) => {
-        const name = basename(new URL(request.url, 'http://page').pathname);
+        const { pathname, searchParams } = new URL(request.url, 'http://page');
+        const name = basename(pathname);
         for (const folder of folders) {
             try {
                 const text = readFileSync(join(folder, name));
-                return response.writeHead(200, { 'content-type': types[extname(name)] }).end(text);
+                const forbidden = searchParams.get('forbidden');
+                return response.writeHead(200, { 'content-type': types[extname(name)],
+                    ...forbidden && { 'permissions-policy': `${forbidden}=()` } }).end(text);
             } catch {}  // not in this one
         }
         response.writeHead(404).end();
@@ -34,9 +40,9 @@ export async function serve(...folders) {
 }
 
 export class Browser {
+    session;  // of the page that is spoken to; none is the browser's own
     #waiting = new Map();
     #sent = 0;
-    #session;
     #listeners = new Map();
 
     static launch(...flags) {
@@ -56,26 +62,26 @@ export class Browser {
 
     /** From now on all is said to a page of its own at this address. */
     async open(address) {
-        const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
-        this.#session = (await this.send('Target.attachToTarget', { targetId, flatten: true })).sessionId;
+        const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' }, null);
+        this.session = (await this.send('Target.attachToTarget', { targetId, flatten: true }, null)).sessionId;
         await this.send('Page.enable');
         await this.navigate(address);
     }
 
     async navigate(address) {
-        const loaded = new Promise(done => this.on('Page.loadEventFired', done));
-        await this.send('Page.navigate', { url: address });
-        await loaded;
+        const { errorText } = await this.send('Page.navigate', { url: address });
+        if (errorText) throw new Error(`${address}: ${errorText}`);
+        await until(() => this.evaluate(`document.readyState === 'complete'`), address);
     }
 
     on(method, listener) {
         this.#listeners.set(method, listener);
     }
 
-    send(method, params = {}) {
+    send(method, params = {}, session = this.session) {
         return new Promise((done, failed) => {
             this.#waiting.set(++this.#sent, { done, failed });
-            const message = { id: this.#sent, method, params, sessionId: this.#session };
+            const message = { id: this.#sent, method, params, sessionId: session ?? undefined };
             this.process.stdio[3].write(`${JSON.stringify(message)}\0`);
         });
     }
@@ -87,21 +93,20 @@ export class Browser {
         return result.value;
     }
 
-    /** As a person does: scripts' clicks are no gestures. */
+    /** As a person does: scripts' clicks are no gestures. What has not been drawn yet takes none. */
     async click(selector) {
-        const place = await this.evaluate(`(({ x, y }) => ({ x: x + 2, y: y + 2 }))
+        await this.evaluate('new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)))');
+        const place = await this.evaluate(`(({ x, y, width, height }) => ({ x: x + width / 2, y: y + height / 2 }))
             (document.querySelector('${selector}').getBoundingClientRect())`);
-        for (const type of ['mousePressed', 'mouseReleased'])
-            await this.send('Input.dispatchMouseEvent', { type, ...place, button: 'left', clickCount: 1 });
+        const mouse = type => this.send('Input.dispatchMouseEvent', { type, ...place, button: 'left', clickCount: 1 });
+        await mouse('mousePressed');
+        mouse('mouseReleased').catch(() => {});  // not answered where a chooser has come in between
     }
 
     /** Opens another tab over the page; `show` brings the page back. */
     async hide() {
-        const page = this.#session;
-        this.#session = undefined;
-        const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
-        await this.send('Target.activateTarget', { targetId });
-        this.#session = page;
+        const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' }, null);
+        await this.send('Target.activateTarget', { targetId }, null);
         await until(() => this.evaluate('document.hidden'), 'a hidden page');
     }
 
@@ -111,8 +116,7 @@ export class Browser {
 
     async close() {
         const ended = new Promise(done => this.process.once('exit', done));
-        this.#session = undefined;
-        this.send('Browser.close').catch(() => {});
+        this.send('Browser.close', {}, null).catch(() => {});
         await Promise.race([ended, pause(3000)]);
         this.process.kill('SIGKILL');
         await ended;

@@ -1,5 +1,6 @@
 // A host in a page: what it hears is written down in `seen`, for the page's test to compare.
 #include <InkoraKit/InkoraKit.h>
+#include <InkoraKit/c/inkorakit.h>
 #include <InkoraKit/web/ChoosePen.h>
 
 #include <emscripten.h>
@@ -50,10 +51,10 @@ EMSCRIPTEN_KEEPALIVE void pair() {
     InkoraManager::startDevicePairing();
 }
 
-EMSCRIPTEN_KEEPALIVE void choose() {
-    choosePen([](const std::optional<NSError>& error) {
+EMSCRIPTEN_KEEPALIVE void choose(bool pairs) {
+    choosePen([pairs](const std::optional<NSError>& error) {
         tell(error ? error->localizedDescription().c_str() : "chosen");
-        if (!error) pair();
+        if (!error && pairs) pair();
     });
 }
 
@@ -67,6 +68,10 @@ EMSCRIPTEN_KEEPALIVE void proximity() {
 
 EMSCRIPTEN_KEEPALIVE void info() {
     InkoraManager::requestInkoraDeviceGeneralInfo();
+}
+
+EMSCRIPTEN_KEEPALIVE void reason() {
+    tell(inkora_bluetooth_reason());
 }
 
 EMSCRIPTEN_KEEPALIVE void stop() {

@@ -1,138 +1,218 @@
 // A host in a page, linked to a pen by Web Bluetooth, in a headless Chromium whose bluetoothd is a fake.
 //
 //     node page-in-browser.mjs FOLDER     where web-host.js was built
-import { spawn } from 'node:child_process';
-import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
-import { tmpdir } from 'node:os';
-import { dirname, join } from 'node:path';
-import { createInterface } from 'node:readline';
-import { fileURLToPath } from 'node:url';
-import { Browser, pause, serve, until } from './Browser.mjs';
-
-const here = dirname(fileURLToPath(import.meta.url));
-const folder = mkdtempSync(join(tmpdir(), 'pen-in-page-'));
-writeFileSync(join(folder, 'bus.conf'), `<busconfig><listen>unix:dir=${folder}</listen><auth>EXTERNAL</auth>
-<policy context="default"><allow own="*"/><allow send_destination="*"/><allow eavesdrop="true"/></policy></busconfig>`);
-const bus = spawn('dbus-daemon', [`--config-file=${join(folder, 'bus.conf')}`, '--nofork', '--print-address=1'],
-    { stdio: ['ignore', 'pipe', 'ignore'] });
-const address = `${await new Promise(done => bus.stdout.once('data', done))}`.trim();
-const bluetoothd = spawn(join(here, 'fake-bluetoothd'), { env: { ...process.env, BUS: address }, stdio: ['pipe', 'pipe', 'inherit'] });
-const calls = [];
-createInterface(bluetoothd.stdout).on('line', line => calls.push(line));
-const pen = (...lines) => bluetoothd.stdin.write(lines.map(line => `${line}\n`).join(''));
-await until(() => calls.includes('ready'), 'the fake bluetoothd');
-
-process.env.DBUS_SYSTEM_BUS_ADDRESS = address;  // what the browser takes for the system's
-const server = await serve(here, process.argv[2]);
-const browser = Browser.launch('--enable-experimental-web-platform-features');
-
-let isChoosing = true;
-let faults = 0;
-setTimeout(() => {  // nothing is left behind, whatever happens
-    console.log('FAIL it takes too long', calls);
-    browser.process.kill('SIGKILL');
-    bluetoothd.kill();
-    bus.kill();
-    process.exit(1);
-}, 120000).unref();
-
-/** What the host has heard up to the last of these lines is to be just these. */
-async function expect(situation, ...wanted) {
-    const heard = await until(() => browser.evaluate(`seen.length >= ${wanted.length} && seen.splice(0)`), situation)
-        .catch(() => browser.evaluate('seen.splice(0)'));
-    const isRight = JSON.stringify(heard) === JSON.stringify(wanted);
-    faults += !isRight;
-    console.log(isRight ? 'ok  ' : 'FAIL', situation,
-        ...isRight ? [] : [`\n  heard  ${JSON.stringify(heard).slice(0, 600)}\n  wanted ${JSON.stringify(wanted).slice(0, 600)}`]);
-}
-
-async function open(file = 'page.html') {
-    await browser.open(`${server.origin}/${file}`);
-    await browser.send('DeviceAccess.enable');
-    browser.on('DeviceAccess.deviceRequestPrompted', ({ id, devices }) => {
-        if (!isChoosing) return browser.send('DeviceAccess.cancelPrompt', { id }).catch(() => {});
-        const [device] = devices;
-        if (device) browser.send('DeviceAccess.selectPrompt', { id, deviceId: device.id }).catch(() => {});
-    });
-    await expect('the page runs under its policy', 'ready');
-}
+import { pause, until } from './Browser.mjs';
+import { check, HostPage, run, startBluetoothd } from './HostPage.mjs';
 
 const colours = Array.from({ length: 500 }, (_, i) => (i * 2654435761 >>> 8).toString(16).padStart(6, '0'));
 const notify = hex => `notify 1f14 01${hex}`;
+const lose = () => pen.tell('lose');
+const pair = () => page.evaluate('_pair()');
+// What a page whose channel to its Bluetooth has ended sees of it.
+const silent = `void (BluetoothRemoteGATTCharacteristic.prototype.readValue = BluetoothRemoteGATTServer.prototype.connect =
+    Bluetooth.prototype.getAvailability = () => new Promise(() => {}))`;
+let pen, page;
 
-try {
-    await open();
+/** What is heard of a new link, which has come about when the host has subscribed to all. */
+async function link(situation, act, ...wanted) {
+    pen.calls.length = 0;
+    await act();
+    await page.expect(situation, ...wanted);
+    await pen.called('subscribe 1f17');
+}
 
-    isChoosing = false;
-    await browser.click('#choose');
-    await expect('the chooser is dismissed', 'User cancelled the requestDevice() chooser.');
+async function choice() {
+    page.isChoosing = false;
+    await page.choose();
+    await page.expect('the chooser is dismissed', 'User cancelled the requestDevice() chooser.');
+    page.isChoosing = true;
+    await page.choose('#allow');
+    await page.expect('a pen is chosen', 'chosen');
+    await pause(100);
+    await page.expect('which is not to connect it');
+    await link('it is paired', pair, 'connected', '#102030');
+}
 
-    isChoosing = true;
-    await browser.click('#choose');
-    await expect('a pen is chosen', 'chosen', 'connected', '#102030');
-    pen(...colours.map(notify));
-    await expect('500 colours come in order', ...colours.map(hex => `#${hex}`));
-    pen(notify('010203'), notify('010203'), notify('040506'), notify('010203'));
-    await expect('equal colours in a row are one', '#010203', '#040506', '#010203');
+async function values() {
+    pen.tell(...colours.map(notify));
+    await page.expect('500 colours come in order', ...colours.map(hex => `#${hex}`));
+    pen.tell(notify('010203'), notify('010203'), notify('040506'), notify('010203'));
+    await page.expect('equal colours in a row are one', '#010203', '#040506', '#010203');
+    pen.tell(notify('0a0b0c'), notify('0d0e0f'));
+    await page.evaluate('_battery()');
+    pen.tell(notify('a0b0c0'));
+    check('a read between notifications loses none of them', (await page.heard(4, 'values')).sort(),
+        ['#0a0b0c', '#0d0e0f', '#a0b0c0', 'battery 64']);
+    pen.tell('notify 1f14 01111213ffff', 'notify 1f14 011516');
+    await page.expect('a colour of too many bytes or too few is told', '#111213', '#151600');
+    for (const [bytes, level] of [['0140', '320'], ['7fffffffffffffff', '9223372036854775807'], ['40', '64']]) {
+        pen.tell(`read 1f17 ${bytes}`);
+        await page.evaluate('_battery()');
+        await page.expect('a battery level has as many bytes as it has', `battery ${level}`);
+    }
+}
 
-    await browser.evaluate('_battery()');
-    await expect('the battery is asked for', 'battery 64');
-    await browser.evaluate('_info()');
-    const [info] = await browser.evaluate('seen');
-    await expect('the pen has a name and an identifier', /^InkoraPen 7 [0-9A-F-]{36}$/.test(info) && info);
-    pen(notify('0a0b0c'), notify('0d0e0f'));
-    await browser.evaluate('_battery(), _proximity()');
-    pen(notify('a0b0c0'));
-    await until(() => browser.evaluate(`seen.length >= 4 && seen.sort()`), 'values');
-    await expect('a read between notifications loses none of them', '#0a0b0c', '#0d0e0f', '#a0b0c0', 'battery 64');
-
-    pen('lose');
-    await expect('without a reading the proximity asked for is that of the next scan, which is unknown',
+async function losses() {
+    await page.evaluate('_info()');
+    const [info] = await page.heard(1, 'information');
+    check('the pen has a name and an identifier', /^InkoraPen 7 [0-9A-F-]{36}$/.test(info), true);
+    await page.evaluate('_proximity()');
+    await link('without a reading the proximity asked for is that of the next scan, which is unknown', lose,
         'disconnected', 'proximity 127', 'connected', '#102030');
     for (let round = 0; round < 10; ++round) {
-        // A browser that waits for a subscription may not tell of the link's end.
-        await until(() => calls.at(-1) === 'subscribe 1f17', 'the last subscription');
-        pen('lose');
-        await expect('the pen is lost and found again', 'disconnected', 'connected', '#102030');
-        pen(notify(colours[round]));
-        await expect('and heard', `#${colours[round]}`);
+        await link('the pen is lost and found again', lose, 'disconnected', 'connected', '#102030');
+        pen.tell(notify(colours[round]));
+        await page.expect('and heard', `#${colours[round]}`);
     }
-    await browser.evaluate('_info()');
-    await expect('as the same pen', info);
-
-    await until(() => calls.at(-1) === 'subscribe 1f17', 'the last subscription');
-    pen('refuse 1', 'lose');
-    await expect('a pen that refuses every attempt is given up', 'disconnected', 'Device is failed to connect. 18');
-    pen('refuse 0');
-    await browser.evaluate('_pair()');
-    await expect('and is found by the next pairing', 'connected', '#102030');
-    await until(() => calls.at(-1) === 'subscribe 1f17', 'the last subscription');
-    pen('services 0', 'lose');
-    await expect('a pen without its service is connected all the same', 'disconnected', 'connected');
-    pen('services 1', 'lose');
-    await expect('until it has it', 'disconnected', 'connected', '#102030');
-
-    await browser.hide();
-    pen(...colours.map(notify));
-    await expect('a hidden page loses no colour', ...colours.map(hex => `#${hex}`));
-    await browser.show();
-
-    calls.length = 0;
-    await browser.navigate(`${server.origin}/page.html`);
-    await until(() => calls.includes('disconnect'), 'the end of the link of a page that is reloaded');
-    await expect('the page is loaded anew', 'ready');
-    await browser.evaluate('_pair()');
-    await expect('and finds the pen that it was allowed before', 'connected', '#102030');
-    await browser.evaluate('_stop()');
-    await expect('the host stops', 'disconnected');
-} catch (error) {
-    ++faults;
-    console.log('FAIL', error, calls);
-} finally {
-    await browser.close();
-    server.close();
-    bluetoothd.stdin.end();
-    bus.kill();
-    rmSync(folder, { recursive: true, force: true });
-    process.exit(faults ? 1 : 0);
+    await page.evaluate('_info()');
+    await page.expect('as the same pen', info);
 }
+
+async function refusals() {
+    pen.tell('refuse 1', 'lose');
+    await page.expect('a pen that refuses every attempt is given up', 'disconnected', 'Device is failed to connect. 18');
+    pen.tell('refuse 0');
+    await link('and is found by the next pairing', pair, 'connected', '#102030');
+    pen.tell('services 0', 'lose');
+    await page.expect('a pen without its service is connected all the same', 'disconnected', 'connected');
+    await link('until it has it', () => pen.tell('services 1', 'lose'), 'disconnected', 'connected', '#102030');
+}
+
+async function adapterOff() {
+    pen.tell('powered 0', 'lose');
+    await page.expect('without an adapter the link cannot come back', 'disconnected', 'Device is failed to connect. 18');
+    pen.tell('powered 1');
+    await link('it can with one', pair, 'connected', '#102030');
+}
+
+// What is under way when a link ends, or is given up.
+async function interruptions() {
+    pen.tell('hold subscribe', 'lose');
+    await page.expect('the pen is found again', 'disconnected', 'connected', '#102030');
+    await pen.called('subscribe 1f14');
+    pen.tell('lose', 'answer');
+    await link('the pen is lost while it is asked for its colours', () => {}, 'disconnected', 'connected', '#102030');
+    pen.tell('hold read', 'lose');
+    await page.expect('the pen is found again', 'disconnected', 'connected');
+    await pen.called('read 1f14');
+    pen.tell('lose', 'answer');
+    await link('the pen is lost while it is read', () => {}, 'disconnected', 'connected', '#102030');
+    pen.calls.length = 0;
+    await page.evaluate('_stop(), _pair()');
+    const heard = await until(() => page.evaluate(`seen.includes('#102030') && seen.splice(0)`), 'a link');
+    check('the host stops and pairs at once, which may meet the end of the old link',
+        /^disconnected,(connected,disconnected,)?connected,#102030$/.test(heard), true);
+    await pen.called('subscribe 1f17');
+
+    pen.tell('hold connect', 'lose');
+    await page.expect('the pen is lost', 'disconnected');
+    await pen.called('connect');
+    await page.evaluate('_stop()');
+    await page.expect('the host stops while the pen is connected', 'disconnected');
+    pen.tell('answer');
+    await pen.called('disconnect');
+    await link('and pairs', pair, 'connected', '#102030');
+}
+
+// The browser's channel to its Bluetooth ends when it is asked for something of a pen that is lost in the
+// same moment, which these losses bring about every second time; and then for certain.
+async function silence() {
+    for (let round = 0; round < 2; ++round) {
+        await page.evaluate(`void (window.asking = setInterval(() =>
+            seen.includes('disconnected') ? clearInterval(asking) : _battery(), 1))`);
+        await pause(20);
+        pen.calls.length = 0;
+        lose();
+        await pen.called('subscribe 1f17');
+        check('the pen is lost while much is asked, and found', (await page.heard(3, 'a link')).filter(line => !/battery/.test(line)),
+            ['disconnected', 'connected', '#102030']);
+    }
+    await page.reload();
+    await link('the page is linked', pair, 'connected', '#102030');
+    await page.evaluate(silent);
+    await link('a browser that falls silent is noticed, and left', () => page.evaluate('_battery()'),
+        'disconnected', 'connected', '#102030', 'battery 64');
+}
+
+// As most people have it: a page hears of no pen but by the chooser, and of none any more in a new frame.
+async function ordinaryBrowser() {
+    page = await HostPage.launch('--enable-features=WebBluetooth');
+    await page.open();
+    check('the browser keeps for itself what was chosen', await page.evaluate('navigator.bluetooth.getDevices'), undefined);
+    await link('a pen is chosen', () => page.choose(), 'chosen', 'connected', '#102030');
+    await page.evaluate(silent);
+    await page.evaluate('_battery()');
+    await page.expect('the browser falls silent, and has lost the pen', 'disconnected', 'Device is failed to connect. 18');
+    await link('which is chosen anew', () => page.choose(), 'chosen', 'connected', '#102030', 'battery 64');
+}
+
+async function twoTabs() {
+    const first = page.browser.session;
+    await page.open();
+    await pair();
+    await page.expect('a second page is linked', 'connected', '#102030');
+    const second = page.browser.session;
+    await pause(500);  // until it has subscribed, which the browser need not do twice
+    const both = async (situation, ...wanted) => {
+        for (page.browser.session of [first, second]) await page.expect(situation, ...wanted);
+    };
+    pen.tell(notify('717273'));
+    await both('both pages hear', '#717273');
+    lose();
+    await both('and lose the pen, and find it', 'disconnected', 'connected', '#102030');
+    await page.evaluate('_stop()');
+    await page.expect('the second page stops', 'disconnected');
+    page.browser.session = first;
+    pen.tell(notify('818283'));
+    await page.expect('the first one goes on', '#818283');
+    await page.browser.show();
+}
+
+async function hiddenPage() {
+    await page.browser.hide();
+    pen.tell(...colours.map(notify));
+    await page.expect('a hidden page loses no colour', ...colours.map(hex => `#${hex}`));
+    await page.browser.show();
+}
+
+async function reloading() {
+    pen.calls.length = 0;
+    await page.reload('page.html?hasty');
+    await pen.called('disconnect');
+    pen.tell('hold connect');
+    await pair();
+    await page.expect('an attempt to connect that is not answered ends', 'Device is failed to connect. 18');
+    pen.tell('answer');
+    await link('the pen that was allowed before is found', pair, 'connected', '#102030');
+    await page.evaluate('_battery(), _stop()');
+    lose();
+    await pause(100);
+    await page.expect('the host stops while the pen is read, and lost as well', 'disconnected');
+}
+
+// What stops a native process: the page goes on without the host, and hears of it once.
+async function fatalStops() {
+    const index = 'Fatal error: Index out of range';
+    const nothing = 'Fatal error: unexpectedly found nil while unwrapping an Optional value';
+    const byValue = (value, text) => [`${value || 'no'} bytes stop the host`, text, () => pen.tell(`notify ${value}`)];
+    const stops = [byValue('1f14', index), byValue('1f14 01', index), byValue('1f14 0110', index),
+        byValue('1f17', nothing), byValue('1f17 ffffffffffffffff', nothing), byValue('1f17 000000000000000001', nothing),
+        ['an abort without a word', undefined, () => page.evaluate('setTimeout(abort)').then(() => pen.tell(notify('01')))]];
+    for (const [situation, text, stop] of stops) {
+        await page.reload();
+        await link('a pen is linked', pair, 'connected', '#102030');
+        await stop();
+        await pen.called('disconnect');
+        await pause(100);  // in which it would be heard
+        const heard = (await page.heard(2, situation)).map(line => line.replace(/\(.*/, ''));
+        check(situation, heard, [...text ? [text] : [], 'Aborted', 'error Uncaught RuntimeError: Aborted']);
+    }
+}
+
+run(async () => {
+    pen = await startBluetoothd();
+    page = await HostPage.launch('--enable-experimental-web-platform-features');
+    await page.open();
+    for (const part of [choice, values, losses, refusals, adapterOff, interruptions, hiddenPage, twoTabs, silence, reloading,
+        fatalStops, ordinaryBrowser]) await part();
+});

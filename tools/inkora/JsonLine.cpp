@@ -2,8 +2,8 @@
 
 #include "Utf8.h"
 
-#include <array>
-#include <charconv>
+#include <InkoraKit/platform/NSNumber.h>
+
 #include <cmath>
 
 namespace InkoraTool {
@@ -41,9 +41,7 @@ JsonLine& JsonLine::add(std::string_view key, std::int64_t value) {
 
 JsonLine& JsonLine::add(std::string_view key, double value) {
     if (!std::isfinite(value)) return addRaw(key, "null");
-    std::array<char, 32> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    return addRaw(key, std::string_view(digits.data(), end));
+    return addRaw(key, InkoraKit::NSNumber(value).stringValue());
 }
 
 JsonLine& JsonLine::addRaw(std::string_view key, std::string_view value) {

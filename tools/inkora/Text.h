@@ -29,7 +29,7 @@ constexpr std::string_view takeLine(std::string_view& rest) {
 /// The text with small letters instead of ASCII's capitals.
 inline std::string lowered(std::string_view text) {
     std::string small(text);
-    std::ranges::transform(small, small.begin(), [](char c) {
+    std::transform(small.begin(), small.end(), small.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     return small;
@@ -47,7 +47,7 @@ std::optional<Number> numberFrom(std::string_view text, std::same_as<int> auto..
 
 /// The text as a shell takes it for one word.
 inline std::string shellWord(std::string_view text) {
-    const bool isPlain = std::ranges::all_of(text, [](unsigned char c) {
+    const bool isPlain = std::all_of(text.begin(), text.end(), [](unsigned char c) {
         return std::isalnum(c) != 0 ||
                std::string_view("_-./").find(static_cast<char>(c)) != std::string_view::npos;
     });

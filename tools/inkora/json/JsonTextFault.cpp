@@ -29,7 +29,7 @@ Place placeAt(std::string_view text, std::size_t offset) {
     const std::size_t lineBreak = before.rfind('\n');
     const std::size_t textStart = before.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     return {before.size(), lineBreak == std::string_view::npos ? textStart : lineBreak + 1,
-            std::ranges::count(before, '\n') + 1};
+            std::count(before.begin(), before.end(), '\n') + 1};
 }
 
 /// How the reader ends its reason where it read the text as UTF-8.

@@ -49,4 +49,17 @@ double contrast(const Colour& one, const Colour& other) {
     return (lighter + 0.05) / (darker + 0.05);
 }
 
+std::string contrastText(double ratio) {
+    constexpr double rounding = 1e-6;  // far above the errors of the sums before, which may be low
+    const auto hundredths = std::to_string(std::lround(std::floor(ratio * 100 + rounding)));
+    const std::size_t whole = hundredths.size() - 2;
+    return hundredths.substr(0, whole) + '.' + hundredths.substr(whole) + " : 1";
+}
+
+std::string_view contrastLevel(double ratio) {
+    if (ratio >= 7) return "AAA";
+    if (ratio >= 4.5) return "AA";
+    return ratio >= 3 ? "large text" : "too low";
+}
+
 }  // namespace InkoraTool

@@ -23,4 +23,11 @@ double linear(std::uint8_t component);
 /// The contrast ratio of WCAG 2.x, from 1 to 21, by the relative luminance of both.
 double contrast(const Colour& one, const Colour& other);
 
+/// `8.33 : 1`. Rounded down: a ratio that misses a level does not look as if it reached it.
+std::string contrastText(double ratio);
+
+/// What such a contrast is enough for: WCAG 2.x asks for 4.5 (AA) and 7 (AAA) of text, and for 3 of
+/// large text.
+std::string_view contrastLevel(double ratio);
+
 }  // namespace InkoraTool

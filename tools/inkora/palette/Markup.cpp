@@ -15,7 +15,8 @@ using Escapes = std::initializer_list<std::pair<char, std::string_view>>;
 std::string escapedText(std::string_view text, Escapes escapes) {
     std::string escaped;
     for (const char c : text) {
-        const auto* const found = std::ranges::find(escapes, c, &Escapes::value_type::first);
+        const auto* const found = std::find_if(
+            escapes.begin(), escapes.end(), [c](const auto& escape) { return escape.first == c; });
         if (found == escapes.end()) {
             escaped += c;
         } else {

@@ -14,7 +14,9 @@ std::size_t NearestColour::operator()(const Colour& colour) const {
     const auto distance = [wanted = labOf(colour)](const Lab& lab) {
         return std::hypot(lab.lightness - wanted.lightness, lab.a - wanted.a, lab.b - wanted.b);
     };
-    const auto nearest = std::ranges::min_element(labs_, {}, distance);
+    const auto nearest = std::min_element(
+        labs_.begin(), labs_.end(),
+        [distance](const Lab& one, const Lab& other) { return distance(one) < distance(other); });
     return static_cast<std::size_t>(std::distance(labs_.begin(), nearest));
 }
 

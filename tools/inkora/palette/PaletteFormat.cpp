@@ -4,6 +4,7 @@
 #include "palette/formats/Formats.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace InkoraTool {
 namespace {
@@ -22,8 +23,9 @@ std::span<const PaletteFormat> paletteFormats() {
 
 const PaletteFormat* paletteFormatOf(std::string_view file) {
     const std::string name = lowered(file);
-    const auto* const found = std::ranges::find_if(
-        formats, [&](const PaletteFormat& format) { return name.ends_with(format.ending); });
+    const auto* const found =
+        std::find_if(std::begin(formats), std::end(formats),
+                     [&](const PaletteFormat& format) { return name.ends_with(format.ending); });
     return found == std::end(formats) ? nullptr : found;
 }
 

@@ -99,7 +99,9 @@ NearestColour nearestOfWebColours() {
 }  // namespace
 
 const WebColour* webColourNamed(std::string_view name) {
-    const auto* const named = std::ranges::find(webColours, lowered(name), &WebColour::name);
+    const auto* const named = std::find_if(
+        std::begin(webColours), std::end(webColours),
+        [wanted = lowered(name)](const WebColour& colour) { return colour.name == wanted; });
     return named == std::end(webColours) ? nullptr : named;
 }
 

@@ -5,6 +5,18 @@ mergeInto(LibraryManager.library, {
         isAwake: false,
         channel: null,
         timer: 0,
+
+        // The page goes on when the program was aborted, and calls it no more. Who listens for that has
+        // heard of it.
+        turn: function () {
+            try {
+                if (!ABORT) return _inkora_loop_turn();
+            } catch (error) {
+                if (!ABORT || !Module['onAbort']) throw error;
+            }
+            clearTimeout(inkoraLoop.timer);
+            if (inkoraLoop.channel) inkoraLoop.channel.port1.close();
+        },
     },
 
     inkora_loop_wake__deps: ['$inkoraLoop'],
@@ -15,7 +27,7 @@ mergeInto(LibraryManager.library, {
             inkoraLoop.channel = new MessageChannel();
             inkoraLoop.channel.port1.onmessage = () => {
                 inkoraLoop.isAwake = false;
-                _inkora_loop_turn();
+                inkoraLoop.turn();
             };
         }
         inkoraLoop.channel.port2.postMessage(0);
@@ -34,7 +46,7 @@ mergeInto(LibraryManager.library, {
         };
         const ring = () => {
             sleep();
-            _inkora_loop_turn();
+            inkoraLoop.turn();
         };
         sleep();
     },

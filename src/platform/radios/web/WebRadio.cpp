@@ -1,8 +1,10 @@
 #include "platform/radios/web/WebRadio.h"
 
 #include "platform/bluetooth/RadioErrors.h"
+#include "platform/foundation/process/ProcessEnd.h"
 
 #include <algorithm>
+#include <mutex>
 #include <span>
 #include <utility>
 
@@ -10,6 +12,7 @@
 extern "C" {
 void inkora_web_start(InkoraKit::WebRadio* radio);
 void inkora_web_stop(InkoraKit::WebRadio* radio);
+void inkora_web_end();  // stops all radios
 void inkora_web_scan(InkoraKit::WebRadio* radio, bool on);
 void inkora_web_connect(InkoraKit::WebRadio* radio, int pen);
 void inkora_web_disconnect(int pen);
@@ -33,6 +36,9 @@ WebRadio::~WebRadio() {
 
 void WebRadio::start(RadioListener& listener) {
     listener_ = &listener;
+    // The page goes on when the program does not, and with it the links.
+    static std::once_flag isRegistered;
+    std::call_once(isRegistered, [] { atProcessEnd(inkora_web_end); });
     inkora_web_start(this);
 }
 
@@ -127,8 +133,8 @@ extern "C" {
                                       const char* name, int rssi, int txPower) {
     UUID::Bytes bytes;
     std::copy_n(identifier, bytes.size(), bytes.begin());
-    Sighting sighting{
-        .identifier = UUID(bytes), .advertisement = {.localName = name}, .rssi = rssi};
+    Sighting sighting{.identifier = UUID(bytes), .rssi = rssi};
+    if (name) sighting.advertisement.localName = name;
     if (txPower != unknownTxPower) sighting.advertisement.txPowerLevel = txPower;
     radio->sighted(pen, std::move(sighting));
 }

@@ -1,11 +1,16 @@
 // Web Bluetooth, as WebRadio.cpp sees it. Pens are numbers here: places in `pens`, which all radios of
-// the page share, as they share what the person has chosen.
+// the page share, as they share what the person has chosen. Nothing is taken out of a bare variable as
+// `const { device } = pen` does: optimized, Emscripten 3.1.6 drops that.
 mergeInto(LibraryManager.library, {
     $inkoraWeb: {
-        radios: {},  // by address: whether the radio scans
-        // {device, link, wasHere}: the link is there from the attempt to connect on; the person has
-        // chosen the pen in this page, or it has been connected.
+        // {over, scan, look}, by address: what ends with the radio and with its scan, if there is one,
+        // and how to learn its state.
+        radios: {},
+        // {device, link, wasHere, isForgotten}: the link is there from the attempt to connect on; the
+        // person has chosen the pen in this page, or it has been connected; the browser has forgotten it.
         pens: [],
+        // Whose Bluetooth is used if not the page's own.
+        frame: null,
 
         // What the browser lets be asked of a chosen pen.
         service: 0x1f1f,
@@ -18,9 +23,21 @@ mergeInto(LibraryManager.library, {
         retryPause: 250,
         // A pen allowed on another day may be far away: those that are heard come first.
         hearingTime: 2000,
+        // What the browser answers by itself it answers at once.
+        answerTime: 2000,
+        // Bluetooth Core Specification, Vol 3, F, 3.3.3: a pen that answers later has been lost.
+        requestTime: 30000,
 
-        // Calls `to` with texts and bytes put on the stack for as long as it lasts.
+        // In so many milliseconds; never, if the signal comes first.
+        after: (milliseconds, signal) => new Promise(done => {
+            const timer = setTimeout(done, milliseconds);
+            signal.addEventListener('abort', () => clearTimeout(timer));
+        }),
+
+        // Calls `to` with texts and bytes put on the stack for as long as it lasts. A program that has
+        // been aborted is not called any more.
         tell: function (to, ...values) {
+            if (ABORT) return inkoraWeb.end();
             const top = stackSave();
             const room = value => {
                 const bytes = typeof value === 'string' ? [...new TextEncoder().encode(value), 0] : value;
@@ -34,6 +51,41 @@ mergeInto(LibraryManager.library, {
             } finally {
                 stackRestore(top);
             }
+        },
+
+        bluetooth: () => (inkoraWeb.frame ? inkoraWeb.frame.contentWindow : window).navigator.bluetooth,
+
+        // Chromium (156) closes a page's channel to its Bluetooth when it is asked for something of a pen
+        // that is lost in the same moment: no request is answered any more then, and no event comes.
+        isDeaf: () => Promise.race([inkoraWeb.bluetooth().getAvailability().then(() => false, () => false),
+            new Promise(done => setTimeout(done, inkoraWeb.answerTime, true))]),
+
+        // What the browser answers to a request; an error once it cannot be expected any more.
+        answerTo: function (request) {
+            const answered = new AbortController();
+            const giveUp = async () => {
+                for (let time = 0; time < inkoraWeb.requestTime; time += inkoraWeb.answerTime) {
+                    await inkoraWeb.after(inkoraWeb.answerTime, answered.signal);
+                    if (await inkoraWeb.isDeaf()) break;
+                }
+                throw new DOMException('The browser does not answer.', 'TimeoutError');
+            };
+            return Promise.race([request, giveUp()]).finally(() => answered.abort());
+        },
+
+        // A new frame has a channel of its own.
+        renew: async function () {
+            inkoraWeb.leaveFrame();
+            const frame = inkoraWeb.frame = document.createElement('iframe');
+            frame.hidden = true;
+            document.documentElement.append(frame);
+            for (const pen of inkoraWeb.pens) pen.isForgotten = true;
+            await inkoraWeb.remember();
+        },
+
+        leaveFrame: function () {
+            if (inkoraWeb.frame) inkoraWeb.frame.remove();
+            inkoraWeb.frame = null;
         },
 
         bytesOf: view => new Uint8Array(view.buffer, view.byteOffset, view.byteLength),
@@ -56,38 +108,73 @@ mergeInto(LibraryManager.library, {
         // The number of a device.
         add: function (device) {
             const known = inkoraWeb.pens.findIndex(pen => pen.device.id === device.id);
-            if (known >= 0) return known;
-            const pen = inkoraWeb.pens.push({ device, link: null, wasHere: false }) - 1;
-            device.addEventListener('gattserverdisconnected', () => inkoraWeb.ended(pen));
-            device.addEventListener('advertisementreceived', event => inkoraWeb.sight(pen, event));
-            return pen;
+            if (known < 0) return inkoraWeb.pens.push({ device, link: null, wasHere: false, isForgotten: false }) - 1;
+            Object.assign(inkoraWeb.pens[known], { device, isForgotten: false });
+            return known;
         },
 
-        sight: function (pen, { rssi, txPower, name, uuids } = {}) {
-            const device = inkoraWeb.pens[pen].device;
-            if (!name && !device.name) return;
-            for (const radio of Object.keys(inkoraWeb.radios).map(Number)) {
-                if (!inkoraWeb.radios[radio]) continue;
-                for (const uuid of uuids || []) inkoraWeb.tell(_inkora_web_item, radio, uuid, 0, 0);
-                inkoraWeb.tell(_inkora_web_sighted, radio, pen, inkoraWeb.identifierOf(device.id),
-                    name || device.name, rssi == null ? 127 : rssi, txPower == null ? 127 : txPower);
-            }
+        // Adds what the person has allowed on other days, too, where the browser tells it.
+        remember: async function () {
+            const bluetooth = inkoraWeb.bluetooth();
+            const devices = bluetooth.getDevices ? await bluetooth.getDevices().catch(() => []) : [];
+            return devices.map(inkoraWeb.add);
+        },
+
+        sight: function (radio, pen, { rssi, txPower, name, uuids } = {}) {
+            const { device, isForgotten } = inkoraWeb.pens[pen];
+            if (isForgotten) return;
+            for (const uuid of uuids || []) inkoraWeb.tell(_inkora_web_item, radio, uuid, 0, 0);
+            inkoraWeb.tell(_inkora_web_sighted, radio, pen, inkoraWeb.identifierOf(device.id),
+                name || device.name, rssi == null ? 127 : rssi, txPower == null ? 127 : txPower);
+        },
+
+        // Has the radio hear the pen's advertisements until its scan ends, where the browser can.
+        hear: function (radio, pen) {
+            const { device } = inkoraWeb.pens[pen];
+            const { signal } = inkoraWeb.radios[radio].scan;
+            device.addEventListener('advertisementreceived', event => inkoraWeb.sight(radio, pen, event), { signal });
+            if (device.watchAdvertisements) device.watchAdvertisements({ signal }).catch(() => {});
         },
 
         // Shows what is near for all that is known at once; what else the person has allowed when it is
         // heard, or in a while, since not every system lets it be heard.
         scan: async function (radio) {
+            inkoraWeb.stopScan(radio);
+            const { signal } = inkoraWeb.radios[radio].scan = new AbortController();
             const show = here => inkoraWeb.pens.forEach(({ wasHere }, pen) => {
-                if (wasHere === here) inkoraWeb.sight(pen);
+                if (wasHere === here) inkoraWeb.sight(radio, pen);
             });
             show(true);
-            if (!navigator.bluetooth.getDevices) return;
-            for (const device of await navigator.bluetooth.getDevices().catch(() => [])) {
-                inkoraWeb.add(device);
-                if (device.watchAdvertisements && !device.watchingAdvertisements)
-                    device.watchAdvertisements().catch(() => {});
-            }
-            setTimeout(() => inkoraWeb.radios[radio] && show(false), inkoraWeb.hearingTime);
+            const pens = await inkoraWeb.remember();
+            if (signal.aborted) return;
+            for (const pen of pens) inkoraWeb.hear(radio, pen);
+            inkoraWeb.after(inkoraWeb.hearingTime, signal).then(() => show(false));
+        },
+
+        stopScan: function (radio) {
+            const { scan } = inkoraWeb.radios[radio];
+            if (scan) scan.abort();
+            inkoraWeb.radios[radio].scan = null;
+        },
+
+        // Without a word: who asks for it knows.
+        letGo: function (radio) {
+            inkoraWeb.stopScan(radio);
+            inkoraWeb.pens.forEach(({ link }, pen) => {
+                if (link && link.radio === radio) inkoraWeb.drop(pen);
+            });
+        },
+
+        stop: function (radio) {
+            if (!(radio in inkoraWeb.radios)) return;
+            inkoraWeb.letGo(radio);
+            inkoraWeb.radios[radio].over.abort();
+            delete inkoraWeb.radios[radio];
+        },
+
+        end: function () {
+            Object.keys(inkoraWeb.radios).map(Number).forEach(inkoraWeb.stop);
+            inkoraWeb.leaveFrame();
         },
 
         // Finds all that the pen has, which may fail in a link's first moments: what is told of later
@@ -110,75 +197,79 @@ mergeInto(LibraryManager.library, {
         },
 
         connect: async function (radio, pen) {
-            const { device } = inkoraWeb.pens[pen];
-            const link = { radio, isUp: false, retries: inkoraWeb.retries, queue: Promise.resolve() };
+            const over = new AbortController();
+            const signal = over.signal;
+            const link = { radio, over, isUp: false, retries: inkoraWeb.retries, queue: Promise.resolve() };
             inkoraWeb.pens[pen].link = link;
-            const isOver = () => inkoraWeb.pens[pen].link !== link;
             const fail = text => {
-                if (isOver()) return;
-                inkoraWeb.pens[pen].link = null;
-                device.gatt.disconnect();
+                inkoraWeb.drop(pen);
                 inkoraWeb.tell(_inkora_web_failed, radio, pen, text);
             };
-            const limit = setTimeout(fail, inkoraWeb.connectTime, 'The connection could not be established in time.');
-            for (;;) {
+            inkoraWeb.after(inkoraWeb.connectTime, signal).then(
+                () => link.isUp || fail('The connection could not be established in time.'));
+            while (!link.isUp) {
+                if (await inkoraWeb.isDeaf()) await inkoraWeb.renew();
+                if (signal.aborted) return;
+                const { device, isForgotten } = inkoraWeb.pens[pen];
+                if (isForgotten) return fail('The browser has lost the pen, which has to be chosen anew.');
                 try {
-                    const server = await device.gatt.connect();
-                    if (isOver()) {
-                        if (!inkoraWeb.pens[pen].link) device.gatt.disconnect();  // it came too late
-                        break;
-                    }
-                    await inkoraWeb.furnish(link, server);
-                    if (isOver() || device.gatt.connected) break;
-                    throw new DOMException('The link was lost before its services were known.', 'NetworkError');
+                    const server = await inkoraWeb.answerTo(device.gatt.connect());
+                    if (signal.aborted && !inkoraWeb.pens[pen].link) device.gatt.disconnect();  // it came too late
+                    if (signal.aborted) return;
+                    await inkoraWeb.answerTo(inkoraWeb.furnish(link, server));
+                    if (signal.aborted) return;
+                    if (!device.gatt.connected)
+                        throw new DOMException('The link was lost before its services were known.', 'NetworkError');
                 } catch (error) {
-                    if (isOver()) break;
-                    if (link.retries-- === 0) {
-                        clearTimeout(limit);
-                        return fail(error.message);
-                    }
-                    await new Promise(done => setTimeout(done, inkoraWeb.retryPause));
-                    if (isOver()) break;
+                    if (signal.aborted) return;
+                    if (link.retries-- === 0) return fail(error.message);
+                    await inkoraWeb.after(inkoraWeb.retryPause, signal);
+                    continue;
                 }
+                // An attempt learns of its end from what it waits for.
+                device.addEventListener('gattserverdisconnected', () => inkoraWeb.lost(pen), { signal });
+                link.isUp = true;
             }
-            clearTimeout(limit);
-            if (isOver()) return;
-            link.isUp = true;
             inkoraWeb.pens[pen].wasHere = true;
             inkoraWeb.tell(_inkora_web_connected, radio, pen);
         },
 
-        disconnect: function (pen) {
+        drop: function (pen) {
             const { device, link } = inkoraWeb.pens[pen];
-            if (!link) return;
             inkoraWeb.pens[pen].link = null;
+            link.over.abort();
             device.gatt.disconnect();
-            if (link.isUp) _inkora_web_disconnected(link.radio, pen, true);
         },
 
-        // The browser's word that a link has ended; an attempt learns it from what it waits for.
-        ended: function (pen) {
+        disconnect: function (pen) {
             const { link } = inkoraWeb.pens[pen];
-            if (!link || !link.isUp) return;
-            inkoraWeb.pens[pen].link = null;
-            _inkora_web_disconnected(link.radio, pen, false);
+            if (!link) return;
+            inkoraWeb.drop(pen);
+            if (link.isUp) inkoraWeb.tell(_inkora_web_disconnected, link.radio, pen, true);
+        },
+
+        lost: function (pen) {
+            const { link } = inkoraWeb.pens[pen];
+            inkoraWeb.drop(pen);
+            inkoraWeb.tell(_inkora_web_disconnected, link.radio, pen, false);
         },
 
         // Asks the pen for one thing after the other. Nothing is answered once the link has ended.
         ask: function (pen, request, answer) {
             const { device, link } = inkoraWeb.pens[pen];
             if (!link) return;
-            const isUp = () => inkoraWeb.pens[pen].link === link;
+            const { signal } = link.over;
             link.queue = link.queue.then(async () => {
-                if (!isUp()) return;
+                if (signal.aborted) return;
                 let value, text = null;
                 try {
-                    value = await request(link);
+                    value = await inkoraWeb.answerTo(request(link));
                 } catch (error) {
-                    if (!device.gatt.connected) return inkoraWeb.ended(pen);
+                    const isLost = error.name === 'TimeoutError' || !device.gatt.connected;
+                    if (isLost && !signal.aborted) inkoraWeb.lost(pen);
                     text = error.message;
                 }
-                if (isUp()) answer(link.radio, value, text);
+                if (!signal.aborted) answer(link.radio, value, text);
             });
         },
 
@@ -202,12 +293,12 @@ mergeInto(LibraryManager.library, {
 
         subscribe: function (pen, handle, link, on) {
             const thing = link.things[handle];
-            const { characteristic } = thing;
+            const characteristic = thing.characteristic;
             const unlisten = () => characteristic.removeEventListener('characteristicvaluechanged', thing.listener);
             if (!on) return characteristic.stopNotifications().then(unlisten);
             unlisten();
             thing.notify = value => {
-                if (inkoraWeb.pens[pen].link !== link) return;
+                if (link.over.signal.aborted) return;
                 const bytes = inkoraWeb.bytesOf(value);
                 inkoraWeb.tell(_inkora_web_notified, link.radio, pen, handle, bytes, bytes.length);
             };
@@ -225,33 +316,38 @@ mergeInto(LibraryManager.library, {
     inkora_web_start__deps: ['$inkoraWeb', 'stackSave', 'stackAlloc', 'stackRestore'],
     inkora_web_start: function (radio) {
         const unsupported = 2, unauthorized = 3, poweredOn = 5;
-        const { radios } = inkoraWeb;
+        const over = new AbortController();
         const bluetooth = typeof navigator === 'undefined' ? undefined : navigator.bluetooth;
-        radios[radio] = false;
-        const tell = state => radio in radios && _inkora_web_state(radio, state, bluetooth !== undefined);
+        const tell = state => {
+            if (over.signal.aborted) return;
+            if (state !== poweredOn) inkoraWeb.letGo(radio);
+            inkoraWeb.tell(_inkora_web_state, radio, state, bluetooth !== undefined);
+        };
+        const look = () => inkoraWeb.bluetooth().getAvailability().then(is => tell(is ? poweredOn : unsupported),
+            error => tell(error.name === 'SecurityError' ? unauthorized : unsupported));
+        inkoraWeb.radios[radio] = { over, scan: null, look };
         if (!bluetooth) return tell(unsupported);
         const policy = document.featurePolicy;
         if (policy && !policy.allowsFeature('bluetooth')) return tell(unauthorized);
-        const look = () => bluetooth.getAvailability().then(is => tell(is ? poweredOn : unsupported),
-            error => tell(error.name === 'SecurityError' ? unauthorized : unsupported));
-        if ('onavailabilitychanged' in bluetooth) bluetooth.addEventListener('availabilitychanged', look);
+        if ('onavailabilitychanged' in bluetooth)
+            bluetooth.addEventListener('availabilitychanged', look, { signal: over.signal });
         look();
     },
 
     inkora_web_stop__deps: ['$inkoraWeb'],
     inkora_web_stop: function (radio) {
-        delete inkoraWeb.radios[radio];
-        for (const pen of inkoraWeb.pens) {
-            if (!pen.link || pen.link.radio !== radio) continue;
-            pen.link = null;
-            pen.device.gatt.disconnect();
-        }
+        inkoraWeb.stop(radio);
+    },
+
+    inkora_web_end__deps: ['$inkoraWeb'],
+    inkora_web_end: function () {
+        inkoraWeb.end();
     },
 
     inkora_web_scan__deps: ['$inkoraWeb'],
     inkora_web_scan: function (radio, on) {
-        inkoraWeb.radios[radio] = on !== 0;
         if (on) inkoraWeb.scan(radio);
+        else inkoraWeb.stopScan(radio);
     },
 
     inkora_web_connect__deps: ['$inkoraWeb'],
@@ -268,7 +364,7 @@ mergeInto(LibraryManager.library, {
     inkora_web_discover_services: function (pen) {
         inkoraWeb.ask(pen, link => link.services, (radio, services) => {
             services.forEach((uuid, handle) => inkoraWeb.tell(_inkora_web_item, radio, uuid, handle, 0));
-            _inkora_web_services(radio, pen);
+            inkoraWeb.tell(_inkora_web_services, radio, pen);
         });
     },
 
@@ -278,7 +374,7 @@ mergeInto(LibraryManager.library, {
             things.forEach(({ characteristic: { uuid, properties }, of }, handle) => {
                 if (of === service) inkoraWeb.tell(_inkora_web_item, radio, uuid, handle, inkoraWeb.bitsOf(properties));
             });
-            _inkora_web_characteristics(radio, pen, service);
+            inkoraWeb.tell(_inkora_web_characteristics, radio, pen, service);
         });
     },
 
@@ -297,14 +393,21 @@ mergeInto(LibraryManager.library, {
     // To be called while a person's gesture lasts.
     inkora_web_choose__deps: ['$inkoraWeb'],
     inkora_web_choose: function (chosen) {
-        const { filters, service } = inkoraWeb;
+        const filters = inkoraWeb.filters, service = inkoraWeb.service;
         const refused = error => inkoraWeb.tell(_inkora_web_chosen, chosen, error.message);
-        if (!navigator.bluetooth) return void setTimeout(refused, 0, new Error('This browser has no Web Bluetooth.'));
-        navigator.bluetooth.requestDevice({ filters, optionalServices: [service] }).then(device => {
+        const bluetooth = inkoraWeb.bluetooth();
+        if (!bluetooth) return void setTimeout(refused, 0, new Error('This browser has no Web Bluetooth.'));
+        bluetooth.requestDevice({ filters, optionalServices: [service] }).then(async device => {
             const pen = inkoraWeb.add(device);
             inkoraWeb.pens[pen].wasHere = true;
-            inkoraWeb.sight(pen);
-            _inkora_web_chosen(chosen, 0);
+            // The chooser knows an adapter that has come since the radio looked.
+            await Promise.all(Object.values(inkoraWeb.radios).map(({ look }) => look()));
+            for (const radio of Object.keys(inkoraWeb.radios).map(Number)) {
+                if (!inkoraWeb.radios[radio].scan) continue;
+                inkoraWeb.hear(radio, pen);
+                inkoraWeb.sight(radio, pen);
+            }
+            inkoraWeb.tell(_inkora_web_chosen, chosen, null);
         }, refused);
     },
 });

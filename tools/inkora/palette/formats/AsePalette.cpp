@@ -3,9 +3,9 @@
 #include "palette/formats/Formats.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace InkoraTool {
 namespace {
@@ -16,6 +16,15 @@ constexpr std::string_view aseSignature = "ASEF";
 constexpr std::uint16_t aseVersion = 1;
 constexpr std::uint16_t aseColour = 0x0001;
 constexpr std::uint16_t aseNormal = 2;  // neither global nor a spot colour
+
+/// A number of another type, of the same bits.
+template <class To, class From>
+To sameBits(From from) {
+    static_assert(sizeof(To) == sizeof from);
+    To to;
+    std::memcpy(&to, &from, sizeof to);
+    return to;
+}
 
 template <class Number>
 void appendBig(std::string& bytes, Number number) {
@@ -66,7 +75,7 @@ std::string blockOf(const Swatch& swatch) {
     for (const char16_t unit : name) appendBig(contents, static_cast<std::uint16_t>(unit));
     contents += "RGB ";
     for (const std::uint8_t component : swatch.colour)
-        appendBig(contents, std::bit_cast<std::uint32_t>(static_cast<float>(component) / 255));
+        appendBig(contents, sameBits<std::uint32_t>(static_cast<float>(component) / 255));
     appendBig(contents, aseNormal);
     std::string block;
     appendBig(block, aseColour);
@@ -106,7 +115,7 @@ public:
     }
 
     float component() {
-        const auto value = std::bit_cast<float>(number<std::uint32_t>());
+        const auto value = sameBits<float>(number<std::uint32_t>());
         if (!std::isfinite(value)) throw fault("a component before this is no number");
         return value;
     }

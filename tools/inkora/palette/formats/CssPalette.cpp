@@ -50,7 +50,7 @@ private:
 
 std::string commentText(const std::string& text) {
     std::string safe = printableText(text);
-    std::ranges::replace(safe, '*', '-');  // or else it might end the comment
+    std::replace(safe.begin(), safe.end(), '*', '-');  // or else it might end the comment
     return safe;
 }
 
@@ -119,7 +119,8 @@ private:
 
     PaletteFault fault(const std::string& reason) const {
         const std::string_view before = code_.substr(0, start_);
-        return faultInLine(static_cast<std::size_t>(std::ranges::count(before, '\n')) + 1, reason);
+        const auto lines = std::count(before.begin(), before.end(), '\n');
+        return faultInLine(static_cast<std::size_t>(lines) + 1, reason);
     }
 
     std::string_view code_;

@@ -1,8 +1,6 @@
 #include "palette/Markup.h"
 #include "palette/formats/Formats.h"
 
-#include <cmath>
-
 namespace InkoraTool {
 namespace {
 
@@ -88,18 +86,9 @@ std::string rgbText(const Colour& colour) {
     return text + ')';
 }
 
-// Rounded down: a ratio that misses a level does not look as if it reached it. WCAG 2.x asks for
-// 4.5 (AA) and 7 (AAA) of text, and for 3 of large text.
 std::string contrastRow(const std::string& what, double ratio) {
-    constexpr double rounding = 1e-6;  // far above the errors of the sums before, which may be low
-    const auto hundredths = std::to_string(std::lround(std::floor(ratio * 100 + rounding)));
-    const std::size_t whole = hundredths.size() - 2;
-    const std::string_view level = ratio >= 7     ? "AAA"
-                                   : ratio >= 4.5 ? "AA"
-                                   : ratio >= 3   ? "large text"
-                                                  : "too low";
-    return "<dt>" + what + "</dt><dd>" + hundredths.substr(0, whole) + '.' +
-           hundredths.substr(whole) + " : 1</dd><dd>" + std::string(level) + "</dd>\n";
+    return "<dt>" + what + "</dt><dd>" + contrastText(ratio) + "</dd><dd>" +
+           std::string(contrastLevel(ratio)) + "</dd>\n";
 }
 
 std::string articleOf(const Swatch& swatch) {
