@@ -121,17 +121,24 @@ async function silence() {
         await page.evaluate(`void (window.asking = setInterval(() =>
             seen.includes('disconnected') ? clearInterval(asking) : _battery(), 1))`);
         await pause(20);
-        pen.calls.length = 0;
         lose();
-        await pen.called('subscribe 1f17');
-        check('the pen is lost while much is asked, and found', (await page.heard(3, 'a link')).filter(line => !/battery/.test(line)),
-            ['disconnected', 'connected', '#102030']);
+        const heard = await until(async () => {
+            pen.tell(notify(colours[round]));  // which is heard once the host has subscribed
+            return page.evaluate(`seen.includes('#${colours[round]}') && seen.splice(0)`);
+        }, 'a colour');
+        check('the pen is lost while much is asked, found and heard', heard.filter(line => !/battery/.test(line)),
+            ['disconnected', 'connected', '#102030', `#${colours[round]}`]);
     }
+    // Frames that were left subscribe to the pen yet, so that bluetoothd is not asked to any more.
     await page.reload();
-    await link('the page is linked', pair, 'connected', '#102030');
+    pen.calls.length = 0;
+    await pair();
+    await page.expect('the page is linked', 'connected', '#102030');
+    await pen.called('read 1f17');
+    await pause(100);  // until it is answered
     await page.evaluate(silent);
-    await link('a browser that falls silent is noticed, and left', () => page.evaluate('_battery()'),
-        'disconnected', 'connected', '#102030', 'battery 64');
+    await page.evaluate('_battery()');
+    await page.expect('a browser that falls silent is noticed, and left', 'disconnected', 'connected', '#102030', 'battery 64');
 }
 
 // As most people have it: a page hears of no pen but by the chooser, and of none any more in a new frame.

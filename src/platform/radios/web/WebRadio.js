@@ -291,12 +291,15 @@ mergeInto(LibraryManager.library, {
             }
         },
 
-        subscribe: function (pen, handle, link, on) {
+        subscribe: async function (pen, handle, link, on) {
             const thing = link.things[handle];
             const characteristic = thing.characteristic;
             const unlisten = () => characteristic.removeEventListener('characteristicvaluechanged', thing.listener);
-            if (!on) return characteristic.stopNotifications().then(unlisten);
+            // bluetoothd keeps subscriptions from link to link, and Chromium (156) then tells the values to
+            // the last link's characteristic, whatever is asked of this one's: they are ended first.
+            await characteristic.stopNotifications();
             unlisten();
+            if (!on) return;
             thing.notify = value => {
                 if (link.over.signal.aborted) return;
                 const bytes = inkoraWeb.bytesOf(value);
@@ -305,7 +308,7 @@ mergeInto(LibraryManager.library, {
             thing.listener = ({ target }) =>
                 link.heldFor === thing ? thing.held.push(target.value) : thing.notify(target.value);
             characteristic.addEventListener('characteristicvaluechanged', thing.listener);
-            return characteristic.startNotifications().catch(error => {
+            await characteristic.startNotifications().catch(error => {
                 unlisten();
                 throw error;
             });
