@@ -117,6 +117,8 @@ async function interruptions() {
 // The browser's channel to its Bluetooth ends when it is asked for something of a pen that is lost in the
 // same moment, which these losses bring about every second time; and then for certain.
 async function silence() {
+    await page.reload();
+    await link('a pen is linked', pair, 'connected', '#102030');
     for (let round = 0; round < 2; ++round) {
         await page.evaluate(`void (window.asking = setInterval(() =>
             seen.includes('disconnected') ? clearInterval(asking) : _battery(), 1))`);
@@ -129,7 +131,7 @@ async function silence() {
         check('the pen is lost while much is asked, found and heard', heard.filter(line => !/battery/.test(line)),
             ['disconnected', 'connected', '#102030', `#${colours[round]}`]);
     }
-    // Frames that were left subscribe to the pen yet, so that bluetoothd is not asked to any more.
+    // Frames that fell silent are subscribed yet, so that bluetoothd is not asked for it any more.
     await page.reload();
     pen.calls.length = 0;
     await pair();
@@ -150,7 +152,8 @@ async function ordinaryBrowser() {
     await page.evaluate(silent);
     await page.evaluate('_battery()');
     await page.expect('the browser falls silent, and has lost the pen', 'disconnected', 'Device is failed to connect. 18');
-    await link('which is chosen anew', () => page.choose(), 'chosen', 'connected', '#102030', 'battery 64');
+    await page.choose();
+    await page.expect('which is chosen anew', 'chosen', 'connected', '#102030', 'battery 64');
 }
 
 async function twoTabs() {
@@ -169,6 +172,7 @@ async function twoTabs() {
     await both('and lose the pen, and find it', 'disconnected', 'connected', '#102030');
     await page.evaluate('_stop()');
     await page.expect('the second page stops', 'disconnected');
+    await page.browser.send('Page.close');
     page.browser.session = first;
     pen.tell(notify('818283'));
     await page.expect('the first one goes on', '#818283');
@@ -220,6 +224,6 @@ run(async () => {
     pen = await startBluetoothd();
     page = await HostPage.launch('--enable-experimental-web-platform-features');
     await page.open();
-    for (const part of [choice, values, losses, refusals, adapterOff, interruptions, hiddenPage, twoTabs, silence, reloading,
-        fatalStops, ordinaryBrowser]) await part();
+    for (const part of [choice, values, losses, refusals, adapterOff, interruptions, hiddenPage, twoTabs, reloading, fatalStops,
+        silence, ordinaryBrowser]) await part();
 });
