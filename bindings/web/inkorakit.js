@@ -205,7 +205,7 @@ export class Kit extends EventTarget {
                 this.#lastWords = thrown.message;
                 this.#abort();
             }
-            throw this.#end;
+            throw this.#end ?? thrown;  // where the stack has no room for an end either
         }
     }
 
@@ -349,9 +349,8 @@ export class Kit extends EventTarget {
         this.#lastWords = line;
     }
 
-    /** Ends the core, whose scripts let go of links and timers; the core may be past being called. It throws. */
+    /** Ends the core, whose scripts let go of timers and links. It throws. */
     #abort() {
-        this.#core.endRadios?.();  // none is there before it listens
         try {
             this.#core.abort();
         } catch {
@@ -360,6 +359,7 @@ export class Kit extends EventTarget {
     }
 
     #ended() {
+        this.#core.endRadios?.();  // none is there before it listens
         if (this.#end) return this.#refuse(this.#end);
         this.#end = new KitError('fatal', 0, this.#lastWords.replace('Fatal error: ', ''));
         this.#refuse(this.#end);
