@@ -112,7 +112,7 @@ export class Kit extends EventTarget {
     pair(): Promise<void>;
     /**
      * Looks for pens that were chosen before, on this page or, where the browser remembers, on an
-     * earlier visit. Needs no gesture. Where the browser has stopped to answer and does not remember,
+     * earlier visit. Needs no gesture. Where the browser has fallen silent and does not remember,
      * it finds none: `pair` is needed then.
      * @throws KitError "already-done" while it looks or has a pen
      */
