@@ -6,6 +6,7 @@ import { execFileSync } from 'node:child_process';
 import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { pathToFileURL } from 'node:url';
 import { pause, until } from './Browser.mjs';
 import { HostPage, check, run, startBluetoothd } from './HostPage.mjs';
 
@@ -258,7 +259,7 @@ async function withASlowServer() {
         await browser.click('#stop');
         await expect('and let go', `${shows('state', 'No pen is connected.')} && document.getElementById('problem').hidden`);
     }
-    await browser.open(`file://${HostPage.folder.replace(/^(?!\/)/, `${process.cwd()}/`)}/index.html`);
+    await browser.open(pathToFileURL(join(HostPage.folder, 'index.html')).href);
     await expect('opened as a file, it says what to do', shows('state', 'open it from a server'));
 }
 
@@ -317,13 +318,14 @@ async function withAPen() {
     bluetoothd.tell(notify('111111'));
     await expect('one like the last that is left is captured', text('count'), '503 colours');
     await browser.click('#remove');
-    bluetoothd.tell('read 1f14 0111111140', 'refuse 1', 'lose');
+    bluetoothd.tell('read 1f14 0111111140', 'read 1f17 09', 'refuse 1', 'lose');
     await expect('it is lost', shows('state', 'Lost InkoraPen 7. Looking for it'));
     await expect('which is told', said('Lost InkoraPen 7'));
     await pause(3000);
     await expect('it is looked for even when an attempt has failed', shows('state', 'Lost InkoraPen 7.'));
     bluetoothd.tell('refuse 0');
-    await expect('and connected again', text('link'), 'Connected to InkoraPen 7. Battery 64 %.');
+    await expect('and connected again', text('link'), 'Connected to InkoraPen 7. Battery 9 %, charge it soon.');
+    await expect('with a low battery, which is told', said('battery is low'));
     await bluetoothd.called('subscribe 1f17');
     await load();
     await expect('after a reload it is found without a click', shows('state', 'Connected to InkoraPen 7.'));

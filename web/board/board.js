@@ -42,7 +42,7 @@ const connection = new Connection({
         change();
     },
     captured(hex) {
-        if (connection.virtualPen && history.room === 0) return fail('There is no room for a virtual pen’s colours: remove some first.');
+        if (connection.virtualPen && history.room === 0) return refuseVirtual();
         chosen = undefined;
         history.add({ hex });
         announcements.tellColour(`${hex}, ${nameOf(hex)}`);
@@ -157,13 +157,20 @@ function drawShown(swatch) {
 function keepPlace(focused) {
     const isGone = element => !element.isConnected || element.disabled || element.closest('[hidden]');
     if (!isGone(focused) || $('swatches').contains(document.activeElement)) return;
-    const next = focused.closest('header, .problem, #virtual') ? ['stop', 'pair'] : ['undo', 'open'];
+    const next = focused.closest('header, #problem, #virtual') ? ['stop', 'pair'] : ['undo', 'open'];
     next.map($).find(element => !isGone(element))?.focus();
 }
 
 async function tryVirtual() {
     await connection.tryVirtual();
     letCapture();
+}
+
+// What is made up drives out nothing that was captured.
+function refuseVirtual() {
+    $('by-itself').checked = false;
+    letCapture();
+    fail('There is no room for colours of the virtual pen: remove some first.');
 }
 
 function letCapture() {
@@ -218,7 +225,7 @@ $('save').addEventListener('submit', event => {
     succeed(`Saved ${countText(history.swatches.length)} as ${link.download}`);
 });
 
-const largestFile = 5e6;  // bytes: a palette of as many colours as are kept takes less
+const largestFile = 10e6;  // bytes: as many colours as are kept take half of that, as an HTML page
 $('file').accept = formats.map(({ ending }) => ending).join();
 $('file').addEventListener('change', async () => {
     const [file] = $('file').files;

@@ -150,7 +150,10 @@ export class Connection {
         this.#identifier = identifier;
         this.#isFirst = true;
         this.#turn('reading');
-        this.#timer = setTimeout(() => this.#turn('reading', { kind: 'silent', message: '' }), readingPatience);
+        this.#timer = setTimeout(() => {
+            if (this.#kit.state === 'ready') this.#answered();
+            else this.#turn('reading', { kind: 'silent', message: '' });
+        }, readingPatience);
         this.#askBattery();
     }
 
