@@ -76,7 +76,7 @@ build_page() {
     cmake -S . -B build/page -G Ninja --log-level=NOTICE \
         -DCMAKE_TOOLCHAIN_FILE=/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake \
         -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS_RELEASE=-Oz -DNDEBUG -fwasm-exceptions" \
-        -DINKORA_TESTS=OFF -DINKORA_TOOLS=OFF -DINKORA_PYTHON=OFF -DINKORA_EXAMPLES=OFF -DINKORA_BLUEZ=OFF
+        -DINKORA_TESTS=OFF -DINKORA_TOOLS=OFF -DINKORA_PYTHON=OFF -DINKORA_EXAMPLES=OFF
     # Emscripten's own scripts want Debian's modules, whichever node runs them.
     NODE_PATH=/usr/share/nodejs cmake --build build/page --parallel "$(nproc)" --target "$@" | show_tenths
 }

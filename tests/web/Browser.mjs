@@ -51,6 +51,8 @@ export class Browser {
         browser.process = spawn('chromium', ['--headless=new', '--no-sandbox', '--disable-gpu', '--no-first-run',
             '--remote-debugging-pipe', `--user-data-dir=${browser.folder}`, ...flags, 'about:blank'],
             { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
+        browser.ended = new Promise(done => browser.process.once('exit', done)).then(() => browser.#end());
+        browser.process.stdio[3].on('error', () => {});  // it has ended
         let rest = '';
         browser.process.stdio[4].setEncoding('utf8').on('data', text => {
             const messages = (rest + text).split('\0');
@@ -115,12 +117,15 @@ export class Browser {
     }
 
     async close() {
-        const ended = new Promise(done => this.process.once('exit', done));
         this.send('Browser.close', {}, null).catch(() => {});
-        await Promise.race([ended, pause(3000)]);
+        await Promise.race([this.ended, pause(3000)]);
         this.process.kill('SIGKILL');
-        await ended;
+        await this.ended;
         rmSync(this.folder, { recursive: true, force: true });
+    }
+
+    #end() {
+        for (const { failed } of this.#waiting.values()) failed(new Error('the browser has ended'));
     }
 
     #received({ id, method, params, result, error }) {

@@ -9,31 +9,32 @@ import { Browser, serve, until } from './Browser.mjs';
 
 const here = dirname(fileURLToPath(import.meta.url));
 const ends = [];  // what is to be done in the end, whatever happens: the latest first
-let faults = 0;
+
+function fault(...what) {
+    process.exitCode = 1;
+    console.log('FAIL', ...what);
+}
 
 export function check(situation, heard, wanted) {
     const [is, shouldBe] = [heard, wanted].map(value => JSON.stringify(value));
-    faults += is !== shouldBe;
     if (is === shouldBe) console.log('ok  ', situation);
-    else console.log('FAIL', situation, `\n  heard  ${is?.slice(0, 600)}\n  wanted ${shouldBe.slice(0, 600)}`);
+    else fault(situation, `\n  heard  ${is?.slice(0, 600)}\n  wanted ${shouldBe?.slice(0, 600)}`);
 }
 
 /** Runs the test, and ends the process: with 1 when something was not as it should be. */
 export async function run(test, seconds = 120) {
     const end = async () => {
         for (const each of ends.splice(0)) await each();
-        process.exit(faults ? 1 : 0);
+        process.exit();
     };
     setTimeout(() => {
-        ++faults;
-        console.log('FAIL it takes too long');
+        fault('it takes too long');
         end();
     }, seconds * 1000).unref();
     try {
         await test();
     } catch (error) {
-        ++faults;
-        console.log('FAIL', error);
+        fault(error);
     }
     await end();
 }

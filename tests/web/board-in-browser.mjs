@@ -6,6 +6,7 @@ import { execFileSync } from 'node:child_process';
 import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { pathToFileURL } from 'node:url';
 import { pause, until } from './Browser.mjs';
 import { HostPage, check, run, startBluetoothd } from './HostPage.mjs';
 
@@ -26,7 +27,8 @@ const shows = (id, words) => `!document.getElementById('${id}').closest('[hidden
 const said = words => `spoken.some(text => text.includes('${words}'))`;
 const focused = id => `document.activeElement.id === '${id}'`;
 const listed = `[...document.querySelectorAll('#swatches b')].map(hex => hex.textContent).join()`;
-const kept = () => browser.evaluate(`JSON.parse(localStorage.getItem('inkora-board') ?? '[]')`);
+const kept = () => browser.evaluate(`Object.keys(localStorage).filter(key => key.startsWith('inkora-board/')).sort()
+    .map(key => JSON.parse(localStorage.getItem(key)))`);
 
 /** Opens the board, with this put in before its own scripts, and all heard that it says. */
 async function open(before = '', address = page.server.origin) {
@@ -55,7 +57,7 @@ const keys = {
     Enter: { code: 'Enter', windowsVirtualKeyCode: 13, text: '\r' }, ' ': { code: 'Space', windowsVirtualKeyCode: 32, text: ' ' },
     Tab: { code: 'Tab', windowsVirtualKeyCode: 9 }, Delete: { code: 'Delete', windowsVirtualKeyCode: 46 },
     ArrowRight: { code: 'ArrowRight', windowsVirtualKeyCode: 39 }, ArrowDown: { code: 'ArrowDown', windowsVirtualKeyCode: 40 },
-    End: { code: 'End', windowsVirtualKeyCode: 35 },
+    Backspace: { code: 'Backspace', windowsVirtualKeyCode: 8 }, End: { code: 'End', windowsVirtualKeyCode: 35 },
 };
 
 async function press(key, times = 1) {
@@ -89,8 +91,6 @@ async function byKeyboard() {
     await expect('the keyboard goes on at what came instead of the button', focused('stop'));
     await expect('it has a colour from the beginning', shows('hex', '#4780EB'));
     await expect('which is told', said('#4780EB, dodgerblue'));
-    await tabTo('by-itself');
-    await press(' ');
     await tabTo('capture');
     for (const hex of ['#ff8000', '#767676', '#0a0b0c']) {
         await browser.evaluate(`document.getElementById('paint').value = '${hex}'`);
@@ -123,10 +123,19 @@ async function byKeyboard() {
     await expect('the keyboard is where that can be undone', focused('undo'));
     await press('Enter');
     await expect('which it is', listed, '#0A0B0C,#767676,#4780EB');
-    await expect('and goes on', focused('clear'));
+    await press('Enter');
+    await expect('as is what was removed before, in its place', listed, '#0A0B0C,#767676,#FF8000,#4780EB');
+    await expect('and goes on', focused('open'));
 
+    await browser.evaluate(`localStorage.setItem('inkora-board/000000000-x', '{"hex":"#112233","name":{},"time":1}');
+        localStorage.setItem('inkora-board/000000000-y', 'null')`);
     await load();
-    await expect('colours outlive a reload', listed, '#0A0B0C,#767676,#4780EB');
+    await expect('colours outlive a reload, whatever else is there', listed, '#0A0B0C,#767676,#FF8000,#4780EB,#112233');
+    await tabTo('swatches');
+    await press('End');
+    await press('Backspace');
+    await expect('and can be removed', listed, '#0A0B0C,#767676,#FF8000,#4780EB');
+    await browser.evaluate(`localStorage.removeItem('inkora-board/000000000-y')`);
     await tabTo('title');
     await press('End');
     await browser.send('Input.insertText', { text: ' <ö> "x"' });
@@ -151,18 +160,19 @@ async function savePalettes() {
         const isSame = await until(() => existsSync(saved) && readFileSync(saved).equals(readFileSync(wanted)), saved).catch(() => false);
         check(`a palette is saved as ${ending}, as the tool writes it`, isSame, true);
     }
-    await expect('which is said', said('Saved 3 colours as Palette -ö- -x-.html'));
+    await expect('which is said', said('Saved 4 colours as Palette -ö- -x-.html'));
     const opened = async (file, words) => {
         const { root } = await browser.send('DOM.getDocument');
         const { nodeId } = await browser.send('DOM.querySelector', { nodeId: root.nodeId, selector: '#file' });
         await browser.send('DOM.setFileInputFiles', { files: [file], nodeId });
         await expect(`a file is opened: ${words}`, said(words));
     };
-    await opened(join(scratch, 'wanted.ase'), 'Opened 3 colours of wanted.ase');
+    await opened(join(scratch, 'wanted.ase'), 'Opened 4 colours of wanted.ase');
     const broken = join(scratch, 'broken.gpl');
     writeFileSync(broken, 'GIMP Palette\n255 128\n');
     await opened(broken, 'broken.gpl, line 2: it does not start with three numbers');
-    await expect('and adds to the history', shows('count', '6 colours'));
+    await expect('which stays', shows('mishap', 'broken.gpl, line 2'));
+    await expect('what is opened adds to the history', shows('count', '8 colours'));
 }
 
 /** Nothing is found by axe, and nothing sticks out, in either scheme, on a phone and on a desk. */
@@ -198,8 +208,6 @@ async function inBursts() {
     await accessibility('empty');
     await browser.click('#try');
     await expect('it is connected', shows('count', '1 colour'));
-    await browser.click('#by-itself');
-    await expect('it captures by itself no more', `document.getElementById('by-itself').checked`, false);
     await browser.click('#clear');
     await expect('all are cleared', text('count'), 'No colours');
     await browser.evaluate(`spoken.length = 0; globalThis.drawn = 0;
@@ -207,11 +215,52 @@ async function inBursts() {
     await capture(...colours(500));
     await expect('a burst of 500 is kept', text('count'), '500 colours');
     await expect('and shown but for the oldest', 'document.querySelectorAll("#swatches li").length', 400);
-    await expect('the rest if asked for', `document.getElementById('more').click(), document.querySelectorAll('#swatches li').length`, 500);
+    await browser.evaluate(`document.querySelector('#swatches').lastChild.focus()`);
+    await capture('#000001');
+    await expect('who is at one that goes is at the next', `${text('hex')} + (document.activeElement === swatches.lastChild)`, '#000001true');
+    await expect('the rest if asked for', `document.getElementById('more').click(), document.querySelectorAll('#swatches li').length`, 501);
     await expect('and told as one', `spoken.some(text => /^\\d{3} colours, the last one #/.test(text))`);
     const [times, drawn] = await browser.evaluate('[spoken.length, drawn]');
     check('in few sentences and frames', times <= 4 && drawn <= 10 || [times, drawn], true);
-    await accessibility('500 colours');
+    await accessibility('501 colours');
+    await inTwoTabs();
+}
+
+async function inTwoTabs() {
+    const one = browser.session;
+    await browser.open('about:blank');
+    const other = browser.session;
+    await browser.show();
+    await load();
+    await browser.click('#try');
+    await expect('another tab has the colours as well', text('count'), '502 colours');
+    browser.session = one;
+    await capture('#aa0001');
+    browser.session = other;
+    await capture('#bb0001');
+    await expect('and what both capture at once', `${text('count')} + Object.keys(localStorage).length`, '504 colours504');
+    await browser.evaluate(`document.getElementById('clear').click()`);
+    browser.session = one;
+    await browser.show();
+    await expect('what one clears is cleared in both', text('count'), 'No colours');
+}
+
+async function withASlowServer() {
+    await open(`const fetched = fetch; let delay = 700;
+        globalThis.fetch = async (...what) => (await new Promise(done => setTimeout(done, delay)), fetched(...what));`);
+    await browser.click('#try');
+    await browser.click('#stop');
+    await pause(1000);
+    await expect('who stops while it loads stays without a pen', shows('state', 'No pen is connected.'));
+    await browser.evaluate(`globalThis.fetch = () => Promise.reject(new Error('the server is gone'))`);
+    for (const again of ['', ' again']) {
+        await browser.click('#try');
+        await expect(`without a server, a pen is tried${again}`, shows('state', 'Connected to the virtual pen'));
+        await browser.click('#stop');
+        await expect('and let go', `${shows('state', 'No pen is connected.')} && document.getElementById('problem').hidden`);
+    }
+    await browser.open(pathToFileURL(join(HostPage.folder, 'index.html')).href);
+    await expect('opened as a file, it says what to do', shows('state', 'open it from a server'));
 }
 
 /** Where the browser is otherwise: what is said when a pen is asked for. */
@@ -262,20 +311,29 @@ async function withAPen() {
     await bluetoothd.called('subscribe 1f17');
     bluetoothd.tell(...colours(500).map(hex => notify(hex.slice(1))));
     await expect('and 500 more', text('count'), '501 colours');
-    bluetoothd.tell('refuse 1', 'lose');
+    bluetoothd.tell(notify('111111'), notify('222222'));
+    await expect('and two', text('hex'), '#222222');
+    await browser.click('#remove');
+    await expect('of which one is removed', text('hex'), '#111111');
+    bluetoothd.tell(notify('111111'));
+    await expect('one like the last that is left is captured', text('count'), '503 colours');
+    await browser.click('#remove');
+    bluetoothd.tell('read 1f14 0111111140', 'read 1f17 09', 'refuse 1', 'lose');
     await expect('it is lost', shows('state', 'Lost InkoraPen 7. Looking for it'));
     await expect('which is told', said('Lost InkoraPen 7'));
     await pause(3000);
     await expect('it is looked for even when an attempt has failed', shows('state', 'Lost InkoraPen 7.'));
     bluetoothd.tell('refuse 0');
-    await expect('and connected again', text('link'), 'Connected to InkoraPen 7. Battery 64 %.');
+    await expect('and connected again', text('link'), 'Connected to InkoraPen 7. Battery 9 %, charge it soon.');
+    await expect('with a low battery, which is told', said('battery is low'));
     await bluetoothd.called('subscribe 1f17');
     await load();
     await expect('after a reload it is found without a click', shows('state', 'Connected to InkoraPen 7.'));
     await bluetoothd.called('subscribe 1f17');
+    await expect('what it told before and was removed does not come back', text('count'), '502 colours');
     bluetoothd.tell('notify 1f14 0102');
     await expect('what no pen sends is explained', shows('problem', 'The pen has sent what no pen sends'));
-    await expect('the colours are there', shows('count', '50'));
+    await expect('the colours are there', text('count'), '502 colours');
     await browser.click('#again');
     await expect('and it starts anew', shows('state', 'Connected to InkoraPen 7.'));
     await browser.click('#stop');
@@ -283,6 +341,10 @@ async function withAPen() {
     await load();
     await pause(1000);
     await expect('and stays so', shows('state', 'No pen is connected.'));
+    bluetoothd.tell('services 0');
+    await browser.click('#pair');
+    await expect('one that does not answer is not taken for a pen', shows('state', 'Connected, reading the pen…'));
+    await expect('which is explained', shows('problem', 'does not answer'));
 }
 
 await run(async () => {
@@ -294,6 +356,7 @@ await run(async () => {
         await byKeyboard();
         await inBursts();
         await inOtherBrowsers();
+        await withASlowServer();
         await withAPen();
     } finally {
         rmSync(scratch, { recursive: true, force: true });

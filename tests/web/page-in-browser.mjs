@@ -112,6 +112,15 @@ async function interruptions() {
     pen.tell('answer');
     await pen.called('disconnect');
     await link('and pairs', pair, 'connected', '#102030');
+    pen.tell('hold connect', 'lose');
+    await page.expect('the pen is lost', 'disconnected');
+    await pen.called('connect');
+    await page.evaluate('_stop()');
+    await page.expect('the host stops meanwhile', 'disconnected');
+    await pair();
+    await pause(100);
+    await link('and pairs before that is answered', () => pen.tell('answer'), 'connected', '#102030');
+    await link('a link whose end is told as well', lose, 'disconnected', 'connected', '#102030');
 }
 
 // The browser's channel to its Bluetooth ends when it is asked for something of a pen that is lost in the

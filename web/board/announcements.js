@@ -1,16 +1,18 @@
-// What is said in the page's one live region: to screen readers all of it, to everybody what was done.
+// What is said: to screen readers, in the page's one live region, all of it; to everybody what was done.
 
 const pause = 1500;      // milliseconds between colours that are told
 const shownFor = 2500;
 
 export class Announcements {
     #output;
+    #toast;
     #waiting = 0;   // colours that were not told yet
     #last = '';
     #timer;
 
-    constructor(output) {
+    constructor(output, toast) {
         this.#output = output;
+        this.#toast = toast;
     }
 
     /** Says at once what was done, or cannot be. */
@@ -38,11 +40,12 @@ export class Announcements {
 
     #put(text, isShown) {
         this.#output.textContent = text;
-        this.#output.classList.toggle('shown', isShown);
+        if (isShown) this.#toast.textContent = text;
+        this.#toast.classList.toggle('shown', isShown);
         clearTimeout(this.#timer);
         this.#timer = setTimeout(() => {
             this.#timer = undefined;
-            this.#output.classList.remove('shown');
+            this.#toast.classList.remove('shown');
             if (this.#waiting) this.#tellWaiting();
         }, isShown ? shownFor : pause);
     }

@@ -4,10 +4,10 @@ import { coloursIn, contrastOf, formats, nameOf, paletteOf, rgbOf } from './colo
 import { Connection } from './connection.js';
 import { History } from './history.js';
 import { Swatches, timeText } from './swatches.js';
-import { batteryText, explained, phases } from './words.js';
+import { batteryText, explained, isLow, phases } from './words.js';
 
 const $ = id => document.getElementById(id);
-const announcements = new Announcements($('said'));
+const announcements = new Announcements($('said'), $('toast'));
 const countText = count => count === 0 ? 'No colours' : count === 1 ? '1 colour' : `${count} colours`;
 
 // Drawn once a frame at the most, however much happens.
@@ -21,7 +21,10 @@ function change() {
     });
 }
 
-const history = new History(change);
+const history = new History(() => {
+    tellKeeping();
+    change();
+});
 let chosen;  // the id of the colour that is shown large; undefined for the last one
 const shown = () => history.swatches.find(({ id }) => id === chosen) ?? history.swatches.at(-1);
 
@@ -39,41 +42,70 @@ const connection = new Connection({
         change();
     },
     captured(hex) {
-        if (hex === history.swatches.at(-1)?.hex) return;  // a pen that is connected again tells its last one
+        if (connection.virtualPen && history.room === 0) return refuseVirtual();
         chosen = undefined;
         history.add({ hex });
         announcements.tellColour(`${hex}, ${nameOf(hex)}`);
     },
 });
 
+let mishap = '';  // what a person has asked for in vain
+
+/** Says what was done. */
+function succeed(text) {
+    announcements.say(text);
+    mishap = '';
+    change();
+}
+
+/** Says why it was not, and shows that until something succeeds. */
+function fail(text) {
+    announcements.say(text);
+    mishap = text;
+    change();
+}
+
 async function copy(text) {
-    announcements.say(await copied(text) ? `Copied ${text}` : `This browser does not let the page copy ${text}`);
+    if (await copied(text)) succeed(`Copied ${text}`);
+    else fail(`This browser does not let the page copy ${text}: select it, and copy it by hand.`);
 }
 
 function remove(...ids) {
-    const single = history.swatches.find(({ id }) => id === ids[0]);
-    history.remove(...ids);
-    announcements.say(`Removed ${ids.length === 1 ? single.hex : countText(ids.length)}`);
+    const removed = history.remove(...ids);
+    if (removed.length > 0) succeed(`Removed ${removed.length === 1 ? removed[0].hex : countText(removed.length)}`);
 }
 
-let told = phases.idle();
+let told = '';
 function tellConnection() {
-    const { problem, phase, name } = connection;
-    const text = problem ? explained(problem) : phases[phase](name);
-    if (text !== told) announcements.tell(text);
+    const { problem, phase, name, battery } = connection;
+    const state = isLow(battery) ? `${phases[phase](name)} Its battery is low: charge it soon.` : phases[phase](name);
+    const text = problem ? explained(problem) : state;
+    if (text !== told && phase !== 'loading') announcements.tell(text);
     told = text;
+}
+
+const keptTexts = {
+    true: 'The colours stay in this browser; nothing is sent anywhere.',
+    false: 'This browser does not keep the colours: they are gone when the page is closed. Save them as a palette.',
+};
+let wasKept = true;
+function tellKeeping() {
+    if (history.isKept !== wasKept) announcements.tell(keptTexts[history.isKept]);
+    wasKept = history.isKept;
 }
 
 function draw() {
     const focused = document.activeElement;
     drawConnection();
+    $('mishap').hidden = !mishap;
+    $('mishap').firstElementChild.textContent = mishap;
     drawShown(shown());
     const count = history.swatches.length;
     $('count').textContent = countText(count) + (count === History.most ? ', the most that are kept: of more the oldest go' : '');
     $('swatches').hidden = $('how').hidden = count === 0;
     $('clear').disabled = $('write').disabled = count === 0;
-    $('undo').hidden = history.removedCount === 0;
-    if (!history.isKept) $('kept').textContent = 'This browser does not keep the colours: they are gone when the page is closed. Save them as a palette.';
+    $('undo').hidden = !history.canUndo;
+    $('kept').textContent = keptTexts[history.isKept];
     const leftOut = swatches.draw(history.swatches, shown()?.id);
     $('more').hidden = leftOut === 0;
     $('more').textContent = `Show more (${leftOut} are older)`;
@@ -85,9 +117,11 @@ function drawConnection() {
     $('link').dataset.phase = phase;
     $('state').textContent = phases[phase](name);
     $('battery').textContent = phase === 'connected' && battery !== undefined ? batteryText(battery) : '';
-    $('pair').hidden = $('try').hidden = phase !== 'idle';
-    $('stop').hidden = phase === 'idle';
-    $('stop').textContent = phase === 'connected' ? 'Disconnect' : 'Stop';
+    const isIdle = phase === 'idle' || phase === 'loading';
+    $('pair').hidden = $('try').hidden = !isIdle;
+    $('pair').disabled = $('try').disabled = phase === 'loading';
+    $('stop').hidden = isIdle;
+    $('stop').textContent = phase === 'connected' || phase === 'reading' ? 'Disconnect' : 'Stop';
     $('virtual').hidden = !virtualPen || phase !== 'connected';
     $('problem').hidden = !problem;
     if (!problem) return;
@@ -110,7 +144,7 @@ function drawShown(swatch) {
     if (!swatch) return;
     const { hex, name = nameOf(hex), time } = swatch;
     $('large').style.background = hex;
-    $('name').textContent = name;
+    $('name').textContent = $('name').title = name;
     $('hex').textContent = hex;
     $('rgb').textContent = rgbOf(hex);
     const rows = [...contrastOf(hex, '#000000'), ...contrastOf(hex, '#FFFFFF')];
@@ -119,17 +153,24 @@ function drawShown(swatch) {
     $('time').textContent = timeText(time);
 }
 
-// Whoever is at what goes away is next where the page goes on.
+// Whoever is at what goes away is next where the page goes on, and never where Enter takes more away.
 function keepPlace(focused) {
     const isGone = element => !element.isConnected || element.disabled || element.closest('[hidden]');
-    if (!isGone(focused)) return;
-    const next = focused.closest('header, #problem, #virtual') ? ['stop', 'pair'] : ['undo', 'clear', 'title'];
+    if (!isGone(focused) || $('swatches').contains(document.activeElement)) return;
+    const next = focused.closest('header, #problem, #virtual') ? ['stop', 'pair'] : ['undo', 'open'];
     next.map($).find(element => !isGone(element))?.focus();
 }
 
 async function tryVirtual() {
     await connection.tryVirtual();
     letCapture();
+}
+
+// What is made up drives out nothing that was captured.
+function refuseVirtual() {
+    $('by-itself').checked = false;
+    letCapture();
+    fail('There is no room for colours of the virtual pen: remove some first.');
 }
 
 function letCapture() {
@@ -147,11 +188,14 @@ onClick('rgb', () => copy($('rgb').textContent));
 onClick('remove', () => remove(shown().id));
 onClick('clear', () => remove(...history.swatches.map(({ id }) => id)));
 onClick('undo', () => {
-    announcements.say(`Brought back ${countText(history.removedCount)}`);
-    history.undo();
+    succeed(`Brought back ${countText(history.undo())}`);
 });
 onClick('more', () => {
     swatches.showMore();
+    change();
+});
+onClick('close', () => {
+    mishap = '';
     change();
 });
 onClick('open', () => $('file').click());
@@ -167,29 +211,45 @@ for (const { ending, use } of formats) $('format').add(new Option(use, ending));
 $('save').addEventListener('submit', event => {
     event.preventDefault();
     const title = $('title').value.trim() || 'Palette';
-    const bytes = paletteOf(title, history.swatches, $('format').value);
+    let bytes;
+    try {
+        bytes = paletteOf(title, history.swatches, $('format').value);
+    } catch (error) {
+        return fail(`The palette could not be saved: ${reasonOf(error)}.`);
+    }
     const link = document.createElement('a');
     link.href = URL.createObjectURL(new Blob([bytes]));
     link.download = title.replace(/[^\p{L}\p{N} ._-]/gu, '-').replace(/^\./, '-') + $('format').value;
     link.click();
     setTimeout(URL.revokeObjectURL, 60000, link.href);
-    announcements.say(`Saved ${countText(history.swatches.length)} as ${link.download}`);
+    succeed(`Saved ${countText(history.swatches.length)} as ${link.download}`);
 });
 
+const largestFile = 10e6;  // bytes: as many colours as are kept take half of that, as an HTML page
 $('file').accept = formats.map(({ ending }) => ending).join();
 $('file').addEventListener('change', async () => {
     const [file] = $('file').files;
     try {
-        const colours = coloursIn(file.name, new Uint8Array(await file.arrayBuffer()));
-        for (const colour of colours) history.add(colour);
-        chosen = undefined;
-        announcements.say(`Opened ${countText(colours.length)} of ${file.name}`);
+        await openPalette(file);
     } catch (error) {
-        announcements.say(error.message);
+        fail(`The palette could not be opened: ${reasonOf(error)}. Choose one that was saved here, or another program’s GPL, ASE or CSS.`);
     }
     $('file').value = '';
 });
 
-draw();
-await connection.start();
-$('pair').disabled = $('try').disabled = false;
+async function openPalette(file) {
+    if (file.size > largestFile) return fail(`${file.name} is too large for a palette: more than ${largestFile / 1e6} MB.`);
+    const colours = coloursIn(file.name, new Uint8Array(await file.arrayBuffer()));
+    const fitting = colours.slice(0, history.room);
+    history.add(...fitting);
+    chosen = undefined;
+    if (fitting.length === colours.length) succeed(`Opened ${countText(colours.length)} of ${file.name}`);
+    else fail(`Of ${file.name}, only ${fitting.length} of ${countText(colours.length)} were opened: there is no room for more than ${History.most}. Remove some first.`);
+}
+
+/** In one line; what WebAssembly throws has no message. */
+function reasonOf({ message }) {
+    return message?.split('\n')[0].replace(/\.$/, '') ?? 'it is too much for this browser';
+}
+
+connection.start();

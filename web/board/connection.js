@@ -2,23 +2,31 @@
 import { load } from './inkorakit.js';
 
 const linkedKey = 'inkora-board-linked';  // there while a real pen is connected
+const lastKey = 'inkora-board-last';      // the colour that a real pen told last, behind the pen's identifier
 const searchPause = 2000;                 // milliseconds
+const readingPatience = 6000;
 const batteryPause = 60000;
+
+const stopped = { kind: 'stopped' };      // why what was left behind goes no further
 
 export class Connection {
     /** A key of `phases`. */
-    phase = 'idle';
+    phase = 'loading';
     name = '';
     /** In percent; undefined while nobody knows. */
     battery;
-    /** Why there is no pen, a KitError. */
+    /** Why there is no pen, a KitError, or what else is wrong: its kind and message. */
     problem;
     /** The virtual pen, if that is what it is about. */
     virtualPen;
 
-    #kit;
+    #kits = {};       // promises of them, by their radios: each is loaded once, unless it fails
+    #kit;             // the one that it is about
+    #attempt = 0;     // counts what a person or the page has begun: what comes of earlier ones is not wanted
+    #identifier = '';
+    #isFirst = false; // whether the link has told no colour yet
     #told;
-    #search;
+    #timer;
 
     /** @param {{changed: () => void, captured: (hex: string) => void}} told */
     constructor(told) {
@@ -28,18 +36,20 @@ export class Connection {
 
     /** Loads the kit, and looks for the pen that the page was connected to when it was left. */
     start() {
-        return this.#try('idle', async () => {
-            await this.#use('web');
-            if (isThere(linkedKey) && (await navigator.bluetooth?.getDevices?.())?.length) this.search();
+        return this.#try('loading', async still => {
+            await this.#use('web', still);
+            const isLinked = recalled(linkedKey) && (await still(navigator.bluetooth?.getDevices?.()))?.length;
+            if (isLinked) this.search();
+            else this.#turn('idle');
         });
     }
 
     /** Lets the person choose a pen; to be called while a click or a key is handled. */
     pair() {
-        return this.#try('choosing', async () => {
-            if (this.virtualPen || !this.#kit) await this.#use('web');
-            else if (this.#kit.state !== 'none') await this.#kit.stop();  // it waits for Bluetooth
-            await this.#kit.pair();
+        return this.#try('choosing', async still => {
+            const kit = await this.#use('web', still);
+            if (kit.state !== 'none') await still(kit.stop());  // it waits for Bluetooth
+            await still(kit.pair());
             if (this.phase === 'choosing') this.#turn('searching');
         });
     }
@@ -49,72 +59,131 @@ export class Connection {
         return this.#try('searching', () => this.#kit.resume());
     }
 
-    /** Connects a virtual pen. */
+    /** Connects a virtual pen, which captures a colour to begin with. */
     tryVirtual() {
-        return this.#try('searching', async () => {
-            await this.#use('virtual');
-            this.virtualPen = this.#kit.addPen(1 + Math.floor(Math.random() * 1000));
+        return this.#try('searching', async still => {
+            const kit = await this.#use('virtual', still);
+            this.virtualPen = kit.addPen(1 + Math.floor(Math.random() * 1e6));
             this.virtualPen.setBattery(20 + Math.floor(Math.random() * 80));
             this.virtualPen.capture(0x47, 0x80, 0xEB);
-            await this.#kit.pair();
+            await kit.pair();
         });
     }
 
     stop() {
-        forget(linkedKey);
-        return this.#try('idle', () => this.virtualPen ? this.#use('web') : this.#kit?.stop());
+        remember(linkedKey, null);
+        return this.#try('idle', async () => {
+            this.#leaveVirtualPen();
+            await this.#kit?.stop();
+        });
     }
 
-    async #use(radio) {
-        clearTimeout(this.#search);
-        const left = this.#kit;
-        this.#kit = this.virtualPen = undefined;
-        await left?.close().catch(() => {});  // one that has stopped for good throws
-        const kit = await load({ radio });
-        this.#kit = kit;
+    /** Runs what has been begun. `still` waits for a promise, and goes no further once something else has been begun. */
+    async #try(phase, what) {
+        const attempt = ++this.#attempt;
+        const isWanted = () => attempt === this.#attempt;
+        this.#turn(phase);
+        try {
+            await what(async promise => {
+                const value = await promise;
+                if (!isWanted()) throw stopped;
+                return value;
+            });
+        } catch (error) {
+            if (isWanted() && error.kind !== 'stopped') this.#turn('idle', error);
+        }
+    }
+
+    /** The kit of this radio, which it is about from now on. */
+    async #use(radio, still) {
+        this.#leaveVirtualPen();
+        const kit = await still(this.#kits[radio] ??= this.#loaded(radio));
+        if (this.#kit !== kit) await still(this.#kit?.stop());  // it may wait for Bluetooth
+        return this.#kit = kit;
+    }
+
+    async #loaded(radio) {
+        try {
+            const kit = await load({ radio });
+            this.#hear(kit, radio);
+            return kit;
+        } catch (error) {
+            this.#kits[radio] = undefined;
+            throw error;
+        }
+    }
+
+    #hear(kit, radio) {
         const hear = (type, heard) => kit.addEventListener(type, event => kit === this.#kit && heard(event));
         hear('connected', () => this.#connected());
         hear('disconnected', () => this.#lost());
-        hear('colour', ({ colour }) => this.#told.captured(colour.hex.toUpperCase()));
+        hear('colour', ({ colour }) => {
+            this.#answered();
+            this.#captured(colour.hex.toUpperCase());
+        });
         hear('battery', ({ level }) => {
             this.battery = level;
+            this.#answered();
             this.#told.changed();
         });
         hear('failed', ({ error }) => this.#failed(error));
         hear('unavailable', ({ error }) => this.#turn('idle', error));
-        hear('fatal', ({ error }) => {
+        kit.addEventListener('fatal', ({ error }) => {
+            this.#kits[radio] = undefined;
+            if (kit !== this.#kit) return;
             this.#kit = undefined;
             this.#turn('idle', error);
         });
     }
 
+    #leaveVirtualPen() {
+        try {
+            this.virtualPen?.remove();
+        } catch {}  // its kit has stopped for good
+        this.virtualPen = undefined;
+    }
+
     #connected() {
-        if (!this.virtualPen) remember(linkedKey);
-        this.name = this.virtualPen ? 'the virtual pen' : this.#kit.info().name;
-        this.#turn('connected');
+        if (!this.virtualPen) remember(linkedKey, 'yes');
+        const { name, identifier } = this.#kit.info();
+        this.name = this.virtualPen ? 'the virtual pen' : name;
+        this.#identifier = identifier;
+        this.#isFirst = true;
+        this.#turn('reading');
+        this.#timer = setTimeout(() => {
+            if (this.#kit.state === 'ready') this.#answered();
+            else this.#turn('reading', { kind: 'silent', message: '' });
+        }, readingPatience);
         this.#askBattery();
+    }
+
+    /** The pen has told something that only a pen tells. */
+    #answered() {
+        if (this.phase === 'reading') this.#turn('connected');
+    }
+
+    // A pen that is connected again tells its last colour again.
+    #captured(hex) {
+        const isFirst = this.#isFirst;
+        this.#isFirst = false;
+        if (!this.virtualPen) {
+            const last = `${this.#identifier} ${hex}`;
+            if (isFirst && recalled(lastKey) === last) return;
+            remember(lastKey, last);
+        }
+        this.#told.captured(hex);
     }
 
     // The kit looks for it again by itself, for as long as one search takes.
     #lost() {
-        if (this.phase !== 'connected') return;
+        if (this.phase !== 'connected' && this.phase !== 'reading') return;
         this.battery = undefined;
         this.#turn('lost');
     }
 
     #failed(error) {
         if (this.phase !== 'lost') return this.#turn('idle', error);
-        this.#search = setTimeout(() => this.#try('lost', () => this.#kit.resume()), searchPause);
-    }
-
-    async #try(phase, what) {
-        clearTimeout(this.#search);
-        this.#turn(phase);
-        try {
-            await what();
-        } catch (error) {
-            if (error.kind !== 'stopped') this.#turn('idle', error);
-        }
+        this.#timer = setTimeout(() => this.#try('lost', () => this.#kit.resume()), searchPause);
     }
 
     // The answer comes as an event as well.
@@ -123,6 +192,7 @@ export class Connection {
     }
 
     #turn(phase, problem) {
+        clearTimeout(this.#timer);
         this.phase = phase;
         this.problem = problem;
         if (phase === 'idle') this.battery = undefined;
@@ -130,23 +200,21 @@ export class Connection {
     }
 }
 
-// Where storage is refused, nothing is remembered.
-function isThere(key) {
+const refused = new Map();  // what the storage does not keep, for as long as the page is there
+
+function recalled(key) {
     try {
-        return localStorage.getItem(key) !== null;
+        return refused.get(key) ?? localStorage.getItem(key);
+    } catch {}
+}
+
+/** Null forgets. */
+function remember(key, value) {
+    refused.delete(key);
+    try {
+        if (value === null) localStorage.removeItem(key);
+        else localStorage.setItem(key, value);
     } catch {
-        return false;
+        refused.set(key, value);
     }
-}
-
-function remember(key) {
-    try {
-        localStorage.setItem(key, 'yes');
-    } catch {}
-}
-
-function forget(key) {
-    try {
-        localStorage.removeItem(key);
-    } catch {}
 }

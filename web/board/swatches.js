@@ -7,21 +7,22 @@ const part = 400;
 export class Swatches {
     #list;
     #items = new Map();  // by the colour's id
-    #place = null;       // the item that Tab goes to
+    #place = null;       // the item that Tab goes to: that which had the keyboard last, or the newest
+    #visited;            // the item that had the keyboard last
     #most = part;
 
-    /** @param {{chosen: (id: number) => void, removed: (id: number) => void}} told what a person does with one */
+    /** @param {{chosen: (id: string) => void, removed: (id: string) => void}} told what a person does with one */
     constructor(list, { chosen, removed }) {
         this.#list = list;
-        const idOf = event => Number(event.target.closest('li')?.dataset.id ?? NaN);
+        const idOf = event => event.target.closest('li')?.dataset.id;
         list.addEventListener('click', event => idOf(event) && chosen(idOf(event)));
-        list.addEventListener('focusin', event => this.#putPlace(event.target));
+        list.addEventListener('focusin', event => this.#putPlace(this.#visited = event.target));
         list.addEventListener('keydown', event => {
             const id = idOf(event);
             if (!id || event.ctrlKey || event.altKey || event.metaKey) return;
             if (event.key === 'Enter' || event.key === ' ') {
                 chosen(id);
-            } else if (event.key === 'Delete') {
+            } else if (event.key === 'Delete' || event.key === 'Backspace') {
                 (event.target.nextSibling ?? event.target.previousSibling)?.focus();
                 removed(id);
             } else if (!this.#move(event.target, event.key)) {
@@ -37,11 +38,13 @@ export class Swatches {
     }
 
     /**
-     * @param {number | undefined} chosen the id of the one that is shown large
+     * Whoever is at a swatch that goes away is at the next one then.
+     * @param {string | undefined} chosen the id of the one that is shown large
      * @returns {number} how many, the oldest ones, are left out
      */
     draw(all, chosen) {
         const swatches = all.slice(-this.#most);
+        const focused = Array.prototype.indexOf.call(this.#list.children, document.activeElement);
         const here = new Set(swatches.map(({ id }) => id));
         for (const [id, item] of this.#items) {
             if (here.has(id)) continue;
@@ -56,7 +59,9 @@ export class Swatches {
         }
         this.#list.querySelector('[aria-selected]')?.removeAttribute('aria-selected');
         this.#items.get(chosen)?.setAttribute('aria-selected', 'true');
-        this.#putPlace(this.#list.contains(document.activeElement) ? document.activeElement : this.#list.firstChild);
+        if (focused >= 0 && !this.#list.contains(document.activeElement))
+            (this.#list.children[focused] ?? this.#list.lastChild)?.focus();
+        this.#putPlace(this.#visited?.isConnected ? this.#visited : this.#list.firstChild);
         return all.length - swatches.length;
     }
 

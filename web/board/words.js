@@ -17,6 +17,7 @@ const advice = {
     'not-found': () => 'No pen was found. Switch it on, hold it near and search again; a pen that another program or tab is connected to cannot be found.',
     connection: reason => `The pen was found, but could not be connected (${reason}). Switch Bluetooth on, hold the pen near and search again.`,
     fatal: reason => `The pen has sent what no pen sends, and the kit has stopped (${reason}). Your colours are safe: start anew.`,
+    silent: () => 'The pen is connected, but does not answer. Disconnect it, switch it off and on, and connect again; if that does not help, it may be another maker’s.',
     unavailable: reason => hindrance() ?? `Bluetooth cannot be used here (${reason}). Plug an adapter in, or switch Bluetooth on in the system’s settings, and connect again.`,
 };
 
@@ -28,11 +29,15 @@ export function explained({ kind, message }) {
 
 /** How far the board is with a pen. */
 export const phases = {
+    loading: () => 'Loading…',
     idle: () => 'No pen is connected.',
     choosing: () => 'Choose your pen in the browser’s list.',
     searching: () => 'Looking for the pen…',
+    reading: () => 'Connected, reading the pen…',
     connected: name => `Connected to ${name || 'a pen'}.`,
     lost: name => `Lost ${name || 'the pen'}. Looking for it: hold it near.`,
 };
 
-export const batteryText = percent => `Battery ${percent} %${percent <= 10 ? ', charge it soon' : ''}.`;
+export const isLow = percent => percent <= 10;
+
+export const batteryText = percent => `Battery ${percent} %${isLow(percent) ? ', charge it soon' : ''}.`;

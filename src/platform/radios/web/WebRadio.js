@@ -6,9 +6,11 @@ mergeInto(LibraryManager.library, {
         // {over, scan, look}, by address: what ends with the radio and with its scan, if there is one,
         // and how to learn its state.
         radios: {},
-        // {device, link, wasHere, isForgotten}: the link is there from the attempt to connect on; the
-        // person has chosen the pen in this page, or it has been connected; the browser has forgotten it.
+        // {device, link, attempt, latest, isForgotten}: the link is there from the attempt to connect on;
+        // the browser's, until it is answered; which choice or link of this page was the pen's last, if
+        // any; the browser has forgotten it.
         pens: [],
+        count: 0,  // of choices and links
         // Whose Bluetooth is used if not the page's own.
         frame: null,
 
@@ -30,6 +32,7 @@ mergeInto(LibraryManager.library, {
 
         // In so many milliseconds; never, if the signal comes first.
         after: (milliseconds, signal) => new Promise(done => {
+            if (signal.aborted) return;
             const timer = setTimeout(done, milliseconds);
             signal.addEventListener('abort', () => clearTimeout(timer));
         }),
@@ -61,12 +64,13 @@ mergeInto(LibraryManager.library, {
             new Promise(done => setTimeout(done, inkoraWeb.answerTime, true))]),
 
         // What the browser answers to a request; an error once it cannot be expected any more.
-        answerTo: function (request) {
+        answerTo: function (request, longest = inkoraWeb.requestTime) {
             const answered = new AbortController();
+            const frame = inkoraWeb.frame;
             const giveUp = async () => {
-                for (let time = 0; time < inkoraWeb.requestTime; time += inkoraWeb.answerTime) {
+                for (let time = 0; time < longest; time += inkoraWeb.answerTime) {
                     await inkoraWeb.after(inkoraWeb.answerTime, answered.signal);
-                    if (await inkoraWeb.isDeaf()) break;
+                    if (inkoraWeb.frame !== frame || await inkoraWeb.isDeaf()) break;
                 }
                 throw new DOMException('The browser does not answer.', 'TimeoutError');
             };
@@ -108,15 +112,15 @@ mergeInto(LibraryManager.library, {
         // The number of a device.
         add: function (device) {
             const known = inkoraWeb.pens.findIndex(pen => pen.device.id === device.id);
-            if (known < 0) return inkoraWeb.pens.push({ device, link: null, wasHere: false, isForgotten: false }) - 1;
-            Object.assign(inkoraWeb.pens[known], { device, isForgotten: false });
-            return known;
+            const pen = known < 0 ? inkoraWeb.pens.push({ link: null, latest: 0 }) - 1 : known;
+            Object.assign(inkoraWeb.pens[pen], { device, attempt: null, isForgotten: false });
+            return pen;
         },
 
         // Adds what the person has allowed on other days, too, where the browser tells it.
         remember: async function () {
             const bluetooth = inkoraWeb.bluetooth();
-            const devices = bluetooth.getDevices ? await bluetooth.getDevices().catch(() => []) : [];
+            const devices = bluetooth.getDevices ? await inkoraWeb.answerTo(bluetooth.getDevices()).catch(() => []) : [];
             return devices.map(inkoraWeb.add);
         },
 
@@ -136,14 +140,16 @@ mergeInto(LibraryManager.library, {
             if (device.watchAdvertisements) device.watchAdvertisements({ signal }).catch(() => {});
         },
 
-        // Shows what is near for all that is known at once; what else the person has allowed when it is
-        // heard, or in a while, since not every system lets it be heard.
+        // Shows what is near for all that is known at once, the pen of the last choice or link before
+        // others; what else the person has allowed when it is heard, or in a while, since not every system
+        // lets it be heard.
         scan: async function (radio) {
             inkoraWeb.stopScan(radio);
             const { signal } = inkoraWeb.radios[radio].scan = new AbortController();
-            const show = here => inkoraWeb.pens.forEach(({ wasHere }, pen) => {
-                if (wasHere === here) inkoraWeb.sight(radio, pen);
-            });
+            const show = here => [...inkoraWeb.pens.entries()]
+                .filter(([, { latest }]) => latest > 0 === here)
+                .sort(([, a], [, b]) => b.latest - a.latest)
+                .forEach(([pen]) => inkoraWeb.sight(radio, pen));
             show(true);
             const pens = await inkoraWeb.remember();
             if (signal.aborted) return;
@@ -208,13 +214,14 @@ mergeInto(LibraryManager.library, {
             inkoraWeb.after(inkoraWeb.connectTime, signal).then(
                 () => link.isUp || fail('The connection could not be established in time.'));
             while (!link.isUp) {
-                if (await inkoraWeb.isDeaf()) await inkoraWeb.renew();
+                const isDeaf = await inkoraWeb.isDeaf();
+                if (signal.aborted) return;
+                if (isDeaf) await inkoraWeb.renew();
                 if (signal.aborted) return;
                 const { device, isForgotten } = inkoraWeb.pens[pen];
                 if (isForgotten) return fail('The browser has lost the pen, which has to be chosen anew.');
                 try {
-                    const server = await inkoraWeb.answerTo(device.gatt.connect());
-                    if (signal.aborted && !inkoraWeb.pens[pen].link) device.gatt.disconnect();  // it came too late
+                    const server = await inkoraWeb.answerTo(inkoraWeb.attempt(pen));
                     if (signal.aborted) return;
                     await inkoraWeb.answerTo(inkoraWeb.furnish(link, server));
                     if (signal.aborted) return;
@@ -230,15 +237,30 @@ mergeInto(LibraryManager.library, {
                 device.addEventListener('gattserverdisconnected', () => inkoraWeb.lost(pen), { signal });
                 link.isUp = true;
             }
-            inkoraWeb.pens[pen].wasHere = true;
+            inkoraWeb.pens[pen].latest = ++inkoraWeb.count;
             inkoraWeb.tell(_inkora_web_connected, radio, pen);
         },
 
+        // The browser's own, which cannot be ended: of a link whose attempt is given up, or made twice at
+        // once, Chromium (156) does not tell the end. So the next link has what comes of it, and if there
+        // is none it came too late.
+        attempt: function (pen) {
+            const entry = inkoraWeb.pens[pen];
+            if (!entry.attempt) {
+                const { gatt } = entry.device;
+                const attempt = entry.attempt = gatt.connect().finally(() => {
+                    if (entry.attempt === attempt) entry.attempt = null;
+                    if (!entry.link) gatt.disconnect();
+                });
+            }
+            return entry.attempt;
+        },
+
         drop: function (pen) {
-            const { device, link } = inkoraWeb.pens[pen];
+            const { device, link, attempt } = inkoraWeb.pens[pen];
             inkoraWeb.pens[pen].link = null;
             link.over.abort();
-            device.gatt.disconnect();
+            if (!attempt) device.gatt.disconnect();
         },
 
         disconnect: function (pen) {
@@ -263,7 +285,7 @@ mergeInto(LibraryManager.library, {
                 if (signal.aborted) return;
                 let value, text = null;
                 try {
-                    value = await inkoraWeb.answerTo(request(link));
+                    value = await request(link);
                 } catch (error) {
                     const isLost = error.name === 'TimeoutError' || !device.gatt.connected;
                     if (isLost && !signal.aborted) inkoraWeb.lost(pen);
@@ -326,8 +348,11 @@ mergeInto(LibraryManager.library, {
             if (state !== poweredOn) inkoraWeb.letGo(radio);
             inkoraWeb.tell(_inkora_web_state, radio, state, bluetooth !== undefined);
         };
-        const look = () => inkoraWeb.bluetooth().getAvailability().then(is => tell(is ? poweredOn : unsupported),
-            error => tell(error.name === 'SecurityError' ? unauthorized : unsupported));
+        const look = async () => {
+            if (await inkoraWeb.isDeaf()) await inkoraWeb.renew();  // as another kit of the page may have left it
+            return inkoraWeb.bluetooth().getAvailability().then(is => tell(is ? poweredOn : unsupported),
+                error => tell(error.name === 'SecurityError' ? unauthorized : unsupported));
+        };
         inkoraWeb.radios[radio] = { over, scan: null, look };
         if (!bluetooth) return tell(unsupported);
         const policy = document.featurePolicy;
@@ -383,13 +408,13 @@ mergeInto(LibraryManager.library, {
 
     inkora_web_read__deps: ['$inkoraWeb'],
     inkora_web_read: function (pen, handle) {
-        inkoraWeb.ask(pen, link => inkoraWeb.read(link.things[handle], link), (radio, bytes, failure) =>
+        inkoraWeb.ask(pen, link => inkoraWeb.answerTo(inkoraWeb.read(link.things[handle], link)), (radio, bytes, failure) =>
             inkoraWeb.tell(_inkora_web_value_read, radio, pen, handle, bytes, bytes ? bytes.length : 0, failure));
     },
 
     inkora_web_subscribe__deps: ['$inkoraWeb'],
     inkora_web_subscribe: function (pen, handle, on) {
-        inkoraWeb.ask(pen, link => inkoraWeb.subscribe(pen, handle, link, on), (radio, nothing, failure) =>
+        inkoraWeb.ask(pen, link => inkoraWeb.answerTo(inkoraWeb.subscribe(pen, handle, link, on)), (radio, nothing, failure) =>
             inkoraWeb.tell(_inkora_web_subscribed, radio, pen, handle, failure ? !on : on, failure));
     },
 
@@ -397,12 +422,16 @@ mergeInto(LibraryManager.library, {
     inkora_web_choose__deps: ['$inkoraWeb'],
     inkora_web_choose: function (chosen) {
         const filters = inkoraWeb.filters, service = inkoraWeb.service;
-        const refused = error => inkoraWeb.tell(_inkora_web_chosen, chosen, error.message);
+        const refused = error => {
+            if (error.name === 'TimeoutError') inkoraWeb.renew();
+            inkoraWeb.tell(_inkora_web_chosen, chosen, error.message);
+        };
         const bluetooth = inkoraWeb.bluetooth();
         if (!bluetooth) return void setTimeout(refused, 0, new Error('This browser has no Web Bluetooth.'));
-        bluetooth.requestDevice({ filters, optionalServices: [service] }).then(async device => {
+        // The person may take any time.
+        inkoraWeb.answerTo(bluetooth.requestDevice({ filters, optionalServices: [service] }), Infinity).then(async device => {
             const pen = inkoraWeb.add(device);
-            inkoraWeb.pens[pen].wasHere = true;
+            inkoraWeb.pens[pen].latest = ++inkoraWeb.count;
             // The chooser knows an adapter that has come since the radio looked.
             await Promise.all(Object.values(inkoraWeb.radios).map(({ look }) => look()));
             for (const radio of Object.keys(inkoraWeb.radios).map(Number)) {
