@@ -136,8 +136,9 @@ export class Kit extends EventTarget {
     async stop() {
         if (this.#isTellingOfLink) return this.#turn(() => this.stop());  // the kit has steps to do there
         this.#call('stop');
+        const ofStops = ['turn', 'disconnected'];
         this.#refuse(new KitError('stopped', 0, 'the kit was stopped'),
-            [...this.#waiting.keys()].filter(event => event !== 'disconnected'));
+            [...this.#waiting.keys()].filter(event => !ofStops.includes(event)));
         if (this.state === 'disconnecting') await this.#wait('disconnected');
     }
 
@@ -220,7 +221,10 @@ export class Kit extends EventTarget {
 
     // --- promises -------------------------------------------------------------------------------
 
-    /** Waits for what is heard next of this, and does `then` as it is heard. Nobody need look at how it ends: events tell that as well. */
+    /**
+     * Waits for what is heard next of this, and does `then` as it is heard. Nobody need look at how it
+     * ends: events tell that as well.
+     */
     #wait(event, then = value => value) {
         const answer = new Promise((done, failed) => {
             if (!this.#waiting.has(event)) this.#waiting.set(event, []);
