@@ -1,5 +1,5 @@
 // The kit as inkorakit.js has it: the C interface, whose callbacks are calls of `Module.hear`
-// there, and the chooser.
+// there, the chooser, and the end of the radios for when the program must not be called any more.
 #include <InkoraKit/c/inkorakit.h>
 #include <InkoraKit/web/ChoosePen.h>
 
@@ -7,11 +7,12 @@
 
 // clang-format off
 EM_JS(void, hear, (const char* event), { Module.hear(UTF8ToString(event)); })
-EM_JS(void, hear_text, (const char* event, const char* text), { Module.hear(UTF8ToString(event), UTF8ToString(text)); })
+EM_JS(void, hear_chosen, (int choice, const char* text), { Module.hear('chosen', choice, UTF8ToString(text)); })
 EM_JS(void, hear_failure, (const char* event, double code, const char* text), { Module.hear(UTF8ToString(event), code, UTF8ToString(text)); })
 EM_JS(void, hear_level, (const char* event, double level), { Module.hear(UTF8ToString(event), level); })
 EM_JS(void, hear_colour, (double red, double green, double blue, double alpha), { Module.hear('colour', red, green, blue, alpha); })
 EM_JS(void, hear_info, (const char* name, const char* identifier), { Module.hear('info', UTF8ToString(name), UTF8ToString(identifier)); })
+EM_JS(void, lend_end_of_radios, (), { Module.endRadios = () => inkoraWeb.end(); })  // of WebRadio.js
 // clang-format on
 
 namespace {
@@ -46,6 +47,7 @@ constexpr inkora_callbacks callbacks = {
 extern "C" {
 
 EMSCRIPTEN_KEEPALIVE inkora_status inkora_page_listen() {
+    lend_end_of_radios();
     return inkora_register(&callbacks, nullptr);
 }
 
@@ -54,10 +56,10 @@ EMSCRIPTEN_KEEPALIVE inkora_status inkora_page_turn() {
     return inkora_loop_post([](void*) { hear("turn"); }, nullptr);
 }
 
-/// Heard as "chosen", with what was wrong, or with no text.
-EMSCRIPTEN_KEEPALIVE void inkora_page_choose() {
-    InkoraKit::choosePen([](const auto& error) {
-        hear_text("chosen", error ? error->localizedDescription().c_str() : "");
+/// Heard as "chosen", with this number and what was wrong, or no text.
+EMSCRIPTEN_KEEPALIVE void inkora_page_choose(int choice) {
+    InkoraKit::choosePen([choice](const auto& error) {
+        hear_chosen(choice, error ? error->localizedDescription().c_str() : "");
     });
 }
 }

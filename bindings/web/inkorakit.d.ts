@@ -55,7 +55,7 @@ export class FailureEvent extends Event {
 export interface KitEvents {
     /** A pen is connected. Its colours follow, the one that it captured last to begin with. */
     connected: Event;
-    /** The link has ended. Unless the page has stopped the kit, a new search follows at once. */
+    /** The link has ended. Unless the page has stopped the kit, or does so here, a new search follows at once. */
     disconnected: Event;
     /** A colour was captured. One equal to the last is not told again. */
     colour: ColourEvent;
@@ -86,7 +86,8 @@ export interface LoadOptions {
 }
 
 /**
- * A kit of its own: pens, events and radio are not shared with others. Fetches inkorakit.wasm.
+ * A kit with its own search and events. The pens are the page's: `resume` of a second kit may take the
+ * first one's pen, whose link then ends for both with either's `stop` or `close`. Fetches inkorakit.wasm.
  * @throws KitError (as the promise's rejection) "invalid"
  */
 export function load(options?: LoadOptions): Promise<Kit>;
@@ -104,13 +105,15 @@ export class Kit extends EventTarget {
      * Opens the browser's chooser, and looks for the pen that was chosen in it. Browsers insist on a
      * gesture: call it in the handler of a click or a key. With the virtual radio there is no chooser.
      * Settled when the search has begun; what comes of it is told by events.
-     * @throws KitError (as the promise's rejection) "not-chosen", "unavailable"; "already-done" while
-     * the chooser is open or there is a pen; "stopped"
+     * @throws KitError (as the promise's rejection) "not-chosen"; "unavailable"; "already-done" while
+     * the chooser is open or there is a pen; "stopped"; "not-found" and "connection" where the browser had
+     * no Bluetooth for the chooser, and a search without it has failed
      */
     pair(): Promise<void>;
     /**
      * Looks for pens that were chosen before, on this page or, where the browser remembers, on an
-     * earlier visit. Needs no gesture.
+     * earlier visit. Needs no gesture. Where the browser has fallen silent and does not remember,
+     * it finds none: `pair` is needed then.
      * @throws KitError "already-done" while it looks or has a pen
      */
     resume(): void;
@@ -122,7 +125,8 @@ export class Kit extends EventTarget {
 
     /**
      * The battery level in percent; without a pen, of the next one. After a link that ended with the
-     * adapter, the next one's is told to those who ask before it is connected; later it may not come.
+     * adapter, the next one's is told to those who ask before it is connected; asked later it does not
+     * come before the pen tells a new level, or is linked again.
      * @throws KitError (as the promise's rejection, as does `proximity`) "stopped", and that of the
      * event "failed" or "unavailable" where one comes before the answer
      */
@@ -138,7 +142,10 @@ export class Kit extends EventTarget {
     setPowered(isOn: boolean): void;
     /** Lets so many seconds of the virtual clock pass. @throws KitError "invalid" without that clock */
     advance(seconds: number): void;
-    /** Ends the link and lets go of all; each later call throws. */
+    /**
+     * Ends the link and lets go of all; each later call throws, but for `close`, which is done at once.
+     * A kit that is not closed keeps node running.
+     */
     close(): Promise<void>;
 
     addEventListener<K extends keyof KitEvents>(type: K, listener: (this: Kit, event: KitEvents[K]) => unknown,

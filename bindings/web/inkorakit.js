@@ -92,7 +92,8 @@ export class Kit extends EventTarget {
     #info = { name: '', identifier: '' };
     #waiting = new Map();  // those who wait, by what for
     #isChoosing = false;
-    #isTellingConnected = false;
+    #choices = 0;
+    #isTellingOfLink = false;
     #end = null;  // the error of each call from then on
     #lastWords = '';
 
@@ -133,9 +134,11 @@ export class Kit extends EventTarget {
     }
 
     async stop() {
-        if (this.#isTellingConnected) await null;  // the kit has steps to do there
+        if (this.#isTellingOfLink) return this.#turn(() => this.stop());  // the kit has steps to do there
         this.#call('stop');
-        this.#refuse(new KitError('stopped', 0, 'the kit was stopped'));
+        const ofStops = ['turn', 'disconnected'];
+        this.#refuse(new KitError('stopped', 0, 'the kit was stopped'),
+            [...this.#waiting.keys()].filter(event => !ofStops.includes(event)));
         if (this.state === 'disconnecting') await this.#wait('disconnected');
     }
 
@@ -171,9 +174,12 @@ export class Kit extends EventTarget {
     }
 
     async close() {
+        await null;  // an event may be told, in which no time can pass and the core cannot end
+        if (this.#end) return;
         const stopped = this.stop();
         if (this.#clock === 'virtual') this.advance(longestDisconnection);
         await stopped;
+        if (this.#end) return;  // by another close
         void this.#turn();  // in which the core sees that it has ended
         this.#end = new KitError('stopped', 0, 'the kit was closed');
         this.#abort();
@@ -200,7 +206,7 @@ export class Kit extends EventTarget {
                 this.#lastWords = thrown.message;
                 this.#abort();
             }
-            throw this.#end;
+            throw this.#end ?? thrown;  // where the stack has no room for an end either
         }
     }
 
@@ -215,11 +221,14 @@ export class Kit extends EventTarget {
 
     // --- promises -------------------------------------------------------------------------------
 
-    /** Waits for what is heard next of this. Nobody need look at how it ends: events tell that as well. */
-    #wait(event) {
+    /**
+     * Waits for what is heard next of this, and does `then` as it is heard. Nobody need look at how it
+     * ends: events tell that as well.
+     */
+    #wait(event, then = value => value) {
         const answer = new Promise((done, failed) => {
             if (!this.#waiting.has(event)) this.#waiting.set(event, []);
-            this.#waiting.get(event).push({ done, failed });
+            this.#waiting.get(event).push({ done: value => done(then(value)), failed });
         });
         answer.catch(() => {});
         return answer;
@@ -253,9 +262,9 @@ export class Kit extends EventTarget {
     }
 
     /** Until all that has been posted so far is done. */
-    #turn() {
+    #turn(then) {
         this.#call('page_turn');
-        return this.#wait('turn');
+        return this.#wait('turn', then);
     }
 
     /** Begins to look for a pen. A virtual adapter that is off has said so two turns later. */
@@ -280,12 +289,15 @@ export class Kit extends EventTarget {
         if (error) throw error;
     }
 
-    /** Empty, or why nothing was chosen. */
+    /**
+     * Empty, or why nothing was chosen. The browser cancels a chooser that is still open after a `stop`
+     * when the next one opens: each has a number, and its answer goes to nobody else.
+     */
     async #answerOfChooser() {
         this.#isChoosing = true;
         try {
-            this.#run('page_choose');
-            return await this.#wait('chosen');
+            this.#run('page_choose', ++this.#choices);
+            return await this.#wait(`chosen ${this.#choices}`);
         } finally {
             this.#isChoosing = false;
         }
@@ -296,19 +308,20 @@ export class Kit extends EventTarget {
     #hear(event, ...values) {
         switch (event) {
             case 'turn':
-            case 'chosen':
-                this.#answer(event, values[0]);
+                this.#answer(event);
                 break;
+            case 'chosen': {
+                const [choice, text] = values;
+                this.#answer(`chosen ${choice}`, text);
+                break;
+            }
             case 'connected':
-                this.#answer(event);
-                this.#isTellingConnected = true;
-                this.dispatchEvent(new Event(event));
-                this.#isTellingConnected = false;
-                break;
             case 'disconnected':
-                this.#askFirstBattery();
+                if (event === 'disconnected') this.#askFirstBattery();
                 this.#answer(event);
+                this.#isTellingOfLink = true;
                 this.dispatchEvent(new Event(event));
+                this.#isTellingOfLink = false;
                 break;
             case 'failed':
             case 'unavailable': {
@@ -350,6 +363,7 @@ export class Kit extends EventTarget {
     }
 
     #ended() {
+        this.#core.endRadios?.();  // none is there before it listens
         if (this.#end) return this.#refuse(this.#end);
         this.#end = new KitError('fatal', 0, this.#lastWords.replace('Fatal error: ', ''));
         this.#refuse(this.#end);

@@ -1,4 +1,5 @@
 // A page's own code, as its developer would write it: every member is used, by its type and for real.
+import type wasm from 'inkorakit/inkorakit.wasm';
 import type { Kit, KitError, KitEvents, LoadOptions, VirtualPen } from 'inkorakit';
 
 type Package = typeof import('inkorakit');
@@ -103,14 +104,21 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
     kit.advance(1);
 
     // Within `connected` the kit has steps to do yet: it stops behind them.
-    pen.dropLink();
-    const stopped = new Promise<void>(done => kit.addEventListener('connected', () => done(kit.stop()), { once: true }));
-    kit.advance(0.3);
-    await null;
-    kit.advance(1);
-    await stopped;
+    // So it has within `disconnected`: the search that follows is stopped. Two stops are both right.
+    for (const type of ['connected', 'disconnected'] as const) {
+        const stopped = new Promise<unknown>(done => kit.addEventListener(type,
+            () => done(Promise.all([kit.stop(), kit.stop()])), { once: true }));
+        pen.dropLink();
+        kit.advance(5);
+        await stopped;
+        see(`stopped as soon as it is ${type}`, kit.state);
+        kit.resume();
+        kit.advance(1);
+    }
     const left = refused(() => kit.proximity());
-    await kit.stop();
+    const stopped = [kit.stop(), kit.stop()];
+    kit.advance(1);
+    await Promise.all(stopped);
     see('stopped', kit.state, await left);
     pen.remove();
     see(await refused(() => pen.dropLink()));
@@ -124,8 +132,13 @@ export async function tryVirtual({ load, KitError, ColourEvent }: Package, optio
     see(await refused(() => other.advance(1)));
     await other.close();
     see(other.state, await refused(() => other.pair()));
-    await kit.close();
-    see(await refused(() => kit.info()), KitError.name);
+    kit.resume();
+    kit.addPen(8);
+    const closed = new Promise<unknown>(done => kit.addEventListener('connected',
+        () => done(Promise.all([kit.close(), kit.close()]))));
+    kit.advance(1);
+    await closed;
+    see(await refused(() => kit.info()), KitError.name, await refused(() => kit.close()));
     return seen;
 }
 
@@ -142,7 +155,8 @@ export async function begin({ load }: Package, options: LoadOptions): Promise<vo
 export function wrongly(kit: Kit, events: KitEvents): void {
     // @ts-expect-error a colour has no level
     kit.addEventListener('colour', event => event.level);
+    const options: LoadOptions = { wasm: {} as typeof wasm };
     // @ts-expect-error a level is no text
     const text: string = events.battery.level;
-    void text;
+    void [options, text];
 }
