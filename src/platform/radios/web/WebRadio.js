@@ -112,8 +112,10 @@ mergeInto(LibraryManager.library, {
         // The number of a device.
         add: function (device) {
             const known = inkoraWeb.pens.findIndex(pen => pen.device.id === device.id);
-            const pen = known < 0 ? inkoraWeb.pens.push({ link: null, latest: 0 }) - 1 : known;
-            Object.assign(inkoraWeb.pens[pen], { device, attempt: null, isForgotten: false });
+            const pen = known < 0 ? inkoraWeb.pens.push({ link: null, attempt: null, latest: 0 }) - 1 : known;
+            const entry = inkoraWeb.pens[pen];
+            if (entry.device !== device) entry.attempt = null;  // that of another frame
+            Object.assign(entry, { device, isForgotten: false });
             return pen;
         },
 
