@@ -123,8 +123,8 @@ async function interruptions() {
     await link('a link whose end is told as well', lose, 'disconnected', 'connected', '#102030');
 }
 
-// The browser's channel to its Bluetooth ends when it is asked for something of a pen that is lost in the
-// same moment, which these losses bring about every second time; and then for certain.
+// The browser's channel to its Bluetooth ends when it is asked for what a pen had that is forgotten in the
+// same moment, which these losses bring about now and then; and then for certain.
 async function silence() {
     await page.reload();
     await link('a pen is linked', pair, 'connected', '#102030');
@@ -132,7 +132,7 @@ async function silence() {
         await page.evaluate(`void (window.asking = setInterval(() =>
             seen.includes('disconnected') ? clearInterval(asking) : _battery(), 1))`);
         await pause(20);
-        lose();
+        pen.tell('lose', 'forget');
         const heard = await until(async () => {
             pen.tell(notify(colours[round]));  // which is heard once the host has subscribed
             return page.evaluate(`seen.includes('#${colours[round]}') && seen.splice(0)`);

@@ -58,8 +58,8 @@ mergeInto(LibraryManager.library, {
 
         bluetooth: () => (inkoraWeb.frame ? inkoraWeb.frame.contentWindow : window).navigator.bluetooth,
 
-        // Chromium (156) closes a page's channel to its Bluetooth when it is asked for something of a pen
-        // that is lost in the same moment: no request is answered any more then, and no event comes.
+        // Chromium (156) closes a page's channel to its Bluetooth when it is asked for what the system has
+        // forgotten of a lost pen in that moment: no request is answered any more then, and no event comes.
         isDeaf: () => Promise.race([inkoraWeb.bluetooth().getAvailability().then(() => false, () => false),
             new Promise(done => setTimeout(done, inkoraWeb.answerTime, true))]),
 
