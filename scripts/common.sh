@@ -8,7 +8,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build_packages=(cmake g++ libcli11-dev libncurses-dev libsystemd-dev ninja-build pkgconf)
 test_packages=(dbus libgtest-dev nlohmann-json3-dev python3 python3-tinycss2)
 page_packages=(cmake emscripten ninja-build nodejs)
-export build_packages test_packages page_packages
+emscripten_toolchain=/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake
+export build_packages test_packages page_packages emscripten_toolchain
 
 heading() { printf '\n== %s\n' "$*"; }
 
@@ -74,9 +75,12 @@ export page_package
 build_page() {
     heading "Building in build/page"
     cmake -S . -B build/page -G Ninja --log-level=NOTICE \
-        -DCMAKE_TOOLCHAIN_FILE=/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake \
+        "-DCMAKE_TOOLCHAIN_FILE=$emscripten_toolchain" \
         -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS_RELEASE=-Oz -DNDEBUG -fwasm-exceptions" \
         -DINKORA_TESTS=OFF -DINKORA_TOOLS=OFF -DINKORA_PYTHON=OFF -DINKORA_EXAMPLES=OFF
     # Emscripten's own scripts want Debian's modules, whichever node runs them.
     NODE_PATH=/usr/share/nodejs cmake --build build/page --parallel "$(nproc)" --target "$@" | show_tenths
 }
+
+# The package for pages, packed of what build_page has made of InkoraPage: the tarball's path.
+packed_page() { echo "build/page/$(npm pack --silent --pack-destination build/page "./$page_package")"; }

@@ -91,8 +91,7 @@ export class Kit extends EventTarget {
     #clock;
     #info = { name: '', identifier: '' };
     #waiting = new Map();  // those who wait, by what for
-    #isChoosing = false;
-    #choices = 0;
+    #choices = 0;          // of which the last one may wait for its answer
     #isTellingOfLink = false;
     #end = null;  // the error of each call from then on
     #lastWords = '';
@@ -122,7 +121,7 @@ export class Kit extends EventTarget {
     }
 
     async pair() {
-        if (this.#isChoosing) throw new KitError('already-done', alreadyDone, 'the chooser is open');
+        if (this.#waiting.has(`chosen ${this.#choices}`)) throw new KitError('already-done', alreadyDone, 'the chooser is open');
         if (['connecting', 'connected', 'ready'].includes(this.state))
             throw new KitError('already-done', alreadyDone, 'there is a pen; stop first');
         if (this.#radio === 'web') await this.#choose();
@@ -293,14 +292,9 @@ export class Kit extends EventTarget {
      * Empty, or why nothing was chosen. The browser cancels a chooser that is still open after a `stop`
      * when the next one opens: each has a number, and its answer goes to nobody else.
      */
-    async #answerOfChooser() {
-        this.#isChoosing = true;
-        try {
-            this.#run('page_choose', ++this.#choices);
-            return await this.#wait(`chosen ${this.#choices}`);
-        } finally {
-            this.#isChoosing = false;
-        }
+    #answerOfChooser() {
+        this.#run('page_choose', ++this.#choices);
+        return this.#wait(`chosen ${this.#choices}`);
     }
 
     // --- what the kit tells ---------------------------------------------------------------------

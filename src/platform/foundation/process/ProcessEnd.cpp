@@ -1,5 +1,6 @@
 #include "platform/foundation/process/ProcessEnd.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -15,8 +16,10 @@ std::vector<void (*)()>& functions() {
 }  // namespace
 
 void atProcessEnd(void (*function)()) {
-    if (functions().empty()) std::atexit(runProcessEnd);
-    functions().push_back(function);
+    auto& all = functions();
+    if (std::find(all.begin(), all.end(), function) != all.end()) return;
+    if (all.empty()) std::atexit(runProcessEnd);
+    all.push_back(function);
 }
 
 void runProcessEnd() noexcept {

@@ -11,7 +11,6 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <mutex>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -55,8 +54,7 @@ BluezRadio::BluezRadio()
       discovery_(daemon_, [this] { discoveryMoved(); }),
       canReadRSSI_(ManagementSocket::isPermitted()) {
     liveRadios().push_back(this);
-    static std::once_flag isRegistered;
-    std::call_once(isRegistered, [] { atProcessEnd(hangUpAll); });
+    atProcessEnd(hangUpAll);
 }
 
 BluezRadio::~BluezRadio() {

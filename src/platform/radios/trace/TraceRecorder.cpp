@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <mutex>
 #include <utility>
 
 namespace InkoraKit {
@@ -56,8 +55,7 @@ TraceRecorder::TraceRecorder(const std::string& path, RadioTrace::Identifiers id
         throw NSError(*error_);
     }
     recording = this;
-    static std::once_flag isRegistered;
-    std::call_once(isRegistered, [] { atProcessEnd(endRecording); });
+    atProcessEnd(endRecording);
 }
 
 TraceRecorder::~TraceRecorder() {

@@ -4,7 +4,6 @@
 #include "platform/foundation/process/ProcessEnd.h"
 
 #include <algorithm>
-#include <mutex>
 #include <span>
 #include <utility>
 
@@ -37,8 +36,7 @@ WebRadio::~WebRadio() {
 void WebRadio::start(RadioListener& listener) {
     listener_ = &listener;
     // The page goes on when the program does not, and with it the links.
-    static std::once_flag isRegistered;
-    std::call_once(isRegistered, [] { atProcessEnd(inkora_web_end); });
+    atProcessEnd(inkora_web_end);
     inkora_web_start(this);
 }
 
